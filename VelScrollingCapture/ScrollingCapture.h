@@ -1,0 +1,18 @@
+#pragma once
+
+/// @file
+/// Every exported C++ class of the library.
+
+#include <VelScrollingCapture/core/BasicStitcher.h>
+#include <VelScrollingCapture/core/IImageProvider.h>
+#include <VelScrollingCapture/core/IStitcher.h>
+#include <VelScrollingCapture/core/IStitcherListener.h>
+#include <VelScrollingCapture/core/ITranslationDetector.h>
+#include <VelScrollingCapture/core/ScrollOrientation.h>
+#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/core/Translation.h>
+#include <VelScrollingCapture/core/Utilities.h>
+#include <VelScrollingCapture/detection/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/frontend/RepeatFilter.h>
+#include <VelScrollingCapture/frontend/StitcherAdapter.h>
+#include <VelScrollingCapture/storage/BasicImageProvider.h>

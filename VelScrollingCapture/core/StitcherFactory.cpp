@@ -1,0 +1,14 @@
+#include <VelScrollingCapture/core/BasicStitcher.h>
+#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/detection/PhaseCorrelationTranslationDetector.h>
+
+namespace ScrollingCapture {
+
+std::shared_ptr<IStitcher> StitcherFactory::CreateBasicStitcher(ScrollOrientation orientation,
+                                                                bool expectConsistentTranslations,
+                                                                unsigned int threadCount) {
+  return std::make_shared<BasicStitcher>(std::make_shared<PhaseCorrelationTranslationDetector>(
+      orientation, expectConsistentTranslations, threadCount));
+}
+
+}  // namespace ScrollingCapture

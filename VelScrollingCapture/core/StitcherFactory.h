@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+
+#include <VelScrollingCapture/core/Export.h>
+#include <VelScrollingCapture/core/IStitcher.h>
+#include <VelScrollingCapture/core/ScrollOrientation.h>
+
+namespace ScrollingCapture {
+
+/// Assembles stitchers, so that callers need not name the concrete classes.
+class VEL_EXPORT StitcherFactory {
+ public:
+  StitcherFactory() = delete;
+
+  /// A BasicStitcher with a PhaseCorrelationTranslationDetector; the caller is its only owner.
+  /// @param orientation               the scroll directions to look for
+  /// @param expectConsistentTranslations
+  ///        whether a pair may be given its second-best translation when that repeats the previous
+  ///        pair's
+  /// @param threadCount               the most detections that run at once; at least 1, not checked
+  static std::shared_ptr<IStitcher> CreateBasicStitcher(ScrollOrientation orientation,
+                                                        bool expectConsistentTranslations,
+                                                        unsigned int threadCount);
+};
+
+}  // namespace ScrollingCapture

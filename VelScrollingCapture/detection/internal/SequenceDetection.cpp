@@ -1,0 +1,119 @@
+#include <iostream>
+#include <memory>
+
+#include <opencv2/core.hpp>
+
+#include <VelScrollingCapture/detection/internal/SequenceDetection.h>
+
+namespace ScrollingCapture {
+namespace {
+
+/// Joins all threads of a vector when it goes out of scope, also when a further one cannot be
+/// started.
+class ThreadJoiner {
+ public:
+  explicit ThreadJoiner(std::vector<std::thread>& threads) : threads(threads) {}
+  ThreadJoiner(const ThreadJoiner&) = delete;
+  ThreadJoiner& operator=(const ThreadJoiner&) = delete;
+  ~ThreadJoiner() {
+    for (std::thread& thread : threads) {
+      thread.join();
+    }
+  }
+
+ private:
+  std::vector<std::thread>& threads;
+};
+
+}  // namespace
+
+SequenceDetection::SequenceDetection(ITranslationDetector& detector, IImageProvider& images,
+                                     IStitcherListener* listener, const Settings& settings)
+    : detector(detector), images(images), listener(listener), settings(settings) {}
+
+std::vector<Translation> SequenceDetection::Run() {
+  const size_t count = images.Count();
+  if (count < 2) {
+    std::cerr << "Error: Not enough images in the IImageProvider." << std::endl;
+    return {};
+  }
+  const size_t pairs = count - 1;
+  result.resize(pairs);
+  alternatives.resize(pairs);
+  for (unsigned int later = 1; later < images.Count(); ++later) {
+    pending.push_back(later);
+  }
+  progressStep =
+      static_cast<float>(settings.progressEnd - settings.progressStart) / static_cast<float>(pairs);
+  progress = static_cast<float>(settings.progressStart);
+
+  Dispatch();
+
+  if (!cancelled) {
+    if (settings.expectConsistentTranslations) {
+      PreferRepeatedTranslations();
+    }
+    cancelled = listener != nullptr && !listener->ProgressCallback(settings.progressEnd);
+  }
+  if (cancelled) {
+    result.clear();
+    if (listener != nullptr) {
+      listener->StitchingError(IStitcherListener::Cancelled, false);
+    }
+  }
+  return result;
+}
+
+void SequenceDetection::Dispatch() {
+  const ThreadJoiner joiner(workers);
+  bool goOn = true;
+  while (goOn && !pending.empty()) {
+    goOn = StartNextWorker();
+  }
+}
+
+/// Returns whether to go on. A cancellation that comes while this waits for a free slot still lets
+/// one more worker start.
+bool SequenceDetection::StartNextWorker() {
+  std::unique_lock<std::mutex> lock(mutex);
+  slotFreed.wait(lock, [this] { return running < settings.threadCount; });
+  workers.emplace_back(&SequenceDetection::DetectPair, this, pending.front());
+  pending.pop_front();
+  ++running;
+  return !cancelled;
+}
+
+void SequenceDetection::DetectPair(unsigned int laterCapture) {
+  const size_t pair = laterCapture - 1;
+  {
+    const std::shared_ptr<cv::Mat> earlier = images.GetImageAt(laterCapture - 1);
+    const std::shared_ptr<cv::Mat> later = images.GetImageAt(laterCapture);
+    result[pair] =
+        settings.expectConsistentTranslations
+            ? detector.DetectTranslationWithAlternative(*earlier, *later, alternatives[pair])
+            : detector.DetectTranslation(*earlier, *later);
+  }
+  FinishPair();
+}
+
+void SequenceDetection::FinishPair() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  if (listener != nullptr && !cancelled) {
+    progress += progressStep;
+    cancelled = !listener->ProgressCallback(static_cast<int>(progress));
+  }
+  --running;
+  slotFreed.notify_one();
+}
+
+/// Compares with the previous pair as this pass has left it, so that a replacement can go on along
+/// the sequence.
+void SequenceDetection::PreferRepeatedTranslations() {
+  for (size_t pair = 1; pair < result.size(); ++pair) {
+    if (alternatives[pair] == result[pair - 1]) {
+      result[pair] = alternatives[pair];
+    }
+  }
+}
+
+}  // namespace ScrollingCapture

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include <VelScrollingCapture/core/IImageProvider.h>
+#include <VelScrollingCapture/core/IStitcherListener.h>
+#include <VelScrollingCapture/core/ITranslationDetector.h>
+#include <VelScrollingCapture/core/Translation.h>
+
+namespace ScrollingCapture {
+
+/// One run over all pairs of consecutive captures, each pair on a worker thread of its own.
+///
+/// The pairs go through the detector's virtual pairwise operations. Listener calls made by workers
+/// are serialised by the run's mutex.
+class SequenceDetection {
+ public:
+  /// What the caller of the run has chosen.
+  struct Settings {
+    bool expectConsistentTranslations;
+    unsigned int threadCount;  ///< the most workers that run at once
+    int progressStart;
+    int progressEnd;
+  };
+
+  /// All references and the listener (which may be null) must outlive the run.
+  SequenceDetection(ITranslationDetector& detector, IImageProvider& images,
+                    IStitcherListener* listener, const Settings& settings);
+
+  /// Detects the translations; call it once.
+  /// @return one element a pair; empty when there are fewer than two captures, or when cancelled
+  std::vector<Translation> Run();
+
+ private:
+  void Dispatch();
+  bool StartNextWorker();
+  void DetectPair(unsigned int laterCapture);
+  void FinishPair();
+  void PreferRepeatedTranslations();
+
+  ITranslationDetector& detector;
+  IImageProvider& images;
+  IStitcherListener* const listener;
+  const Settings settings;
+
+  std::vector<Translation> result;
+  std::vector<Translation> alternatives;
+  std::vector<std::thread> workers;
+  std::mutex mutex;
+  std::condition_variable slotFreed;
+  std::deque<unsigned int> pending;  ///< the later capture of each pair that is not yet started
+  unsigned int running = 0;
+  float progress = 0;
+  float progressStep = 0;
+  bool cancelled = false;
+};
+
+}  // namespace ScrollingCapture

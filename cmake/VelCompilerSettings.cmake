@@ -1,0 +1,18 @@
+# Language level, warnings and sanitizers for every target of this project.
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+add_library(vel_compiler_settings INTERFACE)
+target_compile_options(vel_compiler_settings INTERFACE
+  -Wall -Wextra -Wpedantic $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion
+  $<$<BOOL:${VEL_WARNINGS_AS_ERRORS}>:-Werror>)
+
+if(VEL_SANITIZERS)
+  target_compile_options(vel_compiler_settings INTERFACE
+    -fsanitize=${VEL_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(vel_compiler_settings INTERFACE -fsanitize=${VEL_SANITIZERS})
+endif()

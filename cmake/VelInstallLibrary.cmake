@@ -1,0 +1,41 @@
+# Installs the library, its headers, its CMake package and its pkg-config module.
+include(CMakePackageConfigHelpers)
+
+set(VEL_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/VelScrollingCapture")
+
+install(TARGETS VelScrollingCapture
+  EXPORT VelScrollingCaptureTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/VelScrollingCapture
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  COMPONENT development
+  FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE PATTERN "appkit" EXCLUDE)
+install(EXPORT VelScrollingCaptureTargets
+  NAMESPACE VelScrollingCapture::
+  DESTINATION ${VEL_CMAKE_DIR}
+  COMPONENT development)
+
+configure_package_config_file(
+  ${PROJECT_SOURCE_DIR}/cmake/VelScrollingCaptureConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/VelScrollingCaptureConfig.cmake
+  INSTALL_DESTINATION ${VEL_CMAKE_DIR})
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/VelScrollingCaptureConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES
+  ${PROJECT_BINARY_DIR}/VelScrollingCaptureConfig.cmake
+  ${PROJECT_BINARY_DIR}/VelScrollingCaptureConfigVersion.cmake
+  DESTINATION ${VEL_CMAKE_DIR}
+  COMPONENT development)
+
+# The module gives its prefix relative to its own folder, so that the installed tree can be moved.
+file(RELATIVE_PATH VEL_PREFIX_FROM_PKGCONFIG
+  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+configure_file(
+  ${PROJECT_SOURCE_DIR}/cmake/VelScrollingCapture.pc.in
+  ${PROJECT_BINARY_DIR}/VelScrollingCapture.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/VelScrollingCapture.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT development)
