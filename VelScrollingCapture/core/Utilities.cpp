@@ -1,15 +1,16 @@
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
-
-#include <opencv2/imgproc.hpp>
+#include <numeric>
+#include <vector>
 
 #include <VelScrollingCapture/core/Utilities.h>
 
 namespace ScrollingCapture {
 namespace {
 
-const cv::Scalar Transparent(0, 0, 0, 0);
 constexpr int AlphaChannel = 3;
 
 /// A point of a seam before it is known to lie inside the capture: wide enough for every
@@ -28,23 +29,37 @@ bool IsInside(const cv::Mat& image, const cv::Point& point) {
   return point.x >= 0 && point.y >= 0 && point.x < image.cols && point.y < image.rows;
 }
 
+/// The part of [0, length) between two ends, both included, in either order.
+cv::Range RunBetween(int first, int last, int length) {
+  const auto [low, high] = std::minmax(first, last);
+  return {std::max(low, 0), std::min(high, length - 1) + 1};
+}
+
+/// Sets all channels to 0; an empty or inverted range is left alone.
+void ClearBlock(cv::Mat& image, const cv::Range& rows, const cv::Range& columns) {
+  if (columns.end <= columns.start) {
+    return;
+  }
+  const size_t bytes = static_cast<size_t>(columns.size()) * image.elemSize();
+  for (int row = rows.start; row < rows.end; ++row) {
+    std::memset(image.ptr(row, columns.start), 0, bytes);
+  }
+}
+
 /// One coordinate of a walk along a slanted line. It stops at the image's borders and remembers
 /// having met one.
 class WalkCoordinate {
  public:
-  WalkCoordinate(int start, int last) : value(static_cast<float>(start)), last(last) {}
+  WalkCoordinate(int start, int last)
+      : value(static_cast<float>(start)), last(static_cast<float>(last)) {}
 
-  void Advance(float step) {
+  /// Returns false when the step led nowhere.
+  bool Advance(float step) {
+    const float before = value;
     const float next = value + step;
-    if (next > static_cast<float>(last)) {
-      value = static_cast<float>(last);
-      metBorder = true;
-    } else if (next < 0.0F) {
-      value = 0.0F;
-      metBorder = true;
-    } else {
-      value = next;
-    }
+    value = std::clamp(next, 0.0F, last);
+    metBorder = metBorder || value != next;
+    return value != before;
   }
 
   int Pixel() const { return static_cast<int>(value); }
@@ -52,43 +67,103 @@ class WalkCoordinate {
 
  private:
   float value;
-  int last;
+  float last;
   bool metBorder = false;
 };
 
-/// Walks from `start` until both coordinates have met a border and clears the column at each step.
-void ClipAlong(cv::Mat& image, const cv::Point& start, float stepX, float stepY,
-               bool towardsOrigin) {
-  WalkCoordinate x(start.x, image.cols - 1);
-  WalkCoordinate y(start.y, image.rows - 1);
-  while (!x.MetBorder() || !y.MetBorder()) {
-    x.Advance(stepX);
-    y.Advance(stepY);
-    Utilities::MakeColumnTransparent(image, cv::Point(x.Pixel(), y.Pixel()), towardsOrigin);
+/// A slanted cut through an image, as the row of the cut in every column.
+class SlantedCut {
+ public:
+  SlantedCut(const cv::Mat& image, const cv::Point& first, const cv::Point& second,
+             bool towardsOrigin)
+      : lastPoint(image.cols - 1, image.rows - 1),
+        towardsOrigin(towardsOrigin),
+        cutRows(static_cast<size_t>(image.cols), towardsOrigin ? -1 : image.rows) {
+    const float slope =
+        static_cast<float>(first.y - second.y) / static_cast<float>(second.x - first.x);
+    Reach(first.x, first.y);
+    Walk(first, 1.0F, -slope);
+    Walk(first, -1.0F, slope);
+  }
+
+  /// The columns that the cut clears in a row. Rows of the cut only rise or only fall from column
+  /// to column, so they are one run that starts at the first or ends at the last column.
+  cv::Range ClearedColumns(int row) const {
+    const auto clears = [this, row](int cutRow) {
+      return towardsOrigin ? row <= cutRow : row >= cutRow;
+    };
+    const bool fromFirst = clears(cutRows.front());
+    const auto change = std::partition_point(
+        cutRows.begin(), cutRows.end(), [&](int cutRow) { return clears(cutRow) == fromFirst; });
+    const int boundary = static_cast<int>(change - cutRows.begin());
+    return fromFirst ? cv::Range(0, boundary) : cv::Range(boundary, lastPoint.x + 1);
+  }
+
+ private:
+  /// Goes on along the first border it meets until it has met a second one, or until steps too
+  /// small for single precision lead nowhere any more.
+  void Walk(const cv::Point& start, float stepX, float stepY) {
+    WalkCoordinate x(start.x, lastPoint.x);
+    WalkCoordinate y(start.y, lastPoint.y);
+    bool moves = true;
+    while (moves && !(x.MetBorder() && y.MetBorder())) {
+      const bool movesX = x.Advance(stepX);
+      const bool movesY = y.Advance(stepY);
+      moves = movesX || movesY;
+      Reach(x.Pixel(), y.Pixel());
+    }
+  }
+
+  void Reach(int x, int y) {
+    int& cutRow = cutRows[static_cast<size_t>(x)];
+    cutRow = towardsOrigin ? std::max(cutRow, y) : std::min(cutRow, y);
+  }
+
+  cv::Point lastPoint;
+  bool towardsOrigin;
+  std::vector<int> cutRows;
+};
+
+int CountVisiblePixels(const cv::Vec4b* pixels, int count) {
+  return std::accumulate(pixels, pixels + count, 0, [](int visible, const cv::Vec4b& pixel) {
+    return visible + static_cast<int>(pixel[AlphaChannel] != 0);
+  });
+}
+
+/// Rows are mostly wholly visible or wholly transparent, which is worth finding out first.
+void BlendRow(const cv::Vec4b* source, cv::Vec4b* target, int count) {
+  const int visible = CountVisiblePixels(source, count);
+  if (visible == count) {
+    std::copy_n(source, count, target);
+  } else if (visible > 0) {
+    std::transform(source, source + count, target, target,
+                   [](const cv::Vec4b& above, const cv::Vec4b& below) {
+                     return above[AlphaChannel] != 0 ? above : below;
+                   });
   }
 }
 
-void ClipSlanted(cv::Mat& image, const cv::Point& first, const cv::Point& second,
-                 bool towardsOrigin) {
-  const float slope =
-      static_cast<float>(first.y - second.y) / static_cast<float>(second.x - first.x);
-  Utilities::MakeColumnTransparent(image, first, towardsOrigin);
-  ClipAlong(image, first, 1.0F, -slope, towardsOrigin);
-  ClipAlong(image, first, -1.0F, slope, towardsOrigin);
+/// Any other pixel type: OpenCV decides what can be copied, and throws where alpha is no mask.
+void BlendThroughMask(const cv::Mat& source, cv::Mat& target, const cv::Range& targetRows,
+                      const cv::Range& targetColumns) {
+  cv::Mat alpha;
+  cv::extractChannel(source, alpha, AlphaChannel);
+  cv::Mat block(target, targetRows, targetColumns);
+  source.copyTo(block, alpha);
 }
 
 }  // namespace
 
 void Utilities::MakeRowTransparent(cv::Mat& image, const cv::Point& start,
                                    bool towardsFirstColumn) {
-  const cv::Point end(towardsFirstColumn ? 0 : image.cols - 1, start.y);
-  cv::line(image, start, end, Transparent, 1, cv::LINE_4, 0);
+  const int end = towardsFirstColumn ? 0 : image.cols - 1;
+  ClearBlock(image, RunBetween(start.y, start.y, image.rows), RunBetween(start.x, end, image.cols));
 }
 
 void Utilities::MakeColumnTransparent(cv::Mat& image, const cv::Point& start,
                                       bool towardsFirstRow) {
-  const cv::Point end(start.x, towardsFirstRow ? 0 : image.rows - 1);
-  cv::line(image, start, end, Transparent, 1, cv::LINE_4, 0);
+  const int end = towardsFirstRow ? 0 : image.rows - 1;
+  ClearBlock(image, RunBetween(start.y, end, image.rows), RunBetween(start.x, start.x, image.cols));
 }
 
 void Utilities::ClipCorner(cv::Mat& image, const cv::Point& first, const cv::Point& second,
@@ -98,15 +173,18 @@ void Utilities::ClipCorner(cv::Mat& image, const cv::Point& first, const cv::Poi
     return;
   }
   if (first.x == second.x) {
-    for (int y = 0; y < image.rows; ++y) {
-      MakeRowTransparent(image, cv::Point(first.x, y), towardsOrigin);
-    }
+    const cv::Range columns =
+        towardsOrigin ? cv::Range(0, first.x + 1) : cv::Range(first.x, image.cols);
+    ClearBlock(image, cv::Range(0, image.rows), columns);
   } else if (first.y == second.y) {
-    for (int x = 0; x < image.cols; ++x) {
-      MakeColumnTransparent(image, cv::Point(x, first.y), towardsOrigin);
-    }
+    const cv::Range rows =
+        towardsOrigin ? cv::Range(0, first.y + 1) : cv::Range(first.y, image.rows);
+    ClearBlock(image, rows, cv::Range(0, image.cols));
   } else {
-    ClipSlanted(image, first, second, towardsOrigin);
+    const SlantedCut cut(image, first, second, towardsOrigin);
+    for (int row = 0; row < image.rows; ++row) {
+      ClearBlock(image, cv::Range(row, row + 1), cut.ClearedColumns(row));
+    }
   }
 }
 
@@ -159,10 +237,14 @@ void Utilities::BlendImages(const cv::Mat& source, cv::Mat& target, const cv::Ra
     std::cerr << "The Ranges provided must be within the bounds of the target image\n";
     return;
   }
-  cv::Mat alpha;
-  cv::extractChannel(source, alpha, AlphaChannel);
-  cv::Mat block(target, targetRows, targetColumns);
-  source.copyTo(block, alpha);
+  if (source.type() != CV_8UC4 || target.type() != CV_8UC4) {
+    BlendThroughMask(source, target, targetRows, targetColumns);
+    return;
+  }
+  for (int row = 0; row < source.rows; ++row) {
+    BlendRow(source.ptr<cv::Vec4b>(row),
+             target.ptr<cv::Vec4b>(targetRows.start + row, targetColumns.start), source.cols);
+  }
 }
 
 }  // namespace ScrollingCapture
