@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
-#include <numeric>
 #include <vector>
 
 #include <VelScrollingCapture/core/Utilities.h>
@@ -37,10 +36,14 @@ cv::Range RunBetween(int first, int last, int length) {
 
 /// Sets all channels to 0; an empty or inverted range is left alone.
 void ClearBlock(cv::Mat& image, const cv::Range& rows, const cv::Range& columns) {
-  if (columns.end <= columns.start) {
+  if (columns.end <= columns.start || rows.end <= rows.start) {
     return;
   }
   const size_t bytes = static_cast<size_t>(columns.size()) * image.elemSize();
+  if (bytes == image.step[0]) {
+    std::memset(image.ptr(rows.start), 0, bytes * static_cast<size_t>(rows.size()));
+    return;
+  }
   for (int row = rows.start; row < rows.end; ++row) {
     std::memset(image.ptr(row, columns.start), 0, bytes);
   }
@@ -124,22 +127,28 @@ class SlantedCut {
   std::vector<int> cutRows;
 };
 
-int CountVisiblePixels(const cv::Vec4b* pixels, int count) {
-  return std::accumulate(pixels, pixels + count, 0, [](int visible, const cv::Vec4b& pixel) {
-    return visible + static_cast<int>(pixel[AlphaChannel] != 0);
-  });
+/// The four bytes of a pixel as one word, which compilers turn into vector code.
+using PixelWord = std::uint32_t;
+
+PixelWord WordOf(const cv::Vec4b& pixel) {
+  PixelWord word = 0;
+  std::memcpy(&word, pixel.val, sizeof(word));
+  return word;
 }
 
 /// Rows are mostly wholly visible or wholly transparent, which is worth finding out first.
-void BlendRow(const cv::Vec4b* source, cv::Vec4b* target, int count) {
-  const int visible = CountVisiblePixels(source, count);
+void BlendRow(const PixelWord* source, PixelWord* target, int count) {
+  const PixelWord alphaBits = WordOf(cv::Vec4b(0, 0, 0, 255));
+  int visible = 0;
+  for (int i = 0; i < count; ++i) {
+    visible += static_cast<int>((source[i] & alphaBits) != 0);
+  }
   if (visible == count) {
     std::copy_n(source, count, target);
   } else if (visible > 0) {
-    std::transform(source, source + count, target, target,
-                   [](const cv::Vec4b& above, const cv::Vec4b& below) {
-                     return above[AlphaChannel] != 0 ? above : below;
-                   });
+    for (int i = 0; i < count; ++i) {
+      target[i] = (source[i] & alphaBits) != 0 ? source[i] : target[i];
+    }
   }
 }
 
@@ -242,8 +251,8 @@ void Utilities::BlendImages(const cv::Mat& source, cv::Mat& target, const cv::Ra
     return;
   }
   for (int row = 0; row < source.rows; ++row) {
-    BlendRow(source.ptr<cv::Vec4b>(row),
-             target.ptr<cv::Vec4b>(targetRows.start + row, targetColumns.start), source.cols);
+    BlendRow(source.ptr<PixelWord>(row),
+             target.ptr<PixelWord>(targetRows.start + row, targetColumns.start), source.cols);
   }
 }
 
