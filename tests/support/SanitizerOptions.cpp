@@ -1,11 +1,13 @@
 // Options that every sanitized test program starts with. An allocation that cannot be made must
 // fail as it does without a sanitizer, since the library has an answer to that.
 
+#include <VelScrollingCapture/core/Export.h>
+
 // NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
 extern "C" {
 
-const char* __asan_default_options();
-const char* __tsan_default_options();
+VEL_EXPORT const char* __asan_default_options();
+VEL_EXPORT const char* __tsan_default_options();
 
 const char* __asan_default_options() { return "allocator_may_return_null=1"; }
 const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
