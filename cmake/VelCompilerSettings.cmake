@@ -1,4 +1,4 @@
-# Language level, warnings and sanitizers for every target of this project.
+# Language level, warnings, hardening and sanitizers for every target of this project.
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -15,4 +15,16 @@ if(VEL_SANITIZERS)
   target_compile_options(vel_compiler_settings INTERFACE
     -fsanitize=${VEL_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(vel_compiler_settings INTERFACE -fsanitize=${VEL_SANITIZERS})
+endif()
+
+# What distributions build their packages with.
+option(VEL_HARDENING "Harden optimised builds: PIE, RELRO, stack protector, FORTIFY" ON)
+include(CheckPIESupported)
+check_pie_supported()
+if(VEL_HARDENING AND NOT VEL_SANITIZERS)
+  target_compile_options(vel_compiler_settings INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+  if(NOT APPLE)
+    target_link_options(vel_compiler_settings INTERFACE LINKER:-z,relro LINKER:-z,now)
+  endif()
 endif()
