@@ -15,4 +15,5 @@
 #include <VelScrollingCapture/detection/PhaseCorrelationTranslationDetector.h>
 #include <VelScrollingCapture/frontend/RepeatFilter.h>
 #include <VelScrollingCapture/frontend/StitcherAdapter.h>
+#include <VelScrollingCapture/preview/PreviewImage.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>

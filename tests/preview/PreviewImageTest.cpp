@@ -1,0 +1,341 @@
+#include <limits>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <opencv2/imgproc.hpp>
+
+#include <VelScrollingCapture/preview/PreviewImage.h>
+
+#include "../support/MatrixTesting.h"
+#include "ReferencePreview.h"
+
+namespace ScrollingCapture {
+namespace {
+
+using Testing::NoiseCapture;
+using Testing::ReferencePreview;
+using Testing::SameBits;
+
+constexpr int Laid = 0;
+constexpr int NotMoved = 1;
+constexpr int Failed = 3;
+
+const cv::Scalar OpaqueBlack(0, 0, 0, 255);
+
+class OpenPreview : public PreviewImage {
+ public:
+  using PreviewImage::PreviewImage;
+  using PreviewImage::UpdatePreview;
+};
+
+/// What a window at `corner` (x: column, y: row) of a large, blocky picture shows.
+cv::Mat Window(const cv::Point& corner, const cv::Size& size) {
+  static const cv::Mat picture = [] {
+    cv::Mat enlarged;
+    cv::resize(NoiseCapture({400, 400}, 7), enlarged, {2000, 2000}, 0, 0, cv::INTER_NEAREST);
+    return enlarged;
+  }();
+  return picture(cv::Rect(corner, size)).clone();
+}
+
+cv::Mat Plain(const cv::Size& size, const cv::Scalar& colour) { return {size, CV_8UC4, colour}; }
+
+TEST(ResizeImage, GivesExactlyTheSizeAsked) {
+  const cv::Mat image = NoiseCapture({40, 30}, 1);
+  cv::Mat expected;
+  cv::resize(image, expected, {17, 23}, 0, 0, cv::INTER_LINEAR);
+  EXPECT_TRUE(SameBits(ResizeImage(image, {17, 23}), expected));
+}
+
+TEST(PreviewBackground, IsOpaqueBlack) { EXPECT_EQ(PreviewBackground, OpaqueBlack); }
+
+TEST(PreviewImage, StartsAsBackgroundOf750By750) {
+  PreviewImage preview;
+  EXPECT_TRUE(SameBits(preview.GetPreview(), Plain({750, 750}, OpaqueBlack)));
+}
+
+TEST(PreviewImage, StartsAsBackgroundOfTheSizeGiven) {
+  PreviewImage preview({30, 20}, 1, 0);
+  EXPECT_TRUE(SameBits(preview.GetPreview(), Plain({30, 20}, OpaqueBlack)));
+}
+
+TEST(PreviewImage, LaysTheFirstCaptureShrunkAtColumn250Row250) {
+  const cv::Mat capture = NoiseCapture({2000, 1000}, 3);
+  PreviewImage preview;
+  EXPECT_EQ(preview.AddCapture(capture), Laid);
+
+  cv::Mat expected = Plain({750, 750}, OpaqueBlack);
+  ResizeImage(capture, {250, 125}).copyTo(expected(cv::Rect(250, 250, 250, 125)));
+  EXPECT_TRUE(SameBits(preview.GetPreview(), expected));
+}
+
+TEST(PreviewImage, TakesRowBeforeColumn) {
+  const cv::Mat capture = NoiseCapture({250, 10}, 3);
+  PreviewImage preview({300, 40}, 20, 30);
+  EXPECT_EQ(preview.AddCapture(capture), Laid);
+  EXPECT_TRUE(SameBits(preview.GetPreview()(cv::Rect(30, 20, 250, 10)), capture));
+}
+
+TEST(PreviewImage, IgnoresACaptureThatDidNotMove) {
+  const cv::Mat capture = NoiseCapture({500, 250}, 5);
+  PreviewImage preview;
+  ASSERT_EQ(preview.AddCapture(capture), Laid);
+  const cv::Mat before = preview.GetPreview();
+  EXPECT_EQ(preview.AddCapture(capture), NotMoved);
+  EXPECT_TRUE(SameBits(preview.GetPreview(), before));
+}
+
+TEST(PreviewImage, LeavesTheCallersCaptureAsItIs) {
+  const cv::Mat first = Window({500, 500}, {250, 200});
+  const cv::Mat second = Window({500, 540}, {250, 200});
+  PreviewImage preview;
+  preview.AddCapture(first);
+  preview.AddCapture(second);
+  EXPECT_TRUE(SameBits(second, Window({500, 540}, {250, 200})));
+}
+
+TEST(PreviewImage, ShrinksEveryCaptureToTheSizeOfTheFirst) {
+  PreviewImage preview;
+  ReferencePreview reference({750, 750}, 250, 250);
+  for (const cv::Size& size : {cv::Size(500, 400), cv::Size(300, 700), cv::Size(40, 20)}) {
+    const cv::Mat capture = Window({size.width, size.height}, size);
+    EXPECT_EQ(preview.AddCapture(capture), reference.AddCapture(capture));
+    EXPECT_TRUE(SameBits(preview.GetPreview(), reference.canvas));
+  }
+}
+
+TEST(PreviewImage, GrowsDownwardsWithBlackWhereNoCaptureLies) {
+  OpenPreview preview;
+  cv::Mat capture = NoiseCapture({250, 125}, 9);
+  ASSERT_EQ(preview.AddCapture(capture), Laid);
+  cv::Mat fitting = NoiseCapture({250, 125}, 10);
+  EXPECT_EQ(preview.UpdatePreview(fitting, {250, 550, 250, 125}, Translation(-300, 0)), Laid);
+  EXPECT_EQ(preview.GetPreview().size(), cv::Size(750, 750));
+
+  const cv::Mat before = preview.GetPreview();
+  cv::Mat below = NoiseCapture({250, 125}, 11);
+  EXPECT_EQ(preview.UpdatePreview(below, {250, 850, 250, 125}, Translation(-300, 0)), Laid);
+  cv::Mat expected = Plain({750, 975}, OpaqueBlack);
+  before.copyTo(expected(cv::Rect(0, 0, 750, 750)));
+  below.copyTo(expected(cv::Rect(250, 850, 250, 125)));
+  EXPECT_TRUE(SameBits(preview.GetPreview(), expected));
+}
+
+TEST(PreviewImage, GrowsUpwardsByTheOvershootAndContinuesAtRowZero) {
+  PreviewImage preview({250, 250}, 30, 0);
+  ASSERT_EQ(preview.AddCapture(Window({500, 500}, {250, 200})), Laid);
+  const cv::Mat before = preview.GetPreview();
+
+  ASSERT_EQ(preview.AddCapture(Window({500, 430}, {250, 200})), Laid);
+  const cv::Mat grown = preview.GetPreview();
+  ASSERT_EQ(grown.size(), cv::Size(250, 250 + 40));
+  EXPECT_TRUE(SameBits(grown.rowRange(0, 70), Window({500, 430}, {250, 70})));
+  EXPECT_TRUE(SameBits(grown.rowRange(250, 290), before.rowRange(210, 250)));
+
+  ASSERT_EQ(preview.AddCapture(Window({500, 420}, {250, 200})), Laid);
+  EXPECT_EQ(preview.GetPreview().size(), cv::Size(250, 250 + 40 + 10));
+}
+
+TEST(PreviewImage, GrowsFromAnEmptyCanvas) {
+  const cv::Mat capture = NoiseCapture({250, 90}, 12);
+  PreviewImage preview({0, 0}, 1, 0);
+  ASSERT_EQ(preview.AddCapture(capture), Laid);
+  cv::Mat expected = Plain({250, 91}, OpaqueBlack);
+  capture.copyTo(expected.rowRange(1, 91));
+  EXPECT_TRUE(SameBits(preview.GetPreview(), expected));
+}
+
+TEST(PreviewImage, GivesCopiesOfTheCanvas) {
+  PreviewImage preview;
+  preview.GetPreview().setTo(cv::Scalar::all(9));
+  preview.GetPreview(750, 750).setTo(cv::Scalar::all(9));
+  EXPECT_TRUE(SameBits(preview.GetPreview(), Plain({750, 750}, OpaqueBlack)));
+}
+
+struct Box {
+  std::string name;
+  cv::Size canvas;
+  cv::Size box;
+  cv::Size fitted;
+};
+std::ostream& operator<<(std::ostream& stream, const Box& box) { return stream << box.name; }
+
+class FittedPreview : public testing::TestWithParam<Box> {};
+
+TEST_P(FittedPreview, KeepsTheAspectInsideTheBox) {
+  PreviewImage preview(GetParam().canvas, 0, 0);
+  ASSERT_EQ(preview.AddCapture(NoiseCapture({250, 8}, 2)), Laid);
+  const cv::Mat fitted = preview.GetPreview(GetParam().box.width, GetParam().box.height);
+  EXPECT_EQ(fitted.size(), GetParam().fitted);
+  EXPECT_TRUE(SameBits(fitted, ResizeImage(preview.GetPreview(), GetParam().fitted)));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    PreviewImage, FittedPreview,
+    testing::Values(Box{"LimitedByHeight", {250, 1000}, {200, 400}, {100, 400}},
+                    Box{"LimitedByHeightThenWidth", {250, 1000}, {50, 400}, {50, 200}},
+                    Box{"LimitedByWidth", {1000, 250}, {400, 300}, {400, 100}},
+                    Box{"TruncatesEachStep", {333, 1000}, {10, 100}, {10, 30}},
+                    Box{"FitsAlready", {300, 200}, {300, 200}, {300, 200}}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(PreviewImage, RefusesABoxWithoutAPixel) {
+  PreviewImage preview;
+  EXPECT_THROW(preview.GetPreview(0, 0), cv::Exception);
+  EXPECT_THROW(preview.GetPreview(-5, 100), cv::Exception);
+  EXPECT_THROW(preview.GetPreview(100, std::numeric_limits<int>::min()), cv::Exception);
+}
+
+struct Walk {
+  std::string name;
+  cv::Size canvas;
+  cv::Point origin;
+  cv::Size capture;
+  std::vector<cv::Point> steps;
+  cv::Size grown;
+};
+std::ostream& operator<<(std::ostream& stream, const Walk& walk) { return stream << walk.name; }
+
+class PreviewWalk : public testing::TestWithParam<Walk> {};
+
+TEST_P(PreviewWalk, EqualsTheReferenceBitForBit) {
+  const Walk& walk = GetParam();
+  PreviewImage preview(walk.canvas, walk.origin.y, walk.origin.x);
+  ReferencePreview reference(walk.canvas, walk.origin.y, walk.origin.x);
+  cv::Point corner(500, 500);
+  for (const cv::Point& step : walk.steps) {
+    corner += step;
+    const cv::Mat capture = Window(corner, walk.capture);
+    ASSERT_EQ(preview.AddCapture(capture), reference.AddCapture(capture));
+    ASSERT_TRUE(SameBits(preview.GetPreview(), reference.canvas));
+  }
+  EXPECT_EQ(preview.GetPreview().size(), walk.grown);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    PreviewImage, PreviewWalk,
+    testing::Values(
+        Walk{"Down",
+             {250, 250},
+             {0, 0},
+             {250, 200},
+             {{0, 0}, {0, 60}, {0, 60}, {0, 60}},
+             {250, 380}},
+        Walk{"Up",
+             {250, 250},
+             {0, 50},
+             {250, 200},
+             {{0, 0}, {0, -60}, {0, -60}, {0, -60}},
+             {250, 380}},
+        Walk{"Right", {300, 250}, {0, 0}, {250, 200}, {{0, 0}, {70, 0}, {70, 0}}, {390, 250}},
+        Walk{"Left", {300, 250}, {20, 0}, {250, 200}, {{0, 0}, {-70, 0}, {-70, 0}}, {420, 250}},
+        Walk{"LeftAndUpAtOnce",
+             {260, 210},
+             {5, 5},
+             {250, 200},
+             {{0, 0}, {-30, -40}, {-30, -40}},
+             {315, 285}},
+        Walk{"RightAndDownAtOnce",
+             {260, 210},
+             {5, 5},
+             {250, 200},
+             {{0, 0}, {30, 40}, {30, 40}},
+             {315, 285}},
+        Walk{"LeftAndDownThenBack",
+             {260, 210},
+             {5, 5},
+             {250, 200},
+             {{0, 0}, {-30, 40}, {-30, 40}, {60, -80}},
+             {315, 285}},
+        Walk{"RightAndUp",
+             {260, 210},
+             {5, 5},
+             {250, 200},
+             {{0, 0}, {30, -40}, {30, -40}},
+             {315, 285}},
+        Walk{"OddSizesAndShrinking",
+             {251, 251},
+             {0, 1},
+             {503, 401},
+             {{0, 0}, {0, 120}, {0, 121}},
+             {251, 320}},
+        Walk{"WiderThanTall",
+             {250, 100},
+             {0, 1},
+             {900, 301},
+             {{0, 0}, {0, 80}, {0, 80}},
+             {250, 128}},
+        Walk{"TallerThanWide",
+             {250, 250},
+             {0, 1},
+             {301, 900},
+             {{0, 0}, {0, 300}, {0, 300}},
+             {250, 1246}},
+        Walk{"EnlargedFromNarrowCaptures",
+             {250, 190},
+             {0, 1},
+             {101, 77},
+             {{0, 0}, {0, 30}},
+             {250, 191}},
+        Walk{"TallerThanTheCanvasAndAboveIt",
+             {100, 100},
+             {0, 0},
+             {250, 200},
+             {{0, 0}, {0, -50}},
+             {250, 250}},
+        Walk{"StartsOutsideTheCanvas",
+             {100, 100},
+             {-20, 400},
+             {250, 200},
+             {{0, 0}, {0, 50}},
+             {270, 650}}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(PreviewImage, ReportsAnEmptyCaptureAndGoesOnWithTheNext) {
+  const cv::Mat capture = NoiseCapture({250, 125}, 4);
+  PreviewImage preview;
+  EXPECT_EQ(preview.AddCapture(cv::Mat()), Failed);
+  EXPECT_EQ(preview.AddCapture(cv::Mat(5, 0, CV_8UC4)), Failed);
+  EXPECT_TRUE(SameBits(preview.GetPreview(), Plain({750, 750}, OpaqueBlack)));
+  EXPECT_EQ(preview.AddCapture(capture), Laid);
+  EXPECT_TRUE(SameBits(preview.GetPreview()(cv::Rect(250, 250, 250, 125)), capture));
+}
+
+TEST(PreviewImage, ReportsACaptureThatShrinksToNothing) {
+  PreviewImage preview;
+  EXPECT_EQ(preview.AddCapture(Plain({1000, 1}, OpaqueBlack)), Failed);
+  EXPECT_EQ(preview.AddCapture(NoiseCapture({250, 125}, 4)), Laid);
+}
+
+TEST(PreviewImage, ReportsACaptureWithoutAlpha) {
+  PreviewImage preview;
+  EXPECT_EQ(preview.AddCapture(cv::Mat(125, 250, CV_8UC3, cv::Scalar(1, 2, 3))), Failed);
+  EXPECT_TRUE(SameBits(preview.GetPreview(), Plain({750, 750}, OpaqueBlack)));
+  EXPECT_EQ(preview.AddCapture(NoiseCapture({250, 125}, 4)), Laid);
+}
+
+TEST(PreviewImage, ReportsACanvasThatCannotGrow) {
+  constexpr int FarAway = std::numeric_limits<int>::max();
+  PreviewImage preview({10, 10}, FarAway, FarAway);
+  EXPECT_EQ(preview.AddCapture(NoiseCapture({250, 125}, 4)), Failed);
+  EXPECT_TRUE(SameBits(preview.GetPreview(), Plain({10, 10}, OpaqueBlack)));
+
+  PreviewImage above({10, 10}, std::numeric_limits<int>::min(), 0);
+  EXPECT_EQ(above.AddCapture(NoiseCapture({250, 125}, 4)), Failed);
+}
+
+TEST(PreviewImage, MatchesTheNextCaptureWithTheLastOneLaid) {
+  PreviewImage preview;
+  ReferencePreview reference({750, 750}, 250, 250);
+  const cv::Mat first = Window({500, 500}, {250, 200});
+  const cv::Mat second = Window({500, 540}, {250, 200});
+  ASSERT_EQ(preview.AddCapture(first), reference.AddCapture(first));
+  EXPECT_EQ(preview.AddCapture(cv::Mat()), Failed);
+  ASSERT_EQ(preview.AddCapture(second), reference.AddCapture(second));
+  EXPECT_TRUE(SameBits(preview.GetPreview(), reference.canvas));
+}
+
+}  // namespace
+}  // namespace ScrollingCapture
