@@ -13,7 +13,12 @@
 #include <VelScrollingCapture/core/Translation.h>
 #include <VelScrollingCapture/core/Utilities.h>
 #include <VelScrollingCapture/detection/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/frontend/PlatformImage.h>
+#include <VelScrollingCapture/frontend/ProgressListener.h>
 #include <VelScrollingCapture/frontend/RepeatFilter.h>
+#include <VelScrollingCapture/frontend/ScrollingProgressDelegate.h>
 #include <VelScrollingCapture/frontend/StitcherAdapter.h>
+#include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+#include <VelScrollingCapture/frontend/Version.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>

@@ -1,0 +1,189 @@
+#include <VelScrollingCapture/core/internal/Truncation.h>
+#include <VelScrollingCapture/frontend/RepeatFilter.h>
+#include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+
+namespace ScrollingCapture {
+namespace {
+
+constexpr ImageSize DefaultPreviewSize{250, 250};
+constexpr int PreviewRow = 1;
+constexpr int PreviewColumn = 0;
+
+template <typename Object>
+void ReplaceWithoutFreeing(std::unique_ptr<Object>& owner, Object* object) {
+  static_cast<void>(owner.release());
+  owner.reset(object);
+}
+
+}  // namespace
+
+std::shared_ptr<VelScrollingCapture> VelScrollingCapture::init() {
+  std::shared_ptr<VelScrollingCapture> captureObject(new VelScrollingCapture);
+  captureObject->setupStitcher();
+  return captureObject;
+}
+
+std::shared_ptr<VelScrollingCapture> VelScrollingCapture::initWithExpectConsistentTranslations(
+    bool expectConsistentTranslations, int threadCount) {
+  std::shared_ptr<VelScrollingCapture> captureObject(new VelScrollingCapture);
+  captureObject->_stitcherAdapter = std::make_unique<StitcherAdapter>(
+      ScrollOrientation::Both, expectConsistentTranslations, threadCount);
+  captureObject->setupStitcher();
+  return captureObject;
+}
+
+VelScrollingCapture::~VelScrollingCapture() {
+  _stitcherAdapter.reset();
+  _progressListener.reset();
+  _previewImageCreator.reset();
+}
+
+void VelScrollingCapture::setupStitcher() {
+  if (!_stitcherAdapter) {
+    _stitcherAdapter = std::make_unique<StitcherAdapter>();
+  }
+  _progressListener = std::make_unique<ProgressListener>(shared_from_this());
+  _stitcherAdapter->setProgressListener(_progressListener.get());
+  setPreviewImageSize(DefaultPreviewSize);
+}
+
+void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& image) {
+  cv::Mat capture = image ? image->CVMat() : cv::Mat();
+  makePreviewWhenAbsent();
+  if (!isNew(capture)) {
+    return;
+  }
+  _stitcherAdapter->Add(capture);
+  if (_previewImageCreator) {
+    _previewImageCreator->AddCapture(capture);
+  }
+}
+
+std::optional<PlatformImage> VelScrollingCapture::currentImagePreview() try {
+  if (!_previewImageCreator) {
+    return std::nullopt;
+  }
+  const cv::Size size = wholePreviewSize();
+  return bitmapImageRepresentation(
+      PlatformImage::imageWithCVMat(_previewImageCreator->GetPreview(size.width, size.height)));
+} catch (const cv::Exception&) {
+  return std::nullopt;
+}
+
+std::optional<PlatformImage> VelScrollingCapture::stitchAndReturnFinalImage() {
+  if (!_progressListener || !_stitcherAdapter) {
+    return std::nullopt;
+  }
+  // The completion notice drops the listener's reference, which may be the last one.
+  const std::shared_ptr<VelScrollingCapture> self = shared_from_this();
+  try {
+    if (!_stitcherAdapter->stitchImages()) {
+      return std::nullopt;
+    }
+    return bitmapImageRepresentation(PlatformImage::imageWithCVMat(_stitcherAdapter->getResult()));
+  } catch (const cv::Exception&) {
+    stitchingComplete(false);
+    return std::nullopt;
+  }
+}
+
+bool VelScrollingCapture::setCurrentProgress(int progress) {
+  if (!progressDelegate()) {
+    return true;
+  }
+  if (const auto delegate = progressDelegate()) {
+    delegate->setCurrentProgress(progress);
+  }
+  const auto delegate = progressDelegate();
+  return delegate && delegate->continueScrolling();
+}
+
+bool VelScrollingCapture::continueStitching() const {
+  const auto delegate = progressDelegate();
+  return !delegate || delegate->continueScrolling();
+}
+
+bool VelScrollingCapture::errorDuringStitching() const { return _errorDuringStitching; }
+
+void VelScrollingCapture::stitchingComplete(bool /*success*/) { cleanupListener(); }
+
+void VelScrollingCapture::cleanupListener() {
+  const std::shared_ptr<VelScrollingCapture> self = shared_from_this();
+  if (_stitcherAdapter) {
+    _stitcherAdapter->setProgressListener(nullptr);
+  }
+  _progressListener.reset();
+}
+
+std::optional<PlatformImage> VelScrollingCapture::bitmapImageRepresentation(
+    const PlatformImage& image) const {
+  if (image.width() <= 0 || image.height() <= 0) {
+    return std::nullopt;
+  }
+  return image.isGrey() ? PlatformImage::imageWithCVMat(image.CVMat()) : image;
+}
+
+std::shared_ptr<ScrollingProgressDelegate> VelScrollingCapture::progressDelegate() const {
+  const std::lock_guard<std::mutex> lock(propertyMutex);
+  return _progressDelegate.lock();
+}
+
+void VelScrollingCapture::setProgressDelegate(
+    const std::shared_ptr<ScrollingProgressDelegate>& delegate) {
+  const std::lock_guard<std::mutex> lock(propertyMutex);
+  _progressDelegate = delegate;
+}
+
+ImageSize VelScrollingCapture::previewImageSize() const {
+  const std::lock_guard<std::mutex> lock(propertyMutex);
+  return _previewImageSize;
+}
+
+void VelScrollingCapture::setPreviewImageSize(const ImageSize& size) {
+  const std::lock_guard<std::mutex> lock(propertyMutex);
+  _previewImageSize = size;
+}
+
+StitcherAdapter* VelScrollingCapture::stitcherAdapter() const { return _stitcherAdapter.get(); }
+
+void VelScrollingCapture::setStitcherAdapter(StitcherAdapter* adapter) {
+  ReplaceWithoutFreeing(_stitcherAdapter, adapter);
+}
+
+ProgressListener* VelScrollingCapture::progressListener() const { return _progressListener.get(); }
+
+void VelScrollingCapture::setProgressListener(ProgressListener* listener) {
+  ReplaceWithoutFreeing(_progressListener, listener);
+}
+
+PreviewImage* VelScrollingCapture::previewImageCreator() const {
+  return _previewImageCreator.get();
+}
+
+void VelScrollingCapture::setPreviewImageCreator(PreviewImage* preview) {
+  ReplaceWithoutFreeing(_previewImageCreator, preview);
+}
+
+/// A capture that cannot be compared with the last one could not be stitched to it either.
+bool VelScrollingCapture::isNew(const cv::Mat& capture) const try {
+  return _stitcherAdapter && !RepeatsLastCapture(*_stitcherAdapter, capture);
+} catch (const cv::Exception&) {
+  return false;
+}
+
+/// A preview that cannot be made must not cost the capture; the next capture tries again.
+void VelScrollingCapture::makePreviewWhenAbsent() try {
+  if (!_previewImageCreator) {
+    _previewImageCreator =
+        std::make_unique<PreviewImage>(wholePreviewSize(), PreviewRow, PreviewColumn);
+  }
+} catch (const cv::Exception&) {
+  return;
+}
+
+cv::Size VelScrollingCapture::wholePreviewSize() const {
+  const ImageSize size = previewImageSize();
+  return {TruncateToInt(size.width), TruncateToInt(size.height)};
+}
+
+}  // namespace ScrollingCapture

@@ -1,0 +1,412 @@
+#include <atomic>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <opencv2/imgproc.hpp>
+
+#include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+
+#include "ScrolledCaptures.h"
+
+namespace ScrollingCapture {
+namespace {
+
+using Testing::SameBits;
+using Testing::ScrolledCaptures;
+using Testing::ScrolledPage;
+
+constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
+
+/// Remembers the progress it is told, and goes on until it has been told `limit` times.
+class Delegate : public ScrollingProgressDelegate {
+ public:
+  explicit Delegate(size_t limit = std::numeric_limits<size_t>::max()) : limit(limit) {}
+
+  void setCurrentProgress(int progress) override {
+    heard.push_back(progress);
+    if (onProgress) {
+      onProgress();
+    }
+  }
+  bool continueScrolling() override {
+    ++questions;
+    return heard.size() < limit;
+  }
+
+  std::vector<int> heard;
+  size_t questions = 0;
+  std::function<void()> onProgress;
+
+ private:
+  size_t limit;
+};
+
+/// A capture object that does not outlive its test, stitched or not.
+class CaptureObject : public testing::Test {
+ protected:
+  ~CaptureObject() override { capture->cleanupListener(); }
+
+  void AddAll(const std::vector<cv::Mat>& captures) {
+    for (const cv::Mat& matrix : captures) {
+      Add(matrix);
+    }
+  }
+  void Add(const cv::Mat& matrix) {
+    capture->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
+  }
+  size_t Count() { return capture->stitcherAdapter()->Count(); }
+
+  std::shared_ptr<VelScrollingCapture> capture = VelScrollingCapture::init();
+};
+
+TEST_F(CaptureObject, StartsWithAdapterAndListenerAndWithoutPreview) {
+  EXPECT_NE(capture->stitcherAdapter(), nullptr);
+  EXPECT_NE(capture->progressListener(), nullptr);
+  EXPECT_EQ(capture->previewImageCreator(), nullptr);
+  EXPECT_EQ(capture->progressDelegate(), nullptr);
+  EXPECT_EQ(capture->previewImageSize(), (ImageSize{250, 250}));
+  EXPECT_FALSE(capture->errorDuringStitching());
+  EXPECT_TRUE(capture->continueStitching());
+}
+
+TEST_F(CaptureObject, KeepsTheFirstCapture) {
+  Add(ScrolledCaptures(1)[0]);
+  EXPECT_EQ(Count(), 1U);
+  EXPECT_NE(capture->previewImageCreator(), nullptr);
+}
+
+TEST_F(CaptureObject, KeepsTheFirstCaptureEvenIfItIsAbsent) {
+  capture->addImageToAdapter(std::nullopt);
+  EXPECT_EQ(Count(), 1U);
+  EXPECT_TRUE(capture->stitcherAdapter()->GetLastImage()->empty());
+  EXPECT_TRUE(capture->currentImagePreview().has_value());
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value()) << "It has no pixel";
+}
+
+TEST_F(CaptureObject, KeepsTheFirstCaptureEvenIfItHasNoPixel) {
+  capture->addImageToAdapter(PlatformImage());
+  EXPECT_EQ(Count(), 1U);
+}
+
+TEST_F(CaptureObject, DropsARepeatedCaptureFromStitchAndPreview) {
+  const cv::Mat matrix = ScrolledCaptures(1)[0];
+  Add(matrix);
+  const cv::Mat before = capture->previewImageCreator()->GetPreview();
+  Add(matrix);
+  EXPECT_EQ(Count(), 1U);
+  EXPECT_TRUE(SameBits(capture->previewImageCreator()->GetPreview(), before));
+}
+
+TEST_F(CaptureObject, DropsACaptureThatCannotBeComparedWithTheLast) {
+  Add(ScrolledCaptures(1)[0]);
+  capture->addImageToAdapter(std::nullopt);
+  Add(Testing::NoiseCapture({5, 5}, 1));
+  EXPECT_EQ(Count(), 1U);
+}
+
+TEST_F(CaptureObject, KeepsTheHostsImageAsItIs) {
+  const std::vector<cv::Mat> captures = ScrolledCaptures(2);
+  const PlatformImage second = PlatformImage::imageWithCVMat(captures[1]);
+  Add(captures[0]);
+  capture->addImageToAdapter(second);
+  ASSERT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_TRUE(SameBits(second.CVMat(), captures[1]));
+}
+
+TEST_F(CaptureObject, TakesGreyCaptures) {
+  std::vector<cv::Mat> captures = ScrolledCaptures(2);
+  for (const cv::Mat& matrix : captures) {
+    Add(PlatformImage::imageWithCVMat(matrix).CVGrayscaleMat());
+  }
+  const auto image = capture->stitchAndReturnFinalImage();
+  ASSERT_TRUE(image.has_value());
+  const PlatformImage page = PlatformImage::imageWithCVMat(ScrolledPage(2));
+  const PlatformImage grey = PlatformImage::imageWithCVMat(page.CVGrayscaleMat());
+  EXPECT_TRUE(SameBits(image->CVMat(), grey.CVMat()));
+}
+
+TEST_F(CaptureObject, StitchesTheSameImageAsTheAdapter) {
+  StitcherAdapter adapter;
+  for (cv::Mat& matrix : ScrolledCaptures(5)) {
+    adapter.Add(matrix);
+  }
+  ASSERT_TRUE(adapter.stitchImages());
+  AddAll(ScrolledCaptures(5));
+  const auto image = capture->stitchAndReturnFinalImage();
+  ASSERT_TRUE(image.has_value());
+  EXPECT_TRUE(SameBits(image->CVMat(), adapter.getResult()));
+  EXPECT_TRUE(SameBits(image->CVMat(), ScrolledPage(5)));
+}
+
+TEST_F(CaptureObject, RunsToItsEndWithoutADelegate) {
+  AddAll(ScrolledCaptures(3));
+  EXPECT_TRUE(capture->setCurrentProgress(10));
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+}
+
+TEST_F(CaptureObject, TellsTheDelegateTheProgressUpTo100) {
+  const auto delegate = std::make_shared<Delegate>();
+  capture->setProgressDelegate(delegate);
+  AddAll(ScrolledCaptures(4));
+  ASSERT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  ASSERT_FALSE(delegate->heard.empty());
+  EXPECT_EQ(delegate->heard.back(), 100);
+  EXPECT_EQ(delegate->questions, delegate->heard.size());
+}
+
+TEST_F(CaptureObject, GivesNothingWhenTheDelegateStopsAtTheFirstReport) {
+  const auto delegate = std::make_shared<Delegate>(1);
+  capture->setProgressDelegate(delegate);
+  AddAll(ScrolledCaptures(3));
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(delegate->heard.size(), 1U);
+  EXPECT_EQ(capture->progressListener(), nullptr);
+}
+
+TEST_F(CaptureObject, GivesNothingWithoutCaptures) {
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(capture->progressListener(), nullptr);
+}
+
+TEST_F(CaptureObject, GivesNothingWhenOpenCVFailsWhileComposing) {
+  for (cv::Mat& matrix : ScrolledCaptures(2)) {
+    cv::Mat withoutAlpha;
+    cv::cvtColor(matrix, withoutAlpha, cv::COLOR_RGBA2RGB);
+    capture->stitcherAdapter()->Add(withoutAlpha);
+  }
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(capture->progressListener(), nullptr);
+}
+
+TEST_F(CaptureObject, RefusesASecondStitch) {
+  const auto delegate = std::make_shared<Delegate>();
+  capture->setProgressDelegate(delegate);
+  AddAll(ScrolledCaptures(2));
+  ASSERT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  const size_t messages = delegate->heard.size();
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_TRUE(capture->stitcherAdapter()->stitchImages()) << "No listener is left to be called";
+  EXPECT_EQ(delegate->heard.size(), messages);
+}
+
+TEST_F(CaptureObject, CanBeSetUpAgain) {
+  capture->setPreviewImageSize({10, 10});
+  StitcherAdapter* const adapter = capture->stitcherAdapter();
+  capture->setupStitcher();
+  EXPECT_EQ(capture->stitcherAdapter(), adapter);
+  EXPECT_EQ(capture->previewImageSize(), (ImageSize{250, 250}));
+  AddAll(ScrolledCaptures(2));
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+}
+
+TEST_F(CaptureObject, GivesTheDelegatesAnswerToContinueStitching) {
+  const auto delegate = std::make_shared<Delegate>(0);
+  capture->setProgressDelegate(delegate);
+  EXPECT_FALSE(capture->continueStitching());
+  EXPECT_TRUE(delegate->heard.empty());
+  EXPECT_FALSE(capture->setCurrentProgress(7));
+  EXPECT_EQ(delegate->heard, std::vector<int>{7});
+}
+
+TEST_F(CaptureObject, DoesNotKeepTheDelegateAlive) {
+  auto delegate = std::make_shared<Delegate>(0);
+  capture->setProgressDelegate(delegate);
+  EXPECT_EQ(delegate.use_count(), 1);
+  delegate.reset();
+  EXPECT_EQ(capture->progressDelegate(), nullptr);
+  EXPECT_TRUE(capture->continueStitching());
+  EXPECT_TRUE(capture->setCurrentProgress(1));
+}
+
+TEST_F(CaptureObject, StopsWhenTheDelegateLeavesBetweenItsTwoMessages) {
+  const auto delegate = std::make_shared<Delegate>();
+  delegate->onProgress = [this] { capture->setProgressDelegate(nullptr); };
+  capture->setProgressDelegate(delegate);
+  EXPECT_FALSE(capture->setCurrentProgress(1));
+  EXPECT_EQ(delegate->questions, 0U);
+}
+
+TEST_F(CaptureObject, GivesNoPreviewBeforeACapture) {
+  EXPECT_FALSE(capture->currentImagePreview().has_value());
+}
+
+TEST_F(CaptureObject, BuildsThePreviewAtThePreviewSizeOfTheFirstCapture) {
+  capture->setPreviewImageSize({300.9, 80.9});
+  const std::vector<cv::Mat> captures = ScrolledCaptures(2);
+  Add(captures[0]);
+  capture->setPreviewImageSize({1000, 1000});
+  Add(captures[1]);
+
+  PreviewImage expected({300, 80}, 1, 0);
+  expected.AddCapture(captures[0]);
+  expected.AddCapture(captures[1]);
+  const auto preview = capture->currentImagePreview();
+  ASSERT_TRUE(preview.has_value());
+  EXPECT_TRUE(SameBits(preview->CVMat(), expected.GetPreview(1000, 1000)));
+}
+
+TEST_F(CaptureObject, FitsThePreviewIntoThePresentPreviewSize) {
+  Add(ScrolledCaptures(1)[0]);
+  capture->setPreviewImageSize({50.9, 60.9});
+  const auto preview = capture->currentImagePreview();
+  ASSERT_TRUE(preview.has_value());
+  EXPECT_TRUE(SameBits(preview->CVMat(), capture->previewImageCreator()->GetPreview(50, 60)));
+}
+
+TEST_F(CaptureObject, GivesNoPreviewInABoxWithoutAPixel) {
+  Add(ScrolledCaptures(1)[0]);
+  for (const ImageSize& size : {ImageSize{0, 0}, ImageSize{0.9, 10}, ImageSize{10, -3},
+                                ImageSize{NotANumber, 10}, ImageSize{-1e300, 1e300}}) {
+    capture->setPreviewImageSize(size);
+    EXPECT_FALSE(capture->currentImagePreview().has_value()) << size.width << " x " << size.height;
+  }
+}
+
+TEST_F(CaptureObject, KeepsCapturesWhenNoPreviewCanBeMade) {
+  capture->setPreviewImageSize({-10, 20});
+  AddAll(ScrolledCaptures(2));
+  EXPECT_EQ(Count(), 2U);
+  EXPECT_FALSE(capture->currentImagePreview().has_value());
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+}
+
+TEST_F(CaptureObject, RendersGreyIntoColour) {
+  const cv::Mat grey(2, 3, CV_8UC1, cv::Scalar(9));
+  const auto bitmap = capture->bitmapImageRepresentation(PlatformImage::imageWithCVMat(grey));
+  ASSERT_TRUE(bitmap.has_value());
+  EXPECT_FALSE(bitmap->isGrey());
+  EXPECT_TRUE(SameBits(bitmap->CVMat(), cv::Mat(2, 3, CV_8UC4, cv::Scalar(9, 9, 9, 255))));
+}
+
+TEST_F(CaptureObject, RendersNothingWithoutAPixel) {
+  EXPECT_FALSE(capture->bitmapImageRepresentation(PlatformImage()).has_value());
+}
+
+TEST_F(CaptureObject, SwapsItsLibraryObjectsWithoutFreeingThem) {
+  const std::unique_ptr<StitcherAdapter> adapter(capture->stitcherAdapter());
+  auto* const otherAdapter = new StitcherAdapter(ScrollOrientation::Vertical, false, 1);
+  capture->setStitcherAdapter(otherAdapter);
+  EXPECT_EQ(capture->stitcherAdapter(), otherAdapter);
+  EXPECT_TRUE(adapter->IsEmpty());
+
+  auto* const preview = new PreviewImage({10, 10}, 0, 0);
+  capture->setPreviewImageCreator(preview);
+  EXPECT_EQ(capture->previewImageCreator(), preview);
+
+  const std::unique_ptr<ProgressListener> listener(capture->progressListener());
+  capture->setProgressListener(nullptr);
+  EXPECT_EQ(capture->progressListener(), nullptr);
+  EXPECT_TRUE(listener->ProgressCallback(1));
+}
+
+TEST_F(CaptureObject, DoesNothingWithoutAnAdapter) {
+  const std::unique_ptr<StitcherAdapter> adapter(capture->stitcherAdapter());
+  capture->setStitcherAdapter(nullptr);
+  Add(ScrolledCaptures(1)[0]);
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+}
+
+TEST_F(CaptureObject, ReadsAndWritesItsAtomicPropertiesWhileItStitches) {
+  const auto delegate = std::make_shared<Delegate>();
+  capture->setProgressDelegate(delegate);
+  AddAll(ScrolledCaptures(4));
+  std::atomic<bool> done = false;
+  std::thread other([&] {
+    for (double length = 1; !done; length = length < 100 ? length + 1 : 1) {
+      capture->setPreviewImageSize({length, length});
+      capture->setProgressDelegate(delegate);
+    }
+  });
+  for (int i = 0; i < 1000; ++i) {
+    const ImageSize size = capture->previewImageSize();
+    EXPECT_EQ(size.width, size.height);
+  }
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  done = true;
+  other.join();
+}
+
+TEST(ProgressListener, RelaysToItsCaptureObject) {
+  const auto capture = VelScrollingCapture::init();
+  const auto delegate = std::make_shared<Delegate>(2);
+  capture->setProgressDelegate(delegate);
+  ProgressListener* const listener = capture->progressListener();
+  EXPECT_TRUE(listener->ProgressCallback(3));
+  EXPECT_FALSE(listener->ProgressCallback(4));
+  EXPECT_EQ(delegate->heard, (std::vector<int>{3, 4}));
+  EXPECT_FALSE(listener->StitchingError(IStitcherListener::BorderApplicationFailed, true));
+  EXPECT_FALSE(capture->errorDuringStitching());
+  listener->StitchingComplete(true);
+  EXPECT_EQ(capture->progressListener(), nullptr);
+}
+
+TEST(ProgressListener, MayDropTheLastReferenceInItsCompletionNotice) {
+  auto capture = VelScrollingCapture::init();
+  const std::weak_ptr<VelScrollingCapture> watch = capture;
+  ProgressListener* const listener = capture->progressListener();
+  capture.reset();
+  ASSERT_FALSE(watch.expired());
+  listener->StitchingComplete(false);
+  EXPECT_TRUE(watch.expired());
+}
+
+struct Ending {
+  const char* name;
+  int captures;
+  size_t reports;
+};
+void PrintTo(const Ending& ending, std::ostream* stream) { *stream << ending.name; }
+
+class Ownership : public testing::TestWithParam<Ending> {};
+
+TEST_P(Ownership, EndsWithTheStitch) {
+  auto capture = VelScrollingCapture::initWithExpectConsistentTranslations(true, 2);
+  const auto delegate = std::make_shared<Delegate>(GetParam().reports);
+  capture->setProgressDelegate(delegate);
+  for (const cv::Mat& matrix : ScrolledCaptures(GetParam().captures)) {
+    capture->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
+  }
+  EXPECT_EQ(capture.use_count(), 2) << "The host's reference and the listener's";
+  capture->stitchAndReturnFinalImage();
+  EXPECT_EQ(capture.use_count(), 1);
+  const std::weak_ptr<VelScrollingCapture> watch = capture;
+  capture.reset();
+  EXPECT_TRUE(watch.expired());
+}
+
+TEST_P(Ownership, AllowsTheHostToLetGoDuringTheStitch) {
+  auto capture = VelScrollingCapture::init();
+  const std::weak_ptr<VelScrollingCapture> watch = capture;
+  const auto delegate = std::make_shared<Delegate>(GetParam().reports);
+  delegate->onProgress = [&capture] { capture.reset(); };
+  capture->setProgressDelegate(delegate);
+  for (const cv::Mat& matrix : ScrolledCaptures(GetParam().captures)) {
+    capture->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
+  }
+  VelScrollingCapture& held = *capture;
+  held.stitchAndReturnFinalImage();
+  capture.reset();
+  EXPECT_TRUE(watch.expired());
+}
+
+INSTANTIATE_TEST_SUITE_P(VelScrollingCapture, Ownership,
+                         testing::Values(Ending{"Stitched", 3, 1000}, Ending{"Cancelled", 3, 1},
+                                         Ending{"Failed", 0, 1000}, Ending{"OneCapture", 1, 1000}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(OwnershipWithoutAStitch, KeepsItselfAliveUntilTheListenerIsCleanedUp) {
+  auto capture = VelScrollingCapture::init();
+  VelScrollingCapture* const object = capture.get();
+  const std::weak_ptr<VelScrollingCapture> watch = capture;
+  capture.reset();
+  ASSERT_FALSE(watch.expired()) << "The listener holds the capture object that owns it";
+  object->cleanupListener();
+  EXPECT_TRUE(watch.expired());
+}
+
+}  // namespace
+}  // namespace ScrollingCapture
