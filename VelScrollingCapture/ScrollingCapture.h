@@ -3,6 +3,9 @@
 /// @file
 /// Every exported C++ class of the library.
 
+#include <VelScrollingCapture/borders/BasicBorderDetection.h>
+#include <VelScrollingCapture/borders/BorderDetection.h>
+#include <VelScrollingCapture/borders/StitchingModifier.h>
 #include <VelScrollingCapture/core/BasicStitcher.h>
 #include <VelScrollingCapture/core/IImageProvider.h>
 #include <VelScrollingCapture/core/IStitcher.h>

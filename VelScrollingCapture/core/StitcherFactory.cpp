@@ -1,3 +1,4 @@
+#include <VelScrollingCapture/borders/BasicBorderDetection.h>
 #include <VelScrollingCapture/core/BasicStitcher.h>
 #include <VelScrollingCapture/core/StitcherFactory.h>
 #include <VelScrollingCapture/detection/PhaseCorrelationTranslationDetector.h>
@@ -9,6 +10,14 @@ std::shared_ptr<IStitcher> StitcherFactory::CreateBasicStitcher(ScrollOrientatio
                                                                 unsigned int threadCount) {
   return std::make_shared<BasicStitcher>(std::make_shared<PhaseCorrelationTranslationDetector>(
       orientation, expectConsistentTranslations, threadCount));
+}
+
+std::shared_ptr<IStitcher> StitcherFactory::CreateStitcherWithBasicBorderDetection(
+    ScrollOrientation orientation, bool expectConsistentTranslations, unsigned int threadCount,
+    unsigned int differenceThreshold, unsigned int neighborThreshold) {
+  return std::make_shared<BasicBorderDetection>(
+      CreateBasicStitcher(orientation, expectConsistentTranslations, threadCount),
+      differenceThreshold, neighborThreshold);
 }
 
 }  // namespace ScrollingCapture

@@ -22,6 +22,19 @@ class VEL_EXPORT StitcherFactory {
   static std::shared_ptr<IStitcher> CreateBasicStitcher(ScrollOrientation orientation,
                                                         bool expectConsistentTranslations,
                                                         unsigned int threadCount);
+
+  /// A BasicBorderDetection around a CreateBasicStitcher; the caller is its only owner.
+  /// @param orientation               the scroll directions to look for
+  /// @param expectConsistentTranslations as in CreateBasicStitcher
+  /// @param threadCount               as in CreateBasicStitcher
+  /// @param differenceThreshold       the grey-level difference, from 0 to 255, that a changed
+  /// pixel
+  ///                                  exceeds
+  /// @param neighborThreshold         the number of changed neighbours, from 0 to 8, that a changed
+  ///                                  pixel must exceed to count as content
+  static std::shared_ptr<IStitcher> CreateStitcherWithBasicBorderDetection(
+      ScrollOrientation orientation, bool expectConsistentTranslations, unsigned int threadCount,
+      unsigned int differenceThreshold, unsigned int neighborThreshold);
 };
 
 }  // namespace ScrollingCapture
