@@ -24,11 +24,15 @@ class Block {
     CountChangedInColumns(difference, row, threshold);
     const uchar* const pixels = difference.ptr(row) + columns.start;
     const int length = columns.size();
+    uchar anyMark = 0;
     for (int i = 0; i < length; ++i) {
       const uchar changed = static_cast<uchar>(counts[i] + counts[i + 1] + counts[i + 2]);
-      marks[i] = static_cast<uchar>(pixels[i] > threshold && changed > changedAround);
-      any = static_cast<uchar>(any | marks[i]);
+      const uchar isChanged = pixels[i] > threshold ? 1 : 0;
+      const uchar isSurrounded = changed > changedAround ? 1 : 0;
+      marks[i] = isChanged & isSurrounded;
+      anyMark |= marks[i];
     }
+    any = anyMark;
   }
 
   bool HasContent() const { return any != 0; }
