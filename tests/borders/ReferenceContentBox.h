@@ -17,8 +17,7 @@ struct ReferenceContentBox {
                                      cv::Range& columns) const;
   bool FindBottomAndRightContentBoundary(const cv::Mat& difference, cv::Range& rows,
                                          cv::Range& columns) const;
-  bool CheckNearestNeighbors(const cv::Mat& difference, int row, int column,
-                             bool& isContent) const;
+  bool CheckNearestNeighbors(const cv::Mat& difference, int row, int column, bool& isContent) const;
 };
 
 }  // namespace ScrollingCapture::Testing

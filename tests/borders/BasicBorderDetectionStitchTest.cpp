@@ -1,0 +1,283 @@
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <VelScrollingCapture/borders/BasicBorderDetection.h>
+#include <VelScrollingCapture/core/BasicStitcher.h>
+#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/storage/BasicImageProvider.h>
+
+#include "../support/MatrixTesting.h"
+#include "../support/RecordingListener.h"
+#include "../support/StreamCapture.h"
+
+namespace ScrollingCapture {
+namespace {
+
+using testing::Contains;
+using testing::Each;
+using Testing::NoiseCapture;
+using Testing::RecordingListener;
+using Testing::SameBits;
+using testing::SizeIs;
+using Testing::StreamCapture;
+
+constexpr unsigned int DifferenceThreshold = 10;
+constexpr unsigned int NeighborThreshold = 2;
+constexpr size_t CaptureCount = 4;
+
+const cv::Size CaptureSize(120, 150);
+/// What is inside the toolbar, the status bar and the side panels.
+const cv::Rect ContentBox(12, 20, 96, 120);
+
+std::shared_ptr<IStitcher> MakeStitcher(ScrollOrientation orientation) {
+  return StitcherFactory::CreateStitcherWithBasicBorderDetection(
+      orientation, false, 2, DifferenceThreshold, NeighborThreshold);
+}
+
+/// A page of noise on which any pixel differs from the one that a step moves to its place: the
+/// noise is dark in one band and bright in the next, and bands are as long as a step.
+cv::Mat BandedPage(const cv::Size& size, const cv::Point& step) {
+  cv::Mat page = NoiseCapture(size, 21);
+  page.forEach<cv::Vec4b>([&step](cv::Vec4b& pixel, const int* position) {
+    const int band = step.y != 0 ? position[0] / step.y : position[1] / step.x;
+    for (int channel = 0; channel < 3; ++channel) {
+      pixel[channel] = static_cast<uchar>(pixel[channel] % 64 + 128 * (band % 2));
+    }
+  });
+  return page;
+}
+
+/// A window whose page scrolls by a step from capture to capture, below a toolbar, above a status
+/// bar and between side panels.
+struct ScrolledWindow {
+  ScrolledWindow(const cv::Rect& contentBox, const cv::Point& step)
+      : contentBox(contentBox),
+        frame(NoiseCapture(CaptureSize, 8)),
+        page(BandedPage({contentBox.width + step.x * static_cast<int>(CaptureCount - 1),
+                         contentBox.height + step.y * static_cast<int>(CaptureCount - 1)},
+                        step)) {
+    for (size_t i = 0; i < CaptureCount; ++i) {
+      cv::Mat capture = frame.clone();
+      page(cv::Rect(step * static_cast<int>(i), contentBox.size())).copyTo(capture(contentBox));
+      captures.push_back(capture);
+    }
+  }
+
+  /// What a stitch must give: the whole page with the first capture's borders around it.
+  cv::Mat BorderedPage() const {
+    const int right = CaptureSize.width - contentBox.br().x;
+    const int bottom = CaptureSize.height - contentBox.br().y;
+    cv::Mat whole = cv::Mat::zeros(contentBox.y + page.rows + bottom,
+                                   contentBox.x + page.cols + right, CV_8UC4);
+    const auto lay = [&](const cv::Rect& from, const cv::Point& to) {
+      if (!from.empty()) {
+        frame(from).copyTo(whole(cv::Rect(to, from.size())));
+      }
+    };
+    page.copyTo(whole(cv::Rect(contentBox.tl(), page.size())));
+    lay({0, 0, CaptureSize.width, contentBox.y}, {0, 0});
+    lay({0, contentBox.br().y, CaptureSize.width, bottom}, {0, contentBox.y + page.rows});
+    lay({0, contentBox.y, contentBox.x, contentBox.height}, {0, contentBox.y});
+    lay({contentBox.br().x, contentBox.y, right, contentBox.height},
+        {contentBox.x + page.cols, contentBox.y});
+    return whole;
+  }
+
+  cv::Rect contentBox;
+  cv::Mat frame;
+  cv::Mat page;
+  std::vector<cv::Mat> captures;
+};
+
+struct Storage {
+  const char* name;
+  std::function<std::shared_ptr<IImageProvider>()> make;
+};
+
+class BorderDetectingStitch : public testing::TestWithParam<Storage> {
+ protected:
+  void Fill(const std::vector<cv::Mat>& captures) {
+    for (cv::Mat capture : captures) {
+      provider->Add(capture);
+    }
+  }
+
+  /// Stitches the window with a new stitcher, and compares the result with the page as drawn.
+  void ExpectBorderedPage(const ScrolledWindow& window, ScrollOrientation orientation) {
+    Fill(window.captures);
+    EXPECT_TRUE(MakeStitcher(orientation)->Stitch(*provider, result, nullptr, 0, 100, true));
+    EXPECT_TRUE(SameBits(result, window.BorderedPage()));
+  }
+
+  std::shared_ptr<IImageProvider> provider = GetParam().make();
+  cv::Mat result;
+};
+
+TEST_P(BorderDetectingStitch, LaysTheBordersAroundAPageThatScrollsDown) {
+  ExpectBorderedPage({ContentBox, {0, 40}}, ScrollOrientation::Vertical);
+}
+
+TEST_P(BorderDetectingStitch, LaysTheBordersAroundAPageThatScrollsSideways) {
+  ExpectBorderedPage({ContentBox, {30, 0}}, ScrollOrientation::Horizontal);
+}
+
+TEST_P(BorderDetectingStitch, LaysToolbarAndStatusBarAlone) {
+  ExpectBorderedPage({{0, 20, CaptureSize.width, 120}, {0, 40}}, ScrollOrientation::Both);
+}
+
+TEST_P(BorderDetectingStitch, ReplacesTheCapturesByTheirContent) {
+  const ScrolledWindow window(ContentBox, {0, 40});
+  Fill(window.captures);
+  EXPECT_TRUE(MakeStitcher(Vertical)->Stitch(*provider, result, nullptr, 0, 100, true));
+  ASSERT_EQ(provider->Count(), CaptureCount);
+  EXPECT_TRUE(SameBits(*provider->GetImageAt(0), window.captures[0](ContentBox)));
+  for (size_t i = 0; i < CaptureCount; ++i) {
+    EXPECT_EQ(provider->GetImageAt(i)->size(), ContentBox.size());
+  }
+}
+
+TEST_P(BorderDetectingStitch, LeavesTheCallersMatricesAlone) {
+  const ScrolledWindow window(ContentBox, {0, 40});
+  const ScrolledWindow same(ContentBox, {0, 40});
+  Fill(window.captures);
+  EXPECT_TRUE(MakeStitcher(Vertical)->Stitch(*provider, result, nullptr, 0, 100, true));
+  for (size_t i = 0; i < CaptureCount; ++i) {
+    EXPECT_TRUE(SameBits(window.captures[i], same.captures[i]));
+  }
+}
+
+TEST_P(BorderDetectingStitch, KeepsTheCroppedCapturesWhenItIsCancelled) {
+  Fill(ScrolledWindow(ContentBox, {0, 40}).captures);
+  RecordingListener refusing(0);
+  const StreamCapture errors(std::cerr);
+  EXPECT_FALSE(MakeStitcher(Vertical)->Stitch(*provider, result, &refusing, 0, 100, true));
+  EXPECT_THAT(refusing.calls, Contains("error 4 false").Times(1));
+  EXPECT_EQ(refusing.calls.back(), "complete false");
+  EXPECT_THAT(refusing.calls, Contains("complete false").Times(1));
+  EXPECT_EQ(provider->GetImageAt(2)->size(), ContentBox.size());
+  EXPECT_TRUE(result.empty());
+}
+
+TEST_P(BorderDetectingStitch, StitchesCapturesWithoutBordersAsTheyAre) {
+  const ScrolledWindow window({{0, 0}, CaptureSize}, {0, 40});
+  Fill(window.captures);
+  RecordingListener listener;
+  const StreamCapture output(std::cout);
+  const StreamCapture errors(std::cerr);
+  EXPECT_TRUE(MakeStitcher(Vertical)->Stitch(*provider, result, &listener, 0, 100, true));
+  EXPECT_TRUE(SameBits(result, window.page));
+  EXPECT_EQ(listener.calls.back(), "complete true");
+  EXPECT_THAT(listener.calls, Contains("complete true").Times(1));
+  EXPECT_EQ(output.Text(), "No borders were extracted.\n");
+  EXPECT_EQ(errors.Text(), "Error: No border has been extracted.\n");
+}
+
+TEST_P(BorderDetectingStitch, StitchesCapturesThatDoNotMoveAsTheyAre) {
+  const ScrolledWindow window(ContentBox, {0, 40});
+  Fill({window.captures[0], window.captures[0].clone()});
+  const StreamCapture output(std::cout);
+  const StreamCapture errors(std::cerr);
+  EXPECT_TRUE(MakeStitcher(Vertical)->Stitch(*provider, result, nullptr, 0, 100, true));
+  EXPECT_TRUE(SameBits(result, window.captures[0]));
+  EXPECT_EQ(output.Text(), "No content box was found.\n");
+}
+
+TEST_P(BorderDetectingStitch, GivesTheSingleCapture) {
+  const ScrolledWindow window(ContentBox, {0, 40});
+  Fill({window.captures[0]});
+  const StreamCapture output(std::cout);
+  const StreamCapture errors(std::cerr);
+  EXPECT_TRUE(MakeStitcher(Vertical)->Stitch(*provider, result, nullptr, 0, 100, true));
+  EXPECT_TRUE(SameBits(result, window.captures[0]));
+}
+
+TEST_P(BorderDetectingStitch, FailsWithoutCaptures) {
+  RecordingListener listener;
+  const StreamCapture errors(std::cerr);
+  EXPECT_FALSE(MakeStitcher(Vertical)->Stitch(*provider, result, &listener, 0, 100, true));
+  EXPECT_EQ(errors.Text(),
+            "Error: Empty image list when extracting common borders.\n"
+            "Error: No images in provider passed to Stitch().\n"
+            "Error: Failed to stitch images.\n");
+  EXPECT_THAT(listener.calls, testing::ElementsAre("error 1 false", "complete false"));
+}
+
+TEST_P(BorderDetectingStitch, GivesTheTranslationsOfTheContent) {
+  Fill(ScrolledWindow(ContentBox, {0, 40}).captures);
+  const auto stitcher = MakeStitcher(Vertical);
+  EXPECT_TRUE(stitcher->Stitch(*provider, result, nullptr, 0, 100, true));
+  EXPECT_THAT(stitcher->GetTranslations(), SizeIs(CaptureCount - 1));
+  EXPECT_THAT(stitcher->GetTranslations(), Each(Translation(-40, 0)));
+}
+
+std::string NameOfStorage(const testing::TestParamInfo<Storage>& storage) {
+  return storage.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Storages, BorderDetectingStitch,
+                         testing::Values(Storage{
+                             "InMemory", [] { return std::make_shared<BasicImageProvider>(); }}),
+                         NameOfStorage);
+
+TEST(BorderDetectingStitcher, LaysABorderOfAnEarlierSequenceAround) {
+  const ScrolledWindow withToolbar({{0, 20}, CaptureSize - cv::Size(0, 20)}, {0, 40});
+  const ScrolledWindow withPanel({{12, 0}, CaptureSize - cv::Size(12, 0)}, {0, 40});
+  const auto stitcher = MakeStitcher(Vertical);
+  cv::Mat result;
+  for (const ScrolledWindow* window : {&withToolbar, &withPanel}) {
+    BasicImageProvider captures;
+    for (cv::Mat capture : window->captures) {
+      captures.Add(capture);
+    }
+    EXPECT_TRUE(stitcher->Stitch(captures, result, nullptr, 0, 100, true));
+  }
+  const cv::Mat panelAndPage = withPanel.BorderedPage();
+  ASSERT_EQ(result.size(), panelAndPage.size() + cv::Size(0, 20));
+  EXPECT_TRUE(SameBits(result.rowRange(0, 20), withToolbar.frame.rowRange(0, 20)));
+  EXPECT_TRUE(SameBits(result.rowRange(20, result.rows), panelAndPage));
+}
+
+TEST(StitcherFactory, GivesTheOnlyReferenceToABorderDetectingStitcher) {
+  const auto stitcher = MakeStitcher(Both);
+  EXPECT_EQ(stitcher.use_count(), 1);
+  EXPECT_NE(dynamic_cast<BasicBorderDetection*>(stitcher.get()), nullptr);
+}
+
+TEST(StitcherFactory, PassesTheThresholdsOn) {
+  const auto finds = [](unsigned int differenceThreshold, unsigned int neighborThreshold) {
+    BasicImageProvider captures;
+    for (cv::Mat capture : ScrolledWindow(ContentBox, {0, 40}).captures) {
+      captures.Add(capture);
+    }
+    cv::Mat result;
+    const StreamCapture output(std::cout);
+    const StreamCapture errors(std::cerr);
+    EXPECT_TRUE(StitcherFactory::CreateStitcherWithBasicBorderDetection(
+                    Vertical, false, 1, differenceThreshold, neighborThreshold)
+                    ->Stitch(captures, result, nullptr, 0, 100, true));
+    return output.Text().empty();
+  };
+  EXPECT_TRUE(finds(10, 2));
+  EXPECT_FALSE(finds(255, 2));
+  EXPECT_FALSE(finds(10, 8));
+}
+
+TEST(StitcherFactory, PassesTheOrientationOnToTheWrappedStitcher) {
+  BasicImageProvider captures;
+  for (cv::Mat capture : ScrolledWindow(ContentBox, {0, 40}).captures) {
+    captures.Add(capture);
+  }
+  const auto stitcher = MakeStitcher(static_cast<ScrollOrientation>(3));
+  cv::Mat result;
+  EXPECT_TRUE(stitcher->Stitch(captures, result, nullptr, 0, 100, true));
+  EXPECT_THAT(stitcher->GetTranslations(), Each(Translation(0, 0)));
+}
+
+}  // namespace
+}  // namespace ScrollingCapture
