@@ -1,0 +1,48 @@
+#pragma once
+
+// OpenCV comes first: AppKit defines macros that its headers do not expect.
+#import <AppKit/AppKit.h>
+#include <opencv2/core.hpp>
+
+/// Whether pixels go through CoreGraphics, or else straight into and out of NSBitmapImageRep.
+#ifndef VEL_COREGRAPHICS
+#ifdef __APPLE__
+#define VEL_COREGRAPHICS 1
+#else
+#define VEL_COREGRAPHICS 0
+#endif
+#endif
+
+#if VEL_COREGRAPHICS
+#ifdef __APPLE__
+#import <ApplicationServices/ApplicationServices.h>
+#else
+#import <CoreGraphics/CoreGraphics.h>
+#endif
+#endif
+
+/// Conversions between images and matrices. A matrix holds 8 bits a channel, with colour in the
+/// order red, green, blue, alpha, premultiplied by alpha. Matrices and images never share pixels.
+@interface NSImage (NSImage_OpenCV)
+
+/// The image as CV_8UC4, with as many rows and columns as its size has whole points. Without a
+/// whole point, the matrix is empty.
+@property(nonatomic, readonly) cv::Mat CVMat;
+
+/// The image as CV_8UC1, otherwise like CVMat.
+@property(nonatomic, readonly) cv::Mat CVGrayscaleMat;
+
+#if VEL_COREGRAPHICS
+/// A new CoreGraphics image of the receiver, which the caller releases.
+- (CGImageRef)CGImage;
+#endif
+
+/// An image of the size of `matrix`, with a copy of its pixels; its rows may be padded. Elements of
+/// one byte are grey, of four bytes colour with alpha; other matrices give an image without a
+/// representation. The returned image takes the place of the receiver.
+- (id)initWithCVMat:(const cv::Mat&)matrix;
+
+/// Like initWithCVMat:, autoreleased.
++ (id)imageWithCVMat:(const cv::Mat&)matrix;
+
+@end

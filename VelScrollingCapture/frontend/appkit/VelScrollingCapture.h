@@ -1,0 +1,107 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#import <VelScrollingCapture/frontend/Version.h>
+#import <VelScrollingCapture/frontend/appkit/ScrollingProgressDelegate.h>
+
+#ifdef __cplusplus
+#include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+#endif
+
+/// GCC knows no weak properties; see progressDelegate.
+#ifdef __clang__
+#define VEL_WEAK_PROPERTY weak
+#else
+#define VEL_WEAK_PROPERTY assign
+#endif
+
+struct VelScrollingCaptureState;
+
+/// One scrolling capture, from its first capture to the stitched image.
+///
+/// Make one, hand it every capture as the window scrolls, show currentImagePreview meanwhile, and
+/// send stitchAndReturnFinalImage once at the end. Returned images are autoreleased bitmaps of red,
+/// green, blue, alpha, premultiplied, 8 bits each.
+///
+/// Ownership: the progress listener retains the capture object on purpose, so that a host may let
+/// go of it while a stitch runs. The reference ends with the stitch, whether that succeeds, fails
+/// or is cancelled. A host that never stitches sends cleanupListener before it lets go; without
+/// that the object lives for ever.
+///
+/// Threads: messages must not overlap, except that progressDelegate and previewImageSize may be
+/// read and written at any time, from any thread.
+@interface VelScrollingCapture : NSObject {
+ @private
+  struct VelScrollingCaptureState* _state;
+}
+
+/// Who hears of progress and may stop the stitch; not retained. Turns nil with the delegate's end
+/// where the runtime has weak references; where it has none (the runtime of GCC), set it to nil
+/// before the delegate goes away.
+@property(atomic, VEL_WEAK_PROPERTY) id<ScrollingProgressDelegate> progressDelegate;
+
+/// The delegate's answer to continueScrolling; YES without a delegate.
+@property(readonly) BOOL continueStitching;
+
+/// Always NO.
+@property(readonly) BOOL errorDuringStitching;
+
+/// The box that previews fit into, in pixels; 250 x 250 unless set. The size in force at the first
+/// capture is also that of the canvas on which the preview begins. Read and written as a whole.
+@property(atomic, assign) NSSize previewImageSize;
+
+#ifdef __cplusplus
+/// The captures, the stitcher and the result. Setting neither copies nor frees: the object takes
+/// over the new adapter, and the one before belongs to the caller.
+@property(nonatomic, assign) StitcherAdapter* stitcherAdapter;
+
+/// The relay to this object, null after the stitch; set like stitcherAdapter.
+@property(nonatomic, assign) ScrollingCapture::ProgressListener* progressListener;
+
+/// The live preview, null before the first capture; set like stitcherAdapter.
+@property(nonatomic, assign) ScrollingCapture::PreviewImage* previewImageCreator;
+#endif
+
+/// A capture object that looks for motion in both directions, on one thread, and expects no
+/// consistent translations.
+- (id)init;
+
+/// A capture object that looks for motion in both directions.
+/// @param expect  whether a pair of captures may be given its second-best translation when that
+///                repeats the previous pair's
+/// @param threads the most detections that run at once; at least 1, not checked
+- (id)initWithExpectConsistentTranslations:(BOOL)expect andThreadCount:(int)threads;
+
+/// Makes what is needed for a stitch: an adapter when there is none, and a new progress listener in
+/// place of the one before. Sets the preview size to 250 x 250. Done by the initialisers.
+- (void)setupStitcher;
+
+/// Adds the next capture and brings the preview up to date. The first capture is always kept, even
+/// when it is nil, which counts as empty. A later one is dropped silently when it shows the same as
+/// the last one kept, or cannot be compared with it because their sizes differ.
+- (void)addImageToAdapter:(NSImage*)image;
+
+/// The preview as it stands, scaled down to fit into previewImageSize; nil before the first
+/// capture, and when that size leaves no pixel.
+- (NSBitmapImageRep*)currentImagePreview;
+
+/// Stitches all captures on the calling thread, with progress to the delegate. Nil when there is
+/// no capture, the delegate stopped the work or the stitch failed, and for any further stitch.
+- (NSBitmapImageRep*)stitchAndReturnFinalImage;
+
+/// Relays progress to the delegate. The delegate's answer to continueScrolling; YES without a
+/// delegate.
+- (BOOL)setCurrentProgress:(int)progress;
+
+/// Told by the progress listener when a stitch has ended: sends cleanupListener.
+- (void)stitchingComplete:(BOOL)success;
+
+/// Destroys the progress listener and with it the reference by which this object keeps itself
+/// alive. Captures can be added and previewed further, but not stitched.
+- (void)cleanupListener;
+
+/// `image` rendered as red, green, blue, alpha at its size in whole points; nil without a point.
+- (NSBitmapImageRep*)bitmapImageRepresentation:(NSImage*)image;
+
+@end

@@ -1,0 +1,216 @@
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include <VelScrollingCapture/core/internal/Truncation.h>
+#include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+#import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
+#import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
+#import <VelScrollingCapture/frontend/appkit/internal/BitmapRendering.h>
+#import <VelScrollingCapture/frontend/appkit/internal/WeakReference.h>
+
+using CaptureObject = ScrollingCapture::VelScrollingCapture;
+using ScrollingCapture::PlatformImage;
+
+struct __attribute__((visibility("hidden"))) VelScrollingCaptureState {
+  std::shared_ptr<CaptureObject> capture;
+  ScrollingCapture::AppKit::WeakReference delegate;
+};
+
+namespace {
+
+/// Relays to the Objective-C object, which it retains, instead of the C++ one inside.
+class RetainingListener : public ScrollingCapture::ProgressListener {
+ public:
+  RetainingListener(VelScrollingCapture* receiver, std::shared_ptr<CaptureObject> capture)
+      : ProgressListener(std::move(capture)), receiver([receiver retain]) {}
+  RetainingListener(const RetainingListener&) = delete;
+  RetainingListener& operator=(const RetainingListener&) = delete;
+  ~RetainingListener() override { [receiver release]; }
+
+  bool ProgressCallback(int progress) override {
+    // Worker threads have no pool of their own.
+    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
+    const bool goOn = [receiver setCurrentProgress:progress];
+    [pool drain];
+    return goOn;
+  }
+
+  void StitchingComplete(bool success) override {
+    // The message destroys this listener.
+    VelScrollingCapture* const held = [receiver retain];
+    [held stitchingComplete:success];
+    [held release];
+  }
+
+  bool StitchingError(StitcherErrorCodes /*code*/, bool /*fatal*/) override {
+    return [receiver errorDuringStitching];
+  }
+
+ private:
+  VelScrollingCapture* receiver;
+};
+
+std::optional<PlatformImage> PlatformImageOf(NSImage* image) {
+  if (image == nil) {
+    return std::nullopt;
+  }
+  return PlatformImage::imageWithCVMat([image CVMat]);
+}
+
+NSImage* ImageOf(const PlatformImage& image) {
+  // Only a header: the pixels are copied once, into the image.
+  const cv::Mat pixels(image.height(), image.width(), CV_8UC4,
+                       const_cast<std::uint8_t*>(image.pixels()), image.bytesPerRow());
+  return [NSImage imageWithCVMat:pixels];
+}
+
+}  // namespace
+
+@interface VelScrollingCapture ()
+- (id)initWithCaptureObject:(const std::shared_ptr<CaptureObject>&)capture;
+@end
+
+@implementation VelScrollingCapture
+
+- (id)init {
+  return [self initWithCaptureObject:CaptureObject::init()];
+}
+
+- (id)initWithExpectConsistentTranslations:(BOOL)expect andThreadCount:(int)threads {
+  return [self initWithCaptureObject:CaptureObject::initWithExpectConsistentTranslations(
+                                         static_cast<bool>(expect), threads)];
+}
+
+- (id)initWithCaptureObject:(const std::shared_ptr<CaptureObject>&)capture {
+  self = [super init];
+  if (self != nil) {
+    _state = new VelScrollingCaptureState;
+    _state->capture = capture;
+    [self setupStitcher];
+  }
+  return self;
+}
+
+- (void)dealloc {
+  delete _state;
+  [super dealloc];
+}
+
+- (void)setupStitcher {
+  _state->capture->setupStitcher();
+  _state->capture->cleanupListener();
+  auto listener = std::make_unique<RetainingListener>(self, _state->capture);
+  _state->capture->stitcherAdapter()->setProgressListener(listener.get());
+  _state->capture->setProgressListener(listener.release());
+}
+
+- (void)addImageToAdapter:(NSImage*)image {
+  _state->capture->addImageToAdapter(PlatformImageOf(image));
+}
+
+- (NSBitmapImageRep*)currentImagePreview {
+  const std::optional<PlatformImage> preview = _state->capture->currentImagePreview();
+  return preview ? [self bitmapImageRepresentation:ImageOf(*preview)] : nil;
+}
+
+- (NSBitmapImageRep*)stitchAndReturnFinalImage {
+  // The completion notice drops the listener's reference, which may be the last one.
+  VelScrollingCapture* const held = [self retain];
+  const std::optional<PlatformImage> image = _state->capture->stitchAndReturnFinalImage();
+  NSBitmapImageRep* const bitmap = image ? [self bitmapImageRepresentation:ImageOf(*image)] : nil;
+  [held release];
+  return bitmap;
+}
+
+- (BOOL)setCurrentProgress:(int)progress {
+  if ([self progressDelegate] == nil) {
+    return YES;
+  }
+  [[self progressDelegate] setCurrentProgress:progress];
+  return [[self progressDelegate] continueScrolling];
+}
+
+- (BOOL)continueStitching {
+  const id<ScrollingProgressDelegate> delegate = [self progressDelegate];
+  return delegate == nil || [delegate continueScrolling];
+}
+
+- (BOOL)errorDuringStitching {
+  return _state->capture->errorDuringStitching();
+}
+
+- (void)stitchingComplete:(BOOL)success {
+  static_cast<void>(success);
+  [self cleanupListener];
+}
+
+- (void)cleanupListener {
+  VelScrollingCapture* const held = [self retain];
+  _state->capture->cleanupListener();
+  [held release];
+}
+
+- (NSBitmapImageRep*)bitmapImageRepresentation:(NSImage*)image {
+  const int width = ScrollingCapture::TruncateToInt([image size].width);
+  const int height = ScrollingCapture::TruncateToInt([image size].height);
+  if (width <= 0 || height <= 0) {
+    return nil;
+  }
+  NSBitmapImageRep* const bitmap =
+      [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+                                               pixelsWide:width
+                                               pixelsHigh:height
+                                            bitsPerSample:8
+                                          samplesPerPixel:4
+                                                 hasAlpha:YES
+                                                 isPlanar:NO
+                                           colorSpaceName:NSDeviceRGBColorSpace
+                                              bytesPerRow:static_cast<NSInteger>(width) * 4
+                                             bitsPerPixel:32] autorelease];
+  ScrollingCapture::AppKit::RenderIntoBitmap(image, bitmap);
+  return bitmap;
+}
+
+- (id<ScrollingProgressDelegate>)progressDelegate {
+  return _state->delegate.Load();
+}
+
+- (void)setProgressDelegate:(id<ScrollingProgressDelegate>)delegate {
+  _state->delegate.Store(delegate);
+}
+
+- (NSSize)previewImageSize {
+  const ScrollingCapture::ImageSize size = _state->capture->previewImageSize();
+  return NSMakeSize(size.width, size.height);
+}
+
+- (void)setPreviewImageSize:(NSSize)size {
+  _state->capture->setPreviewImageSize({size.width, size.height});
+}
+
+- (StitcherAdapter*)stitcherAdapter {
+  return _state->capture->stitcherAdapter();
+}
+
+- (void)setStitcherAdapter:(StitcherAdapter*)adapter {
+  _state->capture->setStitcherAdapter(adapter);
+}
+
+- (ScrollingCapture::ProgressListener*)progressListener {
+  return _state->capture->progressListener();
+}
+
+- (void)setProgressListener:(ScrollingCapture::ProgressListener*)listener {
+  _state->capture->setProgressListener(listener);
+}
+
+- (ScrollingCapture::PreviewImage*)previewImageCreator {
+  return _state->capture->previewImageCreator();
+}
+
+- (void)setPreviewImageCreator:(ScrollingCapture::PreviewImage*)preview {
+  _state->capture->setPreviewImageCreator(preview);
+}
+
+@end

@@ -1,0 +1,263 @@
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <VelScrollingCapture/ScrollingCapture.h>
+#import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
+#import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
+
+#include "../ScrolledCaptures.h"
+#include "PoolTest.h"
+
+/// Remembers the progress it is told, and goes on until it has been told `limit` times.
+@interface RecordingDelegate : NSObject <ScrollingProgressDelegate> {
+ @public
+  // GCC's runtime makes no C++ objects inside Objective-C ones.
+  std::vector<int>* heard;
+  size_t limit;
+}
+@end
+
+@implementation RecordingDelegate
+- (id)init {
+  self = [super init];
+  if (self != nil) {
+    heard = new std::vector<int>;
+  }
+  return self;
+}
+- (void)dealloc {
+  delete heard;
+  [super dealloc];
+}
+- (void)setCurrentProgress:(int)progress {
+  heard->push_back(progress);
+}
+- (BOOL)continueScrolling {
+  return heard->size() < limit;
+}
+@end
+
+/// Tells when it goes away.
+@interface WatchedCapture : VelScrollingCapture {
+ @public
+  bool* gone;
+}
+@end
+
+@implementation WatchedCapture
+- (void)dealloc {
+  *gone = true;
+  [super dealloc];
+}
+@end
+
+namespace ScrollingCapture {
+namespace {
+
+using Testing::SameBits;
+using Testing::ScrolledCaptures;
+using Testing::ScrolledPage;
+
+cv::Mat PixelsOf(NSBitmapImageRep* bitmap) {
+  return cv::Mat(static_cast<int>([bitmap pixelsHigh]), static_cast<int>([bitmap pixelsWide]),
+                 CV_8UC4, [bitmap bitmapData], static_cast<size_t>([bitmap bytesPerRow]))
+      .clone();
+}
+
+void AddAll(::VelScrollingCapture* capture, const std::vector<cv::Mat>& captures) {
+  for (const cv::Mat& matrix : captures) {
+    [capture addImageToAdapter:[NSImage imageWithCVMat:matrix]];
+  }
+}
+
+/// A capture object that does not outlive its test, stitched or not.
+class ObjectiveCCapture : public Testing::PoolTest {
+ protected:
+  ~ObjectiveCCapture() override {
+    [capture setProgressDelegate:nil];
+    [capture cleanupListener];
+    [capture release];
+    [delegate release];
+  }
+
+  void Listen(size_t limit) {
+    delegate->limit = limit;
+    [capture setProgressDelegate:delegate];
+  }
+
+  ::VelScrollingCapture* capture = [[::VelScrollingCapture alloc] init];
+  RecordingDelegate* delegate = [[RecordingDelegate alloc] init];
+};
+
+TEST_F(ObjectiveCCapture, StitchesWithProgressToItsDelegate) {
+  Listen(1000);
+  AddAll(capture, ScrolledCaptures(4));
+  NSBitmapImageRep* const image = [capture stitchAndReturnFinalImage];
+  ASSERT_TRUE(image != nil);
+  EXPECT_TRUE(SameBits(PixelsOf(image), ScrolledPage(4)));
+  ASSERT_FALSE(delegate->heard->empty());
+  EXPECT_EQ(delegate->heard->back(), 100);
+}
+
+TEST_F(ObjectiveCCapture, ReturnsBitmapsOfFour8BitSamples) {
+  AddAll(capture, ScrolledCaptures(2));
+  NSBitmapImageRep* const image = [capture stitchAndReturnFinalImage];
+  EXPECT_EQ([image bitsPerSample], 8);
+  EXPECT_EQ([image samplesPerPixel], 4);
+  EXPECT_EQ([image bitsPerPixel], 32);
+  EXPECT_EQ([image bytesPerRow], [image pixelsWide] * 4);
+  EXPECT_TRUE([image hasAlpha]);
+  EXPECT_FALSE([image isPlanar]);
+  EXPECT_TRUE([[image colorSpaceName] isEqualToString:NSDeviceRGBColorSpace]);
+}
+
+TEST_F(ObjectiveCCapture, GivesTheSameImageAsTheCppObject) {
+  const auto other = VelScrollingCapture::init();
+  for (const cv::Mat& matrix : ScrolledCaptures(3)) {
+    other->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
+  }
+  AddAll(capture, ScrolledCaptures(3));
+  const auto expected = other->stitchAndReturnFinalImage();
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), expected->CVMat()));
+}
+
+TEST_F(ObjectiveCCapture, StitchesOnSeveralThreads) {
+  ::VelScrollingCapture* const threaded =
+      [[[::VelScrollingCapture alloc] initWithExpectConsistentTranslations:YES
+                                                            andThreadCount:3] autorelease];
+  delegate->limit = 1000;
+  [threaded setProgressDelegate:delegate];
+  AddAll(threaded, ScrolledCaptures(5));
+  EXPECT_TRUE(SameBits(PixelsOf([threaded stitchAndReturnFinalImage]), ScrolledPage(5)));
+  [threaded setProgressDelegate:nil];
+}
+
+TEST_F(ObjectiveCCapture, GivesNilWhenTheDelegateStopsAtTheFirstReport) {
+  Listen(1);
+  AddAll(capture, ScrolledCaptures(3));
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+  EXPECT_EQ(delegate->heard->size(), 1U);
+}
+
+TEST_F(ObjectiveCCapture, GivesNilWithoutCapturesAndForASecondStitch) {
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+  AddAll(capture, ScrolledCaptures(2));
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+  EXPECT_EQ([capture progressListener], nullptr);
+}
+
+TEST_F(ObjectiveCCapture, GivesNoPreviewBeforeACapture) {
+  EXPECT_TRUE([capture currentImagePreview] == nil);
+}
+
+TEST_F(ObjectiveCCapture, FitsThePreviewIntoThePreviewSize) {
+  AddAll(capture, ScrolledCaptures(2));
+  [capture setPreviewImageSize:NSMakeSize(50.9, 60.9)];
+  const cv::Mat expected = [capture previewImageCreator]->GetPreview(50, 60);
+  EXPECT_TRUE(SameBits(PixelsOf([capture currentImagePreview]), expected));
+}
+
+TEST_F(ObjectiveCCapture, DropsARepeatedCapture) {
+  AddAll(capture, ScrolledCaptures(1));
+  AddAll(capture, ScrolledCaptures(1));
+  EXPECT_EQ([capture stitcherAdapter]->Count(), 1U);
+}
+
+TEST_F(ObjectiveCCapture, KeepsTheFirstCaptureEvenIfItIsNil) {
+  [capture addImageToAdapter:nil];
+  [capture addImageToAdapter:nil];
+  EXPECT_EQ([capture stitcherAdapter]->Count(), 1U);
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+}
+
+TEST_F(ObjectiveCCapture, AnswersYesWithoutADelegate) {
+  EXPECT_TRUE([capture setCurrentProgress:5]);
+  EXPECT_TRUE([capture continueStitching]);
+}
+
+TEST_F(ObjectiveCCapture, GivesTheDelegatesAnswer) {
+  Listen(1);
+  EXPECT_TRUE([capture continueStitching]);
+  EXPECT_FALSE([capture setCurrentProgress:5]);
+  EXPECT_FALSE([capture continueStitching]);
+  EXPECT_EQ(*delegate->heard, std::vector<int>{5});
+}
+
+TEST_F(ObjectiveCCapture, DoesNotRetainItsDelegate) {
+  const NSUInteger before = [delegate retainCount];
+  [capture setProgressDelegate:delegate];
+  EXPECT_EQ([delegate retainCount], before);
+}
+
+TEST_F(ObjectiveCCapture, CanBeReadByKeyValueCoding) {
+  Listen(1000);
+  EXPECT_TRUE([capture valueForKey:@"progressDelegate"] == delegate);
+  EXPECT_TRUE([[capture valueForKey:@"continueStitching"] boolValue]);
+  EXPECT_FALSE([[capture valueForKey:@"errorDuringStitching"] boolValue]);
+  const NSSize size = [[capture valueForKey:@"previewImageSize"] sizeValue];
+  EXPECT_EQ(size.width, 250);
+  EXPECT_EQ(size.height, 250);
+}
+
+TEST_F(ObjectiveCCapture, RendersNothingWithoutAWholePoint) {
+  for (const NSSize size : {NSMakeSize(0, 5), NSMakeSize(0.9, 5), NSMakeSize(5, 0)}) {
+    NSImage* const image = [[[NSImage alloc] initWithSize:size] autorelease];
+    EXPECT_TRUE([capture bitmapImageRepresentation:image] == nil);
+  }
+}
+
+TEST_F(ObjectiveCCapture, RendersGreyIntoColour) {
+  NSImage* const grey = [NSImage imageWithCVMat:cv::Mat(2, 3, CV_8UC1, cv::Scalar(9))];
+  EXPECT_TRUE(SameBits(PixelsOf([capture bitmapImageRepresentation:grey]),
+                       cv::Mat(2, 3, CV_8UC4, cv::Scalar(9, 9, 9, 255))));
+}
+
+TEST_F(ObjectiveCCapture, SwapsItsAdapterWithoutFreeingIt) {
+  const std::unique_ptr<StitcherAdapter> adapter([capture stitcherAdapter]);
+  auto* const other = new StitcherAdapter;
+  [capture setStitcherAdapter:other];
+  EXPECT_EQ([capture stitcherAdapter], other);
+  EXPECT_TRUE(adapter->IsEmpty());
+}
+
+class ObjectiveCOwnership : public Testing::PoolTest {
+ protected:
+  void Start() {
+    capture = [[WatchedCapture alloc] init];
+    capture->gone = &gone;
+  }
+
+  bool gone = false;
+  WatchedCapture* capture = nil;
+};
+
+TEST_F(ObjectiveCOwnership, EndsWithTheStitch) {
+  Start();
+  AddAll(capture, ScrolledCaptures(2));
+  [capture release];
+  EXPECT_FALSE(gone) << "The listener retains the capture object";
+  [capture stitchAndReturnFinalImage];
+  EXPECT_TRUE(gone);
+}
+
+TEST_F(ObjectiveCOwnership, EndsWithAFailedStitch) {
+  Start();
+  [capture stitchAndReturnFinalImage];
+  EXPECT_FALSE(gone);
+  [capture release];
+  EXPECT_TRUE(gone);
+}
+
+TEST_F(ObjectiveCOwnership, EndsWithTheListenerWhenNothingIsStitched) {
+  Start();
+  [capture release];
+  ASSERT_FALSE(gone) << "The listener retains the capture object";
+  [capture cleanupListener];
+  EXPECT_TRUE(gone);
+}
+
+}  // namespace
+}  // namespace ScrollingCapture
