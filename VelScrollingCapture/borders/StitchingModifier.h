@@ -14,7 +14,7 @@ class VEL_EXPORT StitchingModifier : public IStitcher {
   explicit StitchingModifier(std::shared_ptr<IStitcher> stitcher);
 
  protected:
-  std::shared_ptr<IStitcher> stitcher;
+  std::shared_ptr<IStitcher> stitcher;  ///< The wrapped stitcher.
 };
 
 }  // namespace ScrollingCapture

@@ -11,12 +11,15 @@ namespace ScrollingCapture {
 
 /// A width and a height in pixels, which need not be whole.
 struct ImageSize {
-  double width = 0;
-  double height = 0;
+  double width = 0;   ///< Across the columns.
+  double height = 0;  ///< Down the rows.
 
+  /// True when both are equal.
   bool operator==(const ImageSize& other) const {
     return width == other.width && height == other.height;
   }
+
+  /// True when either differs.
   bool operator!=(const ImageSize& other) const { return !(*this == other); }
 };
 

@@ -16,7 +16,6 @@
   int reached, stopAt;
 }
 @end
-
 @implementation Progress
 - (void)setCurrentProgress:(int)progress {
   printf("%d %%\n", reached = progress);
