@@ -28,9 +28,8 @@
 NSBitmapImageRep* Stitch(NSArray* captures, Progress* progress) {
   VelScrollingCapture* capture = [[[VelScrollingCapture alloc] init] autorelease];
   capture.progressDelegate = progress;  // not retained
-  for (NSUInteger i = 0; i < [captures count]; ++i) {
+  for (NSUInteger i = 0; i < [captures count]; ++i)
     [capture addImageToAdapter:[captures objectAtIndex:i]];
-  }
   NSBitmapImageRep* image = [capture stitchAndReturnFinalImage];
   capture.progressDelegate = nil;
   return image;
