@@ -87,7 +87,7 @@ std::optional<PlatformImage> VelScrollingCapture::stitchAndReturnFinalImage() {
   }
 }
 
-bool VelScrollingCapture::setCurrentProgress(int progress) {
+bool VelScrollingCapture::setCurrentProgress(int progress) const {
   if (!progressDelegate()) {
     return true;
   }

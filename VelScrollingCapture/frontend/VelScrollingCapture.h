@@ -73,7 +73,7 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   /// Relays progress to the delegate, which is looked up afresh for every message.
   /// @return the delegate's answer to continueScrolling; true without a delegate, and false when it
   ///         goes away in between
-  bool setCurrentProgress(int progress);
+  bool setCurrentProgress(int progress) const;
 
   /// The delegate's answer to continueScrolling; true without a delegate.
   bool continueStitching() const;
