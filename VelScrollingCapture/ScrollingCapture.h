@@ -25,3 +25,4 @@
 #include <VelScrollingCapture/frontend/Version.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
+#include <VelScrollingCapture/storage/MemoryEfficientImageProvider.h>

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <random>
+#include <string>
+
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/core/Export.h>
@@ -7,8 +10,8 @@
 
 namespace ScrollingCapture {
 
-/// Stateless operations on captures. Captures are 8-bit matrices with the channels red, green,
-/// blue, alpha; "transparent" means that all four channels are 0.
+/// Operations on captures, and random names. Captures are 8-bit matrices with the channels red,
+/// green, blue, alpha; "transparent" means that all four channels are 0.
 ///
 /// Every operation that takes a non-const matrix writes into its pixels, which every other header
 /// over the same pixels sees too. Faults are told on the standard error stream and leave the images
@@ -16,6 +19,13 @@ namespace ScrollingCapture {
 class VEL_EXPORT Utilities {
  public:
   Utilities() = delete;
+
+  /// The digits, then the upper-case and the lower-case letters of ASCII.
+  static const std::string ALPHANUMERIC_CHARSET;
+
+  /// What random names are drawn with, seeded from the system clock when the library is loaded. Set
+  /// it only while no other thread draws names.
+  static std::minstd_rand RANDOM_ENGINE;
 
   /// Makes row `start.y` transparent from `start.x` to the first column, or else to the last one;
   /// both ends are included.
@@ -67,6 +77,10 @@ class VEL_EXPORT Utilities {
   /// captures of fewer than three channels.
   /// @return 1 for equal grey levels down to 0 when every pixel differs by the full range
   static double CalculateSimilarity(const cv::Mat& first, const cv::Mat& second);
+
+  /// Draws each character of a name from ALPHANUMERIC_CHARSET with RANDOM_ENGINE. Safe from any
+  /// number of threads at once. Not for secrets: who knows one name can tell the next.
+  static std::string GenerateRandomAlphanumericString(unsigned int length);
 };
 
 }  // namespace ScrollingCapture
