@@ -8,8 +8,13 @@ extern "C" {
 
 VEL_EXPORT const char* __asan_default_options();
 VEL_EXPORT const char* __tsan_default_options();
+VEL_EXPORT const char* __tsan_default_suppressions();
 
 const char* __asan_default_options() { return "allocator_may_return_null=1"; }
 const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
+
+// OpenCV is built without the sanitizer, which therefore cannot see that the reference count of a
+// matrix's pixels orders every use of them before their release.
+const char* __tsan_default_suppressions() { return "race:cv::Mat::deallocate"; }
 }
 // NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)
