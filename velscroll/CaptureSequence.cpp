@@ -1,0 +1,49 @@
+#include <opencv2/core.hpp>
+#include <velscroll/CaptureSequence.h>
+#include <velscroll/Failure.h>
+#include <velscroll/ImageFile.h>
+#include <velscroll/Interruption.h>
+
+#include <VelScrollingCapture/frontend/RepeatFilter.h>
+
+namespace ScrollingCapture::Program {
+namespace {
+
+std::string Pixels(const cv::Size& size) {
+  return std::to_string(size.width) + " x " + std::to_string(size.height);
+}
+
+/// The library places every capture with the size of the first.
+void RequireSameSize(const std::string& firstFile, const cv::Size& firstSize,
+                     const std::string& file, const cv::Size& size) {
+  if (size != firstSize) {
+    throw BadInput(Quoted(firstFile) + " has " + Pixels(firstSize) + " pixels, but " +
+                   Quoted(file) + " has " + Pixels(size) +
+                   "; all captures must have the same size");
+  }
+}
+
+}  // namespace
+
+std::vector<CaptureFile> ReadCaptures(const std::vector<std::string>& files, bool keepRepeats,
+                                      IImageProvider& captures, ProgressBar& progress) {
+  std::vector<CaptureFile> read;
+  cv::Size size;
+  for (const std::string& file : files) {
+    StopIfInterrupted();
+    progress.Show("Reading", static_cast<int>(100 * read.size() / files.size()));
+    cv::Mat capture = ReadCapture(file);
+    if (read.empty()) {
+      size = capture.size();
+    }
+    RequireSameSize(files.front(), size, file, capture.size());
+    const bool repeated = !keepRepeats && RepeatsLastCapture(captures, capture);
+    if (!repeated) {
+      captures.Add(capture);
+    }
+    read.push_back({file, repeated});
+  }
+  return read;
+}
+
+}  // namespace ScrollingCapture::Program

@@ -1,0 +1,87 @@
+#include <nlohmann/json.hpp>
+#include <velscroll/Report.h>
+
+namespace ScrollingCapture::Program {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+const char* StateName(CaptureOutcome::State state) {
+  switch (state) {
+    case CaptureOutcome::Repeated:
+      return "repeated";
+    case CaptureOutcome::LeftOut:
+      return "left out";
+    default:
+      return "kept";
+  }
+}
+
+Json RowsAndColumns(int rows, int columns) { return {{"rows", rows}, {"columns", columns}}; }
+
+Json Describe(const Overlap& overlap) {
+  Json described = RowsAndColumns(overlap.rows, overlap.columns);
+  described["correlation"] = overlap.correlation ? Json(*overlap.correlation) : Json();
+  described["agrees"] = overlap.Agrees();
+  return described;
+}
+
+Json Describe(const CaptureOutcome& capture, bool isFirst) {
+  const Translation& translation = capture.translation;
+  return {
+      {"file", capture.file},
+      {"state", StateName(capture.state)},
+      {"translation",
+       isFirst ? Json() : RowsAndColumns(translation.GetRows(), translation.GetCols())},
+      {"place", {{"row", capture.place.row}, {"column", capture.place.column}}},
+      {"overlap", capture.overlap ? Describe(*capture.overlap) : Json()},
+  };
+}
+
+Json DescribeAll(const std::vector<CaptureOutcome>& captures) {
+  Json described = Json::array();
+  for (const CaptureOutcome& capture : captures) {
+    described.push_back(Describe(capture, described.empty()));
+  }
+  return described;
+}
+
+Json Describe(const Arguments& settings) {
+  return {
+      {"orientation", NameOf(settings.orientation)},
+      {"consistent", settings.expectConsistentTranslations},
+      {"threads", settings.threadCount},
+      {"keepRepeats", settings.keepRepeats},
+  };
+}
+
+Json Describe(const StageSeconds& seconds) {
+  return {
+      {"reading", seconds.reading},
+      {"detection", seconds.detection},
+      {"composing", seconds.composing},
+      {"writing", seconds.writing},
+  };
+}
+
+}  // namespace
+
+std::string ReportText(const Arguments& arguments, const ReportContent& content) {
+  const Json report = {
+      {"version", VELSCROLL_VERSION},
+      {"result",
+       {{"file", arguments.output},
+        {"width", content.resultSize.width},
+        {"height", content.resultSize.height}}},
+      {"settings", Describe(arguments)},
+      {"captures", DescribeAll(content.captures)},
+      {"warnings", content.warnings},
+      {"remarks", content.remarks},
+      {"seconds", Describe(content.seconds)},
+  };
+  // A file name may hold bytes that are no UTF-8.
+  constexpr int Indentation = 2;
+  return report.dump(Indentation, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace ScrollingCapture::Program

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <opencv2/core.hpp>
+#include <velscroll/Arguments.h>
+#include <velscroll/CaptureOutcome.h>
+
+namespace ScrollingCapture::Program {
+
+/// The seconds that each stage of the work took.
+struct StageSeconds {
+  double reading = 0;
+  double detection = 0;
+  double composing = 0;
+  double writing = 0;
+};
+
+/// All that the report tells.
+struct ReportContent {
+  cv::Size resultSize;
+  std::vector<CaptureOutcome> captures;
+  std::vector<std::string> warnings;  ///< the program's own
+  std::vector<std::string> remarks;   ///< the library's
+  StageSeconds seconds;
+};
+
+/// The report as JSON text, with an end of line. docs/report.md tells what the fields mean.
+std::string ReportText(const Arguments& arguments, const ReportContent& content);
+
+}  // namespace ScrollingCapture::Program

@@ -1,0 +1,83 @@
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+#include <new>
+#include <optional>
+#include <string>
+#include <unistd.h>
+
+#include <opencv2/core.hpp>
+#include <opencv2/core/utils/logger.hpp>
+#include <velscroll/Arguments.h>
+#include <velscroll/Failure.h>
+#include <velscroll/Interruption.h>
+#include <velscroll/ProgressBar.h>
+#include <velscroll/Session.h>
+
+namespace ScrollingCapture::Program {
+namespace {
+
+/// Directly to the system: the stream may be held back, or be the reason for the failure.
+int Complain(const Failure& failure) {
+  const std::string line = std::string("velscroll: ") + failure.what() + "\n";
+  [[maybe_unused]] const ssize_t ignored = ::write(STDERR_FILENO, line.data(), line.size());
+  return failure.Status();
+}
+
+Failure NotEnoughMemory() {
+  return Failed("not enough memory; use fewer --threads or stitch fewer captures at a time");
+}
+
+/// What an exception means to the user.
+Failure Explain(const std::exception_ptr& exception) {
+  try {
+    std::rethrow_exception(exception);
+  } catch (const Failure& failure) {
+    return failure;
+  } catch (const std::bad_alloc&) {
+    return NotEnoughMemory();
+  } catch (const cv::Exception& error) {
+    return error.code == cv::Error::StsNoMem
+               ? NotEnoughMemory()
+               : Failed("unexpected failure in image processing: " + error.err);
+  } catch (const std::exception& error) {
+    return Failed(std::string("unexpected failure: ") + error.what());
+  }
+}
+
+/// An exception that leaves one of the library's worker threads ends the process; captures are
+/// checked before, so that it can hardly be anything but a lack of memory. Nothing has been written
+/// by then.
+[[noreturn]] void EndAfterWorkerFailure() {
+  ClearProgressLine();
+  const std::exception_ptr exception = std::current_exception();
+  if (exception != nullptr) {
+    std::_Exit(Complain(Explain(exception)));
+  }
+  std::abort();
+}
+
+int Run(int argc, char** argv) {
+  try {
+    const std::optional<Arguments> arguments = ParseArguments(argc, argv);
+    if (arguments) {
+      cv::setNumThreads(static_cast<int>(arguments->threadCount));
+      RunSession(*arguments);
+    }
+    return Done;
+  } catch (...) {
+    return Complain(Explain(std::current_exception()));
+  }
+}
+
+}  // namespace
+}  // namespace ScrollingCapture::Program
+
+int main(int argc, char** argv) {
+  using namespace ScrollingCapture::Program;
+  std::set_terminate(EndAfterWorkerFailure);
+  std::signal(SIGXFSZ, SIG_IGN);  // writing then fails like on a full disk
+  cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
+  ListenForInterruption();
+  return Run(argc, argv);
+}
