@@ -25,10 +25,12 @@ const sequences = [
     scroll: [[60, 90], [60, 250], [260, 130], [460, 130], [650, 230], [860, 230]],
   },
   {
+    // Starts with a dark band right below the toolbar and stops once with one right above the status
+    // bar (590), so that the change between two captures reaches both.
     name: 'toolbar',
     viewport: [800, 600],
     orientation: 'vertical',
-    scroll: [[0, 0], [0, 210], [0, 460], [0, 640], [0, 880]],
+    scroll: [[0, 0], [0, 200], [0, 430], [0, 590], [0, 842]],
     fixed: {top: 52, bottom: 30, left: 0, right: 0},
   },
 ];
