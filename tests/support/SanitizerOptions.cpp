@@ -15,6 +15,9 @@ const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
 
 // OpenCV is built without the sanitizer, which therefore cannot see that the reference count of a
 // matrix's pixels orders every use of them before their release.
-const char* __tsan_default_suppressions() { return "race:cv::Mat::deallocate"; }
+// The order in which GNUstep takes its own locks is no fault of ours.
+const char* __tsan_default_suppressions() {
+  return "race:cv::Mat::deallocate\ndeadlock:libgnustep-";
+}
 }
 // NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)
