@@ -14,7 +14,7 @@ const sequences = [
     name: 'article',
     viewport: [800, 600],
     orientation: 'vertical',
-    scroll: [[0, 0], [0, 270], [0, 590], [0, 590], [0, 840], [0, 1180], [0, 1440]],
+    scroll: [[0, 0], [0, 270], [0, 590], [0, 590], [0, 840], [0, 1180], [0, 1440], [0, 1738]],
   },
   {
     // A slanted seam gives up one line of pixels along two borders of its capture. Here the captures
