@@ -14,6 +14,9 @@ namespace ScrollingCapture::Program {
 namespace {
 
 constexpr unsigned int MostThreads = 1024;
+constexpr unsigned int LongestSide = 10000;
+constexpr unsigned int LargestDifference = 255;
+constexpr unsigned int MostNeighbors = 8;
 
 const std::array<std::pair<const char*, ScrollOrientation>, 3> Orientations = {{
     {"vertical", ScrollOrientation::Vertical},
@@ -45,6 +48,37 @@ unsigned int ParseNumber(const std::string& option, const std::string& text, uns
                    std::to_string(largest) + ", not " + Quoted(text));
   }
   return number;
+}
+
+/// Such as 200MiB, 1G or a plain number of bytes; K, KB and KiB are all 1024 bytes.
+std::uint64_t ParseMemorySize(const std::string& text) {
+  const auto complain = [&text] {
+    throw BadInput("--memory-limit takes a size such as 200MiB or 1G, not " + Quoted(text));
+  };
+  std::string bytes = text;
+  try {
+    CLI::AsSizeValue(false)(bytes);
+  } catch (const CLI::ValidationError&) {
+    complain();
+  }
+  std::uint64_t size = 0;
+  const char* const end = bytes.data() + bytes.size();
+  const auto [stop, error] = std::from_chars(bytes.data(), end, size);
+  if (error != std::errc() || stop != end) {
+    complain();
+  }
+  return size;
+}
+
+cv::Size ParsePreviewSize(const std::string& text) {
+  const size_t separator = text.find('x');
+  if (separator == std::string::npos) {
+    throw BadInput("--preview-size takes width and height such as 250x250, not " + Quoted(text));
+  }
+  const auto side = [](const std::string& number) {
+    return static_cast<int>(ParseNumber("each side of --preview-size", number, 1, LongestSide));
+  };
+  return {side(text.substr(0, separator)), side(text.substr(separator + 1))};
 }
 
 std::string Footer() {
@@ -85,6 +119,9 @@ class CommandLine {
         ->capture_default_str();
     app.add_flag("--keep-repeats", arguments.keepRepeats,
                  "Do not drop captures that show the same as the one before");
+    AddBorderOptions();
+    AddMemoryOptions();
+    AddPreviewOptions();
     app.add_option("--report", arguments.report,
                    "Write what was found to a JSON file: motion and place of every capture")
         ->type_name("FILE");
@@ -118,13 +155,71 @@ class CommandLine {
     }
     arguments.orientation = ParseOrientation(orientation);
     arguments.threadCount = ParseNumber("--threads", threads, 1, MostThreads);
+    if (borders) {
+      arguments.borders = BorderThresholds{
+          ParseNumber("--difference-threshold", differenceThreshold, 0, LargestDifference),
+          ParseNumber("--neighbor-threshold", neighborThreshold, 0, MostNeighbors)};
+    }
+    if (!memoryLimit.empty()) {
+      arguments.memoryLimit = ParseMemorySize(memoryLimit);
+    }
+    arguments.previewSize = ParsePreviewSize(previewSize);
     return arguments;
   }
 
  private:
+  void AddBorderOptions() {
+    CLI::Option* const switchOn =
+        app.add_flag("--borders", borders,
+                     "Find toolbars and other borders that stay put, stitch what scrolls between "
+                     "them, and lay them around it once");
+    app.add_option("--difference-threshold", differenceThreshold,
+                   "The grey-level difference, 0 to 255, that a pixel must exceed to count as "
+                   "changed from one capture to the next")
+        ->type_name("N")
+        ->capture_default_str()
+        ->needs(switchOn);
+    app.add_option("--neighbor-threshold", neighborThreshold,
+                   "How many of the 8 pixels around a changed pixel, 0 to 8, must be exceeded by "
+                   "changed ones for it to count as content and not as noise; with 8 nothing does")
+        ->type_name("N")
+        ->capture_default_str()
+        ->needs(switchOn);
+  }
+
+  void AddMemoryOptions() {
+    CLI::Option* const limit =
+        app.add_option("--memory-limit", memoryLimit,
+                       "Keep no more captures in memory than this, such as 200MiB or 1G; the "
+                       "others wait in files")
+            ->type_name("SIZE");
+    app.add_option("--spill-folder", arguments.spillFolder,
+                   "The folder for those files; without it the system's temporary folder")
+        ->type_name("DIR")
+        ->needs(limit);
+  }
+
+  void AddPreviewOptions() {
+    CLI::Option* const preview =
+        app.add_option("--preview", arguments.preview,
+                       "Also write the small live preview as it stood at the end")
+            ->type_name("FILE");
+    app.add_option("--preview-size", previewSize, "The box in pixels that the preview fits into")
+        ->type_name("WxH")
+        ->capture_default_str()
+        ->needs(preview);
+  }
+
   CLI::App app{"Joins the captures of a scrolling window into one image.", "velscroll"};
   Arguments arguments;
   std::string orientation = NameOf(ScrollOrientation::Both);
+  bool borders = false;
+  // Both leave room on either side for what was measured: anti-aliased text changes by far more
+  // than 10 grey levels, and has more than 2 changed neighbours nearly everywhere.
+  std::string differenceThreshold = "10";
+  std::string neighborThreshold = "2";
+  std::string memoryLimit;
+  std::string previewSize = "250x250";
   std::string threads = std::to_string(DefaultThreadCount());
 };
 

@@ -1,12 +1,21 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include <opencv2/core.hpp>
+
 #include <VelScrollingCapture/core/ScrollOrientation.h>
 
 namespace ScrollingCapture::Program {
+
+/// When a difference between captures counts as content that moved; see BasicBorderDetection.
+struct BorderThresholds {
+  unsigned int difference;
+  unsigned int neighbors;
+};
 
 /// What the command line asks for.
 struct Arguments {
@@ -16,7 +25,12 @@ struct Arguments {
   bool expectConsistentTranslations = false;
   unsigned int threadCount = 1;
   bool keepRepeats = false;
-  std::string report;  ///< empty: no report
+  std::optional<BorderThresholds> borders;   ///< nothing: stitch the captures as they are
+  std::optional<std::uint64_t> memoryLimit;  ///< bytes of captures to keep in memory
+  std::string spillFolder;                   ///< empty: the system's temporary folder
+  std::string preview;                       ///< empty: no preview
+  cv::Size previewSize;                      ///< the box that the preview fits into
+  std::string report;                        ///< empty: no report
   bool quiet = false;
 };
 

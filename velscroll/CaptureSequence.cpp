@@ -1,8 +1,11 @@
+#include <iostream>
+
 #include <opencv2/core.hpp>
 #include <velscroll/CaptureSequence.h>
 #include <velscroll/Failure.h>
 #include <velscroll/ImageFile.h>
 #include <velscroll/Interruption.h>
+#include <velscroll/StreamHold.h>
 
 #include <VelScrollingCapture/frontend/RepeatFilter.h>
 
@@ -23,10 +26,19 @@ void RequireSameSize(const std::string& firstFile, const cv::Size& firstSize,
   }
 }
 
+/// The preview goes on without a capture that it cannot place, and without telling of it.
+void ShowTo(PreviewImage* preview, const cv::Mat& capture) {
+  if (preview != nullptr) {
+    const StreamHold standardError(std::cerr);
+    preview->AddCapture(capture);
+  }
+}
+
 }  // namespace
 
 std::vector<CaptureFile> ReadCaptures(const std::vector<std::string>& files, bool keepRepeats,
-                                      IImageProvider& captures, ProgressBar& progress) {
+                                      IImageProvider& captures, PreviewImage* preview,
+                                      ProgressBar& progress) {
   std::vector<CaptureFile> read;
   cv::Size size;
   for (const std::string& file : files) {
@@ -40,6 +52,7 @@ std::vector<CaptureFile> ReadCaptures(const std::vector<std::string>& files, boo
     const bool repeated = !keepRepeats && RepeatsLastCapture(captures, capture);
     if (!repeated) {
       captures.Add(capture);
+      ShowTo(preview, capture);
     }
     read.push_back({file, repeated});
   }

@@ -6,6 +6,7 @@
 #include <velscroll/ProgressBar.h>
 
 #include <VelScrollingCapture/core/IImageProvider.h>
+#include <VelScrollingCapture/preview/PreviewImage.h>
 
 namespace ScrollingCapture::Program {
 
@@ -20,7 +21,9 @@ struct CaptureFile {
 /// Throws BadInput when a file is no usable capture or the captures differ in size, and Cancelled
 /// when the user stops the work.
 /// @param keepRepeats whether captures that repeat the one before are added as well
+/// @param preview     is shown every capture that is added; may be null
 std::vector<CaptureFile> ReadCaptures(const std::vector<std::string>& files, bool keepRepeats,
-                                      IImageProvider& captures, ProgressBar& progress);
+                                      IImageProvider& captures, PreviewImage* preview,
+                                      ProgressBar& progress);
 
 }  // namespace ScrollingCapture::Program

@@ -46,12 +46,31 @@ Json DescribeAll(const std::vector<CaptureOutcome>& captures) {
   return described;
 }
 
+Json Describe(const BorderThresholds& thresholds) {
+  return {{"differenceThreshold", thresholds.difference},
+          {"neighborThreshold", thresholds.neighbors}};
+}
+
 Json Describe(const Arguments& settings) {
   return {
       {"orientation", NameOf(settings.orientation)},
       {"consistent", settings.expectConsistentTranslations},
       {"threads", settings.threadCount},
       {"keepRepeats", settings.keepRepeats},
+      {"borders", settings.borders ? Describe(*settings.borders) : Json()},
+      {"memoryLimit", settings.memoryLimit ? Json(*settings.memoryLimit) : Json()},
+  };
+}
+
+Json Describe(const Borders& borders) {
+  const cv::Rect& box = borders.contentBox;
+  return {
+      {"contentBox",
+       {{"row", box.y}, {"column", box.x}, {"rows", box.height}, {"columns", box.width}}},
+      {"top", borders.top},
+      {"bottom", borders.bottom},
+      {"left", borders.left},
+      {"right", borders.right},
   };
 }
 
@@ -74,6 +93,7 @@ std::string ReportText(const Arguments& arguments, const ReportContent& content)
         {"width", content.resultSize.width},
         {"height", content.resultSize.height}}},
       {"settings", Describe(arguments)},
+      {"borders", content.borders ? Describe(*content.borders) : Json()},
       {"captures", DescribeAll(content.captures)},
       {"warnings", content.warnings},
       {"remarks", content.remarks},

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <opencv2/core.hpp>
 #include <velscroll/Arguments.h>
 #include <velscroll/CaptureOutcome.h>
+#include <velscroll/RecordedBorders.h>
 
 namespace ScrollingCapture::Program {
 
@@ -20,6 +22,7 @@ struct StageSeconds {
 /// All that the report tells.
 struct ReportContent {
   cv::Size resultSize;
+  std::optional<Borders> borders;
   std::vector<CaptureOutcome> captures;
   std::vector<std::string> warnings;  ///< the program's own
   std::vector<std::string> remarks;   ///< the library's

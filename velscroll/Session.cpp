@@ -4,69 +4,82 @@
 
 #include <velscroll/CaptureOutcome.h>
 #include <velscroll/CaptureSequence.h>
-#include <velscroll/Failure.h>
 #include <velscroll/InputFiles.h>
-#include <velscroll/Interruption.h>
-#include <velscroll/OutputFile.h>
 #include <velscroll/OutputFormat.h>
+#include <velscroll/Outputs.h>
 #include <velscroll/ProgressBar.h>
+#include <velscroll/RecordedBorders.h>
 #include <velscroll/Report.h>
 #include <velscroll/Session.h>
+#include <velscroll/SpillFolder.h>
 #include <velscroll/StageClock.h>
 #include <velscroll/StitchRun.h>
 
 #include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/preview/PreviewImage.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
+#include <VelScrollingCapture/storage/MemoryEfficientImageProvider.h>
 
 namespace ScrollingCapture::Program {
 namespace {
 
-/// The files that the session writes. They appear together, after everything has been written.
-class Outputs {
+/// The captures, and where they wait while they are not in memory.
+class CaptureStore {
  public:
-  explicit Outputs(const Arguments& arguments) : image(arguments.output) {
-    if (arguments.report.empty()) {
+  explicit CaptureStore(const Arguments& arguments) {
+    if (!arguments.memoryLimit) {
+      provider = std::make_unique<BasicImageProvider>();
       return;
     }
-    if (IsSameFile(arguments.output, arguments.report)) {
-      throw BadInput("the image and the report would both be written to " +
-                     Quoted(arguments.output) + "; choose two names");
-    }
-    report.emplace(arguments.report);
+    folder.emplace(arguments.spillFolder);
+    provider =
+        std::make_unique<MemoryEfficientImageProvider>(folder->Path(), *arguments.memoryLimit);
   }
 
-  void StageImage(const std::vector<unsigned char>& file) { image.Stage(file.data(), file.size()); }
+  IImageProvider& Captures() { return *provider; }
 
-  void StageReport(const std::string& text) { report->Stage(text.data(), text.size()); }
+ private:
+  // In this order: the provider deletes its files before the folder goes.
+  std::optional<SpillFolder> folder;
+  std::unique_ptr<IImageProvider> provider;
+};
 
-  bool WantsReport() const { return report.has_value(); }
-
-  void Commit() {
-    StopIfInterrupted();
-    image.Commit();
-    if (report) {
-      report->Commit();
+/// The stitcher that the arguments ask for, and what it found besides the image.
+class SessionStitcher {
+ public:
+  explicit SessionStitcher(const Arguments& arguments)
+      : stitcher(StitcherFactory::CreateBasicStitcher(
+            arguments.orientation, arguments.expectConsistentTranslations, arguments.threadCount)) {
+    if (arguments.borders) {
+      borderDetection = std::make_shared<RecordedBorders>(stitcher, arguments.borders->difference,
+                                                          arguments.borders->neighbors);
+      stitcher = borderDetection;
     }
+  }
+
+  IStitcher& Stitcher() { return *stitcher; }
+
+  std::optional<Borders> FoundBorders() const {
+    return borderDetection ? borderDetection->Found() : std::nullopt;
   }
 
  private:
-  OutputFile image;
-  std::optional<OutputFile> report;
+  std::shared_ptr<IStitcher> stitcher;
+  std::shared_ptr<RecordedBorders> borderDetection;
 };
 
-std::vector<std::string> OutputNames(const Arguments& arguments) {
-  std::vector<std::string> names = {arguments.output};
-  if (!arguments.report.empty()) {
-    names.push_back(arguments.report);
+/// A preview as a host shows it: its canvas begins at the size at which it is shown.
+std::optional<PreviewImage> MakePreview(const Arguments& arguments) {
+  constexpr int FirstRow = 1;
+  constexpr int FirstColumn = 0;
+  if (arguments.preview.empty()) {
+    return std::nullopt;
   }
-  return names;
+  return std::make_optional<PreviewImage>(arguments.previewSize, FirstRow, FirstColumn);
 }
 
-std::unique_ptr<IImageProvider> MakeProvider() { return std::make_unique<BasicImageProvider>(); }
-
-std::shared_ptr<IStitcher> MakeStitcher(const Arguments& arguments) {
-  return StitcherFactory::CreateBasicStitcher(
-      arguments.orientation, arguments.expectConsistentTranslations, arguments.threadCount);
+cv::Mat PictureOf(PreviewImage& preview, const cv::Size& box) {
+  return preview.GetPreview(box.width, box.height);
 }
 
 std::string CountOf(const std::vector<CaptureOutcome>& captures, CaptureOutcome::State state,
@@ -87,45 +100,52 @@ void PrintSummary(const Arguments& arguments, const ReportContent& content) {
             << content.resultSize.height << " pixels from " << captures.size()
             << (captures.size() == 1 ? " capture" : " captures")
             << CountOf(captures, CaptureOutcome::Repeated, " repeated")
-            << CountOf(captures, CaptureOutcome::LeftOut, " left out (not moved)") << "\n";
+            << CountOf(captures, CaptureOutcome::LeftOut, " left out (not moved)")
+            << (arguments.borders && !content.borders ? ", no borders found" : "") << "\n";
+}
+
+/// Reads, stitches and stages everything; only what the report tells outlives it.
+ReportContent StageEverything(const Arguments& arguments, Outputs& outputs,
+                              const std::vector<std::string>& files) {
+  ReportContent content;
+  ProgressBar progress(!arguments.quiet);
+  StageClock clock;
+  CaptureStore store(arguments);
+  IImageProvider& captures = store.Captures();
+  std::optional<PreviewImage> preview = MakePreview(arguments);
+  const std::vector<CaptureFile> read =
+      ReadCaptures(files, arguments.keepRepeats, captures, preview ? &*preview : nullptr, progress);
+  content.seconds.reading = clock.Lap();
+
+  SessionStitcher stitcher(arguments);
+  Stitched stitched = RunStitch(stitcher.Stitcher(), captures, progress);
+  content.seconds.detection = stitched.detectionSeconds;
+  content.seconds.composing = stitched.composingSeconds;
+  content.resultSize = stitched.image.size();
+  content.borders = stitcher.FoundBorders();
+  content.captures = DescribeCaptures(read, captures, stitched.translations);
+  content.warnings = WarningsAbout(content.captures);
+  content.remarks = stitched.remarks;
+  captures.Clear();
+
+  progress.Show("Writing", 0);
+  clock.Lap();
+  outputs.StageImage(stitched.image);
+  if (preview) {
+    outputs.StagePreview(PictureOf(*preview, arguments.previewSize));
+  }
+  content.seconds.writing = clock.Lap();
+  return content;
 }
 
 }  // namespace
 
 void RunSession(const Arguments& arguments) {
-  const OutputFormat& format = FormatOf(arguments.output);
   Outputs outputs(arguments);
-  const std::vector<std::string> files =
-      FindCaptureFiles(arguments.captures, OutputNames(arguments));
-
-  ReportContent content;
-  {
-    ProgressBar progress(!arguments.quiet);
-    StageClock clock;
-    const std::unique_ptr<IImageProvider> captures = MakeProvider();
-    const std::vector<CaptureFile> read =
-        ReadCaptures(files, arguments.keepRepeats, *captures, progress);
-    content.seconds.reading = clock.Lap();
-
-    Stitched stitched = RunStitch(*MakeStitcher(arguments), *captures, progress);
-    content.seconds.detection = stitched.detectionSeconds;
-    content.seconds.composing = stitched.composingSeconds;
-    content.resultSize = stitched.image.size();
-    content.captures = DescribeCaptures(read, *captures, stitched.translations);
-    content.warnings = WarningsAbout(content.captures);
-    content.remarks = stitched.remarks;
-    captures->Clear();
-
-    progress.Show("Writing", 0);
-    clock.Lap();
-    RequireFits(format, content.resultSize, arguments.output);
-    outputs.StageImage(Encode(format, stitched.image, arguments.output));
-    content.seconds.writing = clock.Lap();
-    if (outputs.WantsReport()) {
-      outputs.StageReport(ReportText(arguments, content));
-    }
-    outputs.Commit();
-  }
+  const std::vector<std::string> files = FindCaptureFiles(arguments.captures, outputs.Names());
+  const ReportContent content = StageEverything(arguments, outputs, files);
+  outputs.StageReport(ReportText(arguments, content));
+  outputs.Commit();
   if (!arguments.quiet) {
     PrintSummary(arguments, content);
   }

@@ -69,8 +69,12 @@ Stitched RunStitch(IStitcher& stitcher, IImageProvider& captures, ProgressBar& p
   bool success = false;
   {
     StreamHold standardError(std::cerr);
+    StreamHold standardOutput(std::cout);
     success = stitcher.Stitch(captures, stitched.image, &listener, 0, 100, false);
     stitched.remarks = standardError.Lines();
+    for (const std::string& line : standardOutput.Lines()) {
+      stitched.remarks.push_back(line);
+    }
   }
   if (!success) {
     ExplainFailure(listener, stitched.remarks);

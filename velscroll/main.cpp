@@ -13,6 +13,7 @@
 #include <velscroll/Interruption.h>
 #include <velscroll/ProgressBar.h>
 #include <velscroll/Session.h>
+#include <velscroll/SpillFolder.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -50,6 +51,7 @@ Failure Explain(const std::exception_ptr& exception) {
 /// by then.
 [[noreturn]] void EndAfterWorkerFailure() {
   ClearProgressLine();
+  SpillFolder::RemoveCurrent();
   const std::exception_ptr exception = std::current_exception();
   if (exception != nullptr) {
     std::_Exit(Complain(Explain(exception)));
