@@ -234,7 +234,7 @@ bool BasicBorderDetection::FindBottomAndRightContentBoundary(cv::Mat& difference
 }
 
 bool BasicBorderDetection::CheckNearestNeighbors(const cv::Mat& difference, int row, int column,
-                                                 bool& isContent) {
+                                                 bool& isContent) const {
   if (difference.rows < 2 || difference.cols < 2) {
     std::cerr << "Error: Image too small to remove border." << std::endl;
     return false;
@@ -268,7 +268,7 @@ bool BasicBorderDetection::HasBorder() const {
          !bottomBorder->empty();
 }
 
-bool BasicBorderDetection::ConfirmContent(const cv::Mat& difference, int row, int column) {
+bool BasicBorderDetection::ConfirmContent(const cv::Mat& difference, int row, int column) const {
   bool isContent = false;
   if (!CheckNearestNeighbors(difference, row, column, isContent)) {
     std::cerr << "Error: Nearest neighbor detection failed." << std::endl;

@@ -110,7 +110,7 @@ class VEL_EXPORT BasicBorderDetection : public BorderDetection {
   /// @param column     of a pixel of the image
   /// @param isContent  receives the answer
   /// @return false when the image has fewer than two rows or columns; `isContent` is then untouched
-  bool CheckNearestNeighbors(const cv::Mat& difference, int row, int column, bool& isContent);
+  bool CheckNearestNeighbors(const cv::Mat& difference, int row, int column, bool& isContent) const;
 
   /// Finds the size of the frame that has room for the content and the kept borders.
   /// @param contentSize the size of the stitched content
@@ -132,7 +132,7 @@ class VEL_EXPORT BasicBorderDetection : public BorderDetection {
   bool HasBorder() const;
 
   /// @return false, with a line on the standard error stream, when neighbours cannot be counted
-  bool ConfirmContent(const cv::Mat& difference, int row, int column);
+  bool ConfirmContent(const cv::Mat& difference, int row, int column) const;
 };
 
 }  // namespace ScrollingCapture

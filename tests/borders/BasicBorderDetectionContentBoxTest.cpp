@@ -11,7 +11,6 @@
 namespace ScrollingCapture {
 namespace {
 
-using Testing::AddWithChange;
 using Testing::CapturesThatChange;
 using Testing::GreyCapture;
 using Testing::OpenBorderDetection;

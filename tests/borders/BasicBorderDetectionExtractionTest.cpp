@@ -13,7 +13,6 @@ namespace ScrollingCapture {
 namespace {
 
 using Testing::AddWithChange;
-using Testing::CapturesThatChange;
 using Testing::NoiseCapture;
 using Testing::OpenBorderDetection;
 using Testing::SameBits;

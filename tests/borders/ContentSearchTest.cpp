@@ -94,7 +94,7 @@ TEST_P(ContentSearchInSize, FindsWhatThePixelByPixelSearchFinds) {
         OneOf<unsigned int>(random, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, noLimit});
     const cv::Range rows = RandomRange(difference.rows, random);
     const cv::Range columns = RandomRange(difference.cols, random);
-    const ReferenceContentBox reference{differenceThreshold, neighborThreshold};
+    const ReferenceContentBox reference(differenceThreshold, neighborThreshold);
     OpenBorderDetection detection(differenceThreshold, neighborThreshold);
     SCOPED_TRACE(testing::Message() << "pattern " << pattern << ", thresholds "
                                     << differenceThreshold << " and " << neighborThreshold);
@@ -132,8 +132,8 @@ TEST_P(ContentSearchInSize, CountsTheNeighboursThatThePixelByPixelSearchCounts) 
     const auto neighborThreshold = static_cast<unsigned int>(random.uniform(0, 10));
     bool expected = false;
     bool isContent = false;
-    const bool checked = ReferenceContentBox{100, neighborThreshold}.CheckNearestNeighbors(
-        difference, row, column, expected);
+    const bool checked = ReferenceContentBox(100, neighborThreshold)
+                             .CheckNearestNeighbors(difference, row, column, expected);
     EXPECT_EQ(OpenBorderDetection(100, neighborThreshold)
                   .CheckNearestNeighbors(difference, row, column, isContent),
               checked);

@@ -19,19 +19,15 @@ bool ReferenceContentBox::FindTopAndLeftContentBoundary(const cv::Mat& differenc
         break;
       }
       bool isContent = false;
-      if (difference.at<uchar>(r, c) > differenceThreshold &&
-          !CheckNearestNeighbors(difference, r, c, isContent)) {
-        std::cerr << "Error: Nearest neighbor detection failed." << std::endl;
+      if (!CheckPixel(difference, r, c, isContent)) {
         return false;
       }
-      if (isContent) {
-        if (!topSettled && r < rows.start) {
-          rows.start = r;
-          topSettled = true;
-        }
-        if (c < columns.start) {
-          columns.start = c;
-        }
+      if (isContent && !topSettled && r < rows.start) {
+        rows.start = r;
+        topSettled = true;
+      }
+      if (isContent && c < columns.start) {
+        columns.start = c;
       }
     }
   }
@@ -54,23 +50,31 @@ bool ReferenceContentBox::FindBottomAndRightContentBoundary(const cv::Mat& diffe
         break;
       }
       bool isContent = false;
-      if (difference.at<uchar>(r, c) > differenceThreshold &&
-          !CheckNearestNeighbors(difference, r, c, isContent)) {
-        std::cerr << "Error: Nearest neighbor detection failed." << std::endl;
+      if (!CheckPixel(difference, r, c, isContent)) {
         return false;
       }
-      if (isContent) {
-        if (!bottomSettled && r > rows.end) {
-          rows.end = r + 1;
-          bottomSettled = true;
-        }
-        if (c > columns.end) {
-          columns.end = c + 1;
-        }
+      if (isContent && !bottomSettled && r > rows.end) {
+        rows.end = r + 1;
+        bottomSettled = true;
+      }
+      if (isContent && c > columns.end) {
+        columns.end = c + 1;
       }
     }
   }
   return bottomSettled;
+}
+
+bool ReferenceContentBox::CheckPixel(const cv::Mat& difference, int row, int column,
+                                     bool& isContent) const {
+  if (difference.at<uchar>(row, column) <= differenceThreshold) {
+    return true;
+  }
+  const bool checked = CheckNearestNeighbors(difference, row, column, isContent);
+  if (!checked) {
+    std::cerr << "Error: Nearest neighbor detection failed." << std::endl;
+  }
+  return checked;
 }
 
 bool ReferenceContentBox::CheckNearestNeighbors(const cv::Mat& difference, int row, int column,

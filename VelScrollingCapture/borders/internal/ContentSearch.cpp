@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <iterator>
 
 #include <VelScrollingCapture/borders/internal/ContentSearch.h>
 
@@ -26,7 +25,7 @@ class Block {
     const int length = columns.size();
     uchar anyMark = 0;
     for (int i = 0; i < length; ++i) {
-      const uchar changed = static_cast<uchar>(counts[i] + counts[i + 1] + counts[i + 2]);
+      const auto changed = static_cast<uchar>(counts[i] + counts[i + 1] + counts[i + 2]);
       const uchar isChanged = pixels[i] > threshold ? 1 : 0;
       const uchar isSurrounded = changed > changedAround ? 1 : 0;
       marks[i] = isChanged & isSurrounded;
@@ -37,15 +36,22 @@ class Block {
 
   bool HasContent() const { return any != 0; }
 
+  /// The first content column; call it only when there is content.
   int First() const {
-    return columns.start +
-           static_cast<int>(std::find(marks.begin(), marks.end(), 1) - marks.begin());
+    int i = 0;
+    while (marks[i] == 0) {
+      ++i;
+    }
+    return columns.start + i;
   }
 
+  /// The last one; call it only when there is content.
   int Last() const {
-    const auto behindLast = marks.begin() + columns.size();
-    const auto last = std::find(std::make_reverse_iterator(behindLast), marks.rend(), 1);
-    return columns.start + static_cast<int>(last.base() - marks.begin()) - 1;
+    int i = columns.size() - 1;
+    while (marks[i] == 0) {
+      --i;
+    }
+    return columns.start + i;
   }
 
  private:
