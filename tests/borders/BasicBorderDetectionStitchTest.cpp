@@ -11,10 +11,12 @@
 #include <VelScrollingCapture/core/BasicStitcher.h>
 #include <VelScrollingCapture/core/StitcherFactory.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
+#include <VelScrollingCapture/storage/MemoryEfficientImageProvider.h>
 
 #include "../support/MatrixTesting.h"
 #include "../support/RecordingListener.h"
 #include "../support/StreamCapture.h"
+#include "../support/TemporaryFolder.h"
 
 namespace ScrollingCapture {
 namespace {
@@ -26,6 +28,7 @@ using Testing::RecordingListener;
 using Testing::SameBits;
 using testing::SizeIs;
 using Testing::StreamCapture;
+using Testing::TemporaryFolder;
 
 constexpr unsigned int DifferenceThreshold = 10;
 constexpr unsigned int NeighborThreshold = 2;
@@ -97,7 +100,7 @@ struct ScrolledWindow {
 
 struct Storage {
   const char* name;
-  std::function<std::shared_ptr<IImageProvider>()> make;
+  std::function<std::shared_ptr<IImageProvider>(const std::string& folder)> make;
 };
 
 class BorderDetectingStitch : public testing::TestWithParam<Storage> {
@@ -115,7 +118,8 @@ class BorderDetectingStitch : public testing::TestWithParam<Storage> {
     EXPECT_TRUE(SameBits(result, window.BorderedPage()));
   }
 
-  std::shared_ptr<IImageProvider> provider = GetParam().make();
+  const TemporaryFolder folder;
+  std::shared_ptr<IImageProvider> provider = GetParam().make(folder.Prefix());
   cv::Mat result;
 };
 
@@ -220,9 +224,18 @@ std::string NameOfStorage(const testing::TestParamInfo<Storage>& storage) {
   return storage.param.name;
 }
 
+std::shared_ptr<IImageProvider> KeepInMemory(const std::string& /*folder*/) {
+  return std::make_shared<BasicImageProvider>();
+}
+
+/// Keeps two captures at most in memory.
+std::shared_ptr<IImageProvider> SpillToFiles(const std::string& folder) {
+  return std::make_shared<MemoryEfficientImageProvider>(folder, 1);
+}
+
 INSTANTIATE_TEST_SUITE_P(Storages, BorderDetectingStitch,
-                         testing::Values(Storage{
-                             "InMemory", [] { return std::make_shared<BasicImageProvider>(); }}),
+                         testing::Values(Storage{"InMemory", KeepInMemory},
+                                         Storage{"SpilledToFiles", SpillToFiles}),
                          NameOfStorage);
 
 TEST(BorderDetectingStitcher, LaysABorderOfAnEarlierSequenceAround) {
