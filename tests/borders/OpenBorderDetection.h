@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>

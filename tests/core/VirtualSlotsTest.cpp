@@ -1,5 +1,3 @@
-#include <cstddef>
-#include <cstring>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -7,18 +5,12 @@
 
 #include <VelScrollingCapture/ScrollingCapture.h>
 
+#include "../support/VirtualSlots.h"
+
 namespace ScrollingCapture {
 namespace {
 
-/// The slot of a virtual operation in its class's table, as the Itanium C++ ABI keeps it in a
-/// pointer to member function: one plus the offset in bytes.
-template <typename Operation>
-size_t SlotOf(Operation operation) {
-  std::ptrdiff_t pointer = 0;
-  static_assert(sizeof(operation) >= sizeof(pointer));
-  std::memcpy(&pointer, &operation, sizeof(pointer));
-  return static_cast<size_t>(pointer - 1) / sizeof(void*);
-}
+using Testing::SlotOf;
 
 using PairDetection = Translation (ITranslationDetector::*)(const cv::Mat&, const cv::Mat&);
 using SequenceDetectionOperation = std::vector<Translation> (ITranslationDetector::*)(
