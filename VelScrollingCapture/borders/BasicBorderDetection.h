@@ -120,13 +120,13 @@ class VEL_EXPORT BasicBorderDetection : public BorderDetection {
   void CalculateFinalImageSize(const cv::Size& contentSize, cv::Size& finalSize, cv::Range& rows,
                                cv::Range& columns);
 
-  std::uint32_t differenceThreshold;
-  std::uint32_t neighborThreshold;
+  std::uint32_t differenceThreshold;  ///< What a changed pixel exceeds.
+  std::uint32_t neighborThreshold;    ///< What the changed neighbours of content exceed.
   // Never null; empty until the border is found.
-  std::shared_ptr<cv::Mat> topBorder;
-  std::shared_ptr<cv::Mat> bottomBorder;
-  std::shared_ptr<cv::Mat> leftBorder;
-  std::shared_ptr<cv::Mat> rightBorder;
+  std::shared_ptr<cv::Mat> topBorder;     ///< Rows above the content box.
+  std::shared_ptr<cv::Mat> bottomBorder;  ///< Rows below it.
+  std::shared_ptr<cv::Mat> leftBorder;    ///< Columns left of it.
+  std::shared_ptr<cv::Mat> rightBorder;   ///< Columns right of it.
 
  private:
   bool HasBorder() const;
