@@ -1,9 +1,11 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 
 #include <velscroll/CaptureOutcome.h>
 #include <velscroll/CaptureSequence.h>
+#include <velscroll/Failure.h>
 #include <velscroll/InputFiles.h>
 #include <velscroll/OutputFormat.h>
 #include <velscroll/Outputs.h>
@@ -23,6 +25,22 @@
 namespace ScrollingCapture::Program {
 namespace {
 
+/// Says what a capture that cannot be read back means to the user.
+class SpilledCaptures : public MemoryEfficientImageProvider {
+ public:
+  using MemoryEfficientImageProvider::MemoryEfficientImageProvider;
+
+  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
+    try {
+      return MemoryEfficientImageProvider::GetImageAt(index);
+    } catch (const std::runtime_error&) {
+      throw Failed("a capture that was spilled to " + Quoted(GetFolderPath()) +
+                   " cannot be read back; leave that folder alone, or choose another with "
+                   "--spill-folder");
+    }
+  }
+};
+
 /// The captures, and where they wait while they are not in memory.
 class CaptureStore {
  public:
@@ -32,8 +50,7 @@ class CaptureStore {
       return;
     }
     folder.emplace(arguments.spillFolder);
-    provider =
-        std::make_unique<MemoryEfficientImageProvider>(folder->Path(), *arguments.memoryLimit);
+    provider = std::make_unique<SpilledCaptures>(folder->Path(), *arguments.memoryLimit);
   }
 
   IImageProvider& Captures() { return *provider; }

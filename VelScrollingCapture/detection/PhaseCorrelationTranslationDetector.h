@@ -47,7 +47,8 @@ class VEL_EXPORT PhaseCorrelationTranslationDetector : public ITranslationDetect
   /// and once more from the calling thread with progressEnd. A false answer stops the detection;
   /// StitchingError(Cancelled, false) then follows from the calling thread. Pairs go through the
   /// virtual pairwise operations of this object. Fewer than two captures are refused with a
-  /// message; std::system_error passes through when a thread cannot be started.
+  /// message; std::system_error passes through when a thread cannot be started, and so does what
+  /// the provider throws.
   std::vector<Translation> DetectTranslation(IImageProvider& images, IStitcherListener* listener,
                                              int progressStart, int progressEnd) override;
 

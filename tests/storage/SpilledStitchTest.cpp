@@ -82,6 +82,22 @@ INSTANTIATE_TEST_SUITE_P(Limits, SpilledStitchTest,
                            return "RoomFor" + std::to_string(param.param / CaptureBytes);
                          });
 
+TEST_F(SpilledStitchTest, ThrowsOnTheCallersThreadWhenASpillFileIsGone) {
+  MemoryEfficientImageProvider spilled(folder.Prefix(), 0);
+  AddCopies(spilled, captures);
+  for (const std::string& path : folder.Contents()) {
+    std::filesystem::remove(path);
+  }
+  cv::Mat result;
+  try {
+    stitcher->Stitch(spilled, result, nullptr, 0, 100, false);
+    FAIL() << "the lost captures went unnoticed";
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "Could not open or read file.");
+  }
+  EXPECT_TRUE(result.empty());
+}
+
 TEST_F(SpilledStitchTest, CutsNoSeamsIntoSpillFiles) {
   MemoryEfficientImageProvider spilled(folder.Prefix(), 0);
   AddCopies(spilled, captures);

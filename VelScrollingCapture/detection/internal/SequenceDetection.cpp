@@ -48,6 +48,9 @@ std::vector<Translation> SequenceDetection::Run() {
   progress = static_cast<float>(settings.progressStart);
 
   Dispatch();
+  if (providerFailure) {
+    std::rethrow_exception(providerFailure);
+  }
 
   if (!cancelled) {
     if (settings.expectConsistentTranslations) {
@@ -77,28 +80,46 @@ void SequenceDetection::Dispatch() {
 bool SequenceDetection::StartNextWorker() {
   std::unique_lock<std::mutex> lock(mutex);
   slotFreed.wait(lock, [this] { return running < settings.threadCount; });
-  workers.emplace_back(&SequenceDetection::DetectPair, this, pending.front());
+  workers.emplace_back(&SequenceDetection::RunWorker, this, pending.front());
   pending.pop_front();
   ++running;
-  return !cancelled;
+  return !cancelled && !providerFailure;
 }
 
-void SequenceDetection::DetectPair(unsigned int laterCapture) {
-  const size_t pair = laterCapture - 1;
+void SequenceDetection::RunWorker(unsigned int laterCapture) {
   {
-    const std::shared_ptr<cv::Mat> earlier = images.GetImageAt(laterCapture - 1);
-    const std::shared_ptr<cv::Mat> later = images.GetImageAt(laterCapture);
-    result[pair] =
-        settings.expectConsistentTranslations
-            ? detector.DetectTranslationWithAlternative(*earlier, *later, alternatives[pair])
-            : detector.DetectTranslation(*earlier, *later);
+    CapturePair captures;
+    if (FetchPair(laterCapture, captures)) {
+      DetectPair(laterCapture - 1, captures);
+    }
   }
   FinishPair();
 }
 
+/// A capture that cannot be had, such as one whose spill file is gone, is no reason to end the
+/// process: the failure is kept for the caller.
+bool SequenceDetection::FetchPair(unsigned int laterCapture, CapturePair& captures) {
+  try {
+    captures.earlier = images.GetImageAt(laterCapture - 1);
+    captures.later = images.GetImageAt(laterCapture);
+    return true;
+  } catch (...) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    providerFailure = std::current_exception();
+    return false;
+  }
+}
+
+void SequenceDetection::DetectPair(size_t pair, const CapturePair& captures) {
+  result[pair] = settings.expectConsistentTranslations
+                     ? detector.DetectTranslationWithAlternative(*captures.earlier, *captures.later,
+                                                                 alternatives[pair])
+                     : detector.DetectTranslation(*captures.earlier, *captures.later);
+}
+
 void SequenceDetection::FinishPair() {
   const std::lock_guard<std::mutex> lock(mutex);
-  if (listener != nullptr && !cancelled) {
+  if (listener != nullptr && !cancelled && !providerFailure) {
     progress += progressStep;
     cancelled = !listener->ProgressCallback(static_cast<int>(progress));
   }

@@ -3,9 +3,13 @@
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
+#include <exception>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
+
+#include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/core/IImageProvider.h>
 #include <VelScrollingCapture/core/IStitcherListener.h>
@@ -33,13 +37,23 @@ class SequenceDetection {
                     IStitcherListener* listener, const Settings& settings);
 
   /// Detects the translations; call it once.
+  ///
+  /// What the provider throws on a worker is thrown here once all workers have ended; no further
+  /// pair is started then. What a pairwise detection throws ends the process.
   /// @return one element a pair; empty when there are fewer than two captures, or when cancelled
   std::vector<Translation> Run();
 
  private:
+  struct CapturePair {
+    std::shared_ptr<cv::Mat> earlier;
+    std::shared_ptr<cv::Mat> later;
+  };
+
   void Dispatch();
   bool StartNextWorker();
-  void DetectPair(unsigned int laterCapture);
+  void RunWorker(unsigned int laterCapture);
+  bool FetchPair(unsigned int laterCapture, CapturePair& captures);
+  void DetectPair(size_t pair, const CapturePair& captures);
   void FinishPair();
   void PreferRepeatedTranslations();
 
@@ -58,6 +72,7 @@ class SequenceDetection {
   float progress = 0;
   float progressStep = 0;
   bool cancelled = false;
+  std::exception_ptr providerFailure;
 };
 
 }  // namespace ScrollingCapture
