@@ -81,11 +81,17 @@ TEST(FindContent, TakesLaterCapturesThatAreTheSame) {
 }
 
 TEST(FindContent, ComparesOnlyConsecutiveCaptures) {
-  // The third capture equals the first again, but differs from the second.
-  const Found result =
-      FindContentIn(CapturesThatChange({20, 20}, {{5, 6, 9, 8}, {5, 6, 9, 8}, {2, 2, 3, 3}}));
-  EXPECT_EQ(result.rows, cv::Range(2, 14));
-  EXPECT_EQ(result.columns, cv::Range(2, 14));
+  // A corner that brightens slowly: too little from capture to capture, enough since the first.
+  BasicImageProvider captures = CapturesThatChange({20, 20}, {{5, 6, 9, 8}});
+  for (const int grey : {8, 16, 24}) {
+    cv::Mat capture = captures.GetLastImage()->clone();
+    capture(cv::Rect(0, 0, 4, 4)).setTo(cv::Scalar(grey, grey, grey, 255));
+    captures.Add(capture);
+  }
+  const Found result = FindContentIn(captures, AnyNeighbor, 10);
+  EXPECT_TRUE(result.found);
+  EXPECT_EQ(result.rows, cv::Range(6, 14));
+  EXPECT_EQ(result.columns, cv::Range(5, 14));
 }
 
 TEST(FindContent, OverlooksAnIsolatedChange) {
