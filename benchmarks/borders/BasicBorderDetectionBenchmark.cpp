@@ -89,23 +89,20 @@ void BM_FindContent(benchmark::State& state, Change changes, unsigned int neighb
   state.counters["ratio"] = searchSeconds / differenceSeconds;
 }
 
-#define VEL_FIND_CONTENT(changes, neighborThreshold)                     \
-  BENCHMARK_CAPTURE(BM_FindContent, changes, changes, neighborThreshold) \
-      ->UseManualTime()                                                  \
-      ->Unit(benchmark::kMillisecond)
+void Settings(benchmark::internal::Benchmark* benchmark) {
+  benchmark->UseManualTime()->Unit(benchmark::kMillisecond);
+}
 
-VEL_FIND_CONTENT(Nothing, 2);
-VEL_FIND_CONTENT(Everything, 2);
-VEL_FIND_CONTENT(PageBelowToolbar, 2);
-VEL_FIND_CONTENT(IsolatedPixels, 2);
-VEL_FIND_CONTENT(ChequeredBoard, 4);
-VEL_FIND_CONTENT(LastCorner, 2);
-VEL_FIND_CONTENT(FirstCorner, 2);
-VEL_FIND_CONTENT(Diagonal, 1);
-VEL_FIND_CONTENT(OtherDiagonal, 1);
-BENCHMARK_CAPTURE(BM_FindContent, EverythingButNoContent, Everything, 8)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_FindContent, Nothing, Nothing, 2)->Apply(Settings);
+BENCHMARK_CAPTURE(BM_FindContent, Everything, Everything, 2)->Apply(Settings);
+BENCHMARK_CAPTURE(BM_FindContent, PageBelowToolbar, PageBelowToolbar, 2)->Apply(Settings);
+BENCHMARK_CAPTURE(BM_FindContent, IsolatedPixels, IsolatedPixels, 2)->Apply(Settings);
+BENCHMARK_CAPTURE(BM_FindContent, ChequeredBoard, ChequeredBoard, 4)->Apply(Settings);
+BENCHMARK_CAPTURE(BM_FindContent, LastCorner, LastCorner, 2)->Apply(Settings);
+BENCHMARK_CAPTURE(BM_FindContent, FirstCorner, FirstCorner, 2)->Apply(Settings);
+BENCHMARK_CAPTURE(BM_FindContent, Diagonal, Diagonal, 1)->Apply(Settings);
+BENCHMARK_CAPTURE(BM_FindContent, OtherDiagonal, OtherDiagonal, 1)->Apply(Settings);
+BENCHMARK_CAPTURE(BM_FindContent, EverythingButNoContent, Everything, 8)->Apply(Settings);
 
 }  // namespace
 }  // namespace ScrollingCapture
