@@ -1,6 +1,7 @@
 // Tells whether two image files show the same: same_pixels FIRST SECOND
 // Exit status 0 when they do, 1 when they differ, 2 when one cannot be read.
 #include <iostream>
+
 #include <opencv2/core.hpp>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>

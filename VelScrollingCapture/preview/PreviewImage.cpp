@@ -65,6 +65,23 @@ cv::Mat Grown(const cv::Mat& canvas, const AxisGrowth& rows, const AxisGrowth& c
   return grown;
 }
 
+/// The canvas with further rows at its end. Most pages grow this way, capture after capture: room
+/// is made for more rows than are asked for, so that the canvas is not copied for each of them.
+cv::Mat GrownDown(const cv::Mat& canvas, int rows) {
+  cv::Size allocated;
+  cv::Point origin;
+  canvas.locateROI(allocated, origin);
+  cv::Mat grown = canvas;
+  if (rows > allocated.height) {
+    cv::Mat roomy(Narrowed(std::int64_t{rows} * 3 / 2), canvas.cols, CV_8UC4);
+    grown = roomy.rowRange(0, canvas.rows);
+    canvas.copyTo(grown);
+  }
+  grown.adjustROI(0, rows - canvas.rows, 0, 0);
+  grown.rowRange(canvas.rows, rows) = PreviewBackground;
+  return grown;
+}
+
 /// `size` scaled down to fit into a box. Each step works on the whole pixels of the one before.
 cv::Size FittedSize(const cv::Size& size, int maxWidth, int maxHeight) {
   cv::Size fitted = size;
@@ -139,7 +156,9 @@ int PreviewImage::UpdatePreview(cv::Mat& capture, cv::Rect placement,
     placement.y = 0;
     this->placement->y = 0;
   }
-  if (rows.grows || columns.grows) {
+  if (rows.grows && rows.shift == 0 && !columns.grows) {
+    *preview = GrownDown(*preview, Narrowed(rows.length));
+  } else if (rows.grows || columns.grows) {
     *preview = Grown(*preview, rows, columns);
   }
   if (lastCapture) {

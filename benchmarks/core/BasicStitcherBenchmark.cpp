@@ -52,8 +52,8 @@ void BM_CopyTheirResult(benchmark::State& state) {
   }
 }
 
-BENCHMARK(BM_ComposeFiftyCaptures)->Apply(Steps);
-BENCHMARK(BM_CopyTheirResult)->Apply(Steps);
+BENCHMARK(BM_CopyTheirResult)->Name("BM_ComposeFiftyCaptures/reference")->Apply(Steps);
+BENCHMARK(BM_ComposeFiftyCaptures)->Name("BM_ComposeFiftyCaptures/library")->Apply(Steps);
 
 }  // namespace
 }  // namespace ScrollingCapture

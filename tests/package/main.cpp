@@ -17,8 +17,7 @@ int main() {
     return EXIT_FAILURE;
   }
   const cv::Mat stitched = adapter.getResult();
-  const bool same =
-      stitched.size() == page.size() && cv::norm(stitched, page, cv::NORM_INF) == 0.0;
+  const bool same = stitched.size() == page.size() && cv::norm(stitched, page, cv::NORM_INF) == 0.0;
   std::cout << "stitched " << stitched.size() << (same ? " as drawn" : " wrongly") << "\n";
   return same ? EXIT_SUCCESS : EXIT_FAILURE;
 }
