@@ -101,18 +101,18 @@ class CommandLine {
  public:
   CommandLine() {
     app.option_defaults()->take_last();
-    app.add_option("captures", arguments.captures,
+    app.add_option("CAPTURE", arguments.captures,
                    "Captures in scroll order: image files, folders of them, globs")
-        ->type_name("CAPTURE...")
+        ->type_name("")
         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
     app.add_option("-o,--output", arguments.output, "The stitched image to write")
         ->type_name("FILE");
     app.add_option("--orientation", orientation,
-                   "The directions in which the content scrolled: vertical, horizontal or both")
+                   "The directions in which the content scrolled:\nvertical, horizontal or both")
         ->type_name("WHICH")
         ->capture_default_str();
     app.add_flag("--consistent", arguments.expectConsistentTranslations,
-                 "Expect steps of equal length: where two motions are about equally likely, take "
+                 "Expect steps of equal length: of two likely motions, take\n"
                  "the one that repeats the step before");
     app.add_option("--threads", threads, "The most threads that work at once")
         ->type_name("N")
@@ -122,8 +122,9 @@ class CommandLine {
     AddBorderOptions();
     AddMemoryOptions();
     AddPreviewOptions();
-    app.add_option("--report", arguments.report,
-                   "Write what was found to a JSON file: motion and place of every capture")
+    app.add_option(
+           "--report", arguments.report,
+           "Write what was found to a JSON file: motion and place of\nevery capture, and more")
         ->type_name("FILE");
     app.add_flag("-q,--quiet", arguments.quiet, "Print nothing but errors");
     app.set_version_flag("--version", std::string("velscroll ") + VELSCROLL_VERSION,
@@ -160,7 +161,7 @@ class CommandLine {
           ParseNumber("--difference-threshold", differenceThreshold, 0, LargestDifference),
           ParseNumber("--neighbor-threshold", neighborThreshold, 0, MostNeighbors)};
     }
-    if (!memoryLimit.empty()) {
+    if (memoryLimitOption->count() > 0) {
       arguments.memoryLimit = ParseMemorySize(memoryLimit);
     }
     arguments.previewSize = ParsePreviewSize(previewSize);
@@ -169,34 +170,36 @@ class CommandLine {
 
  private:
   void AddBorderOptions() {
-    CLI::Option* const switchOn =
-        app.add_flag("--borders", borders,
-                     "Find toolbars and other borders that stay put, stitch what scrolls between "
-                     "them, and lay them around it once");
+    CLI::Option* const switchOn = app.add_flag(
+        "--borders", borders,
+        "Find toolbars and other borders that stay put, stitch\nwhat scrolls between them, "
+        "and lay them around it once;\nblank margins of a page count as borders too");
     app.add_option("--difference-threshold", differenceThreshold,
-                   "The grey-level difference, 0 to 255, that a pixel must exceed to count as "
-                   "changed from one capture to the next")
+                   "The grey-level difference, 0 to 255, above which a pixel\nhas changed from one "
+                   "capture to the next")
         ->type_name("N")
         ->capture_default_str()
         ->needs(switchOn);
-    app.add_option("--neighbor-threshold", neighborThreshold,
-                   "How many of the 8 pixels around a changed pixel, 0 to 8, must be exceeded by "
-                   "changed ones for it to count as content and not as noise; with 8 nothing does")
+    app.add_option(
+           "--neighbor-threshold", neighborThreshold,
+           "The number of changed pixels, 0 to 8, around a changed\npixel above which it is "
+           "content and not noise")
         ->type_name("N")
         ->capture_default_str()
         ->needs(switchOn);
   }
 
   void AddMemoryOptions() {
-    CLI::Option* const limit =
-        app.add_option("--memory-limit", memoryLimit,
-                       "Keep no more captures in memory than this, such as 200MiB or 1G; the "
-                       "others wait in files")
+    memoryLimitOption =
+        app.add_option(
+               "--memory-limit", memoryLimit,
+               "Keep no more captures in memory than this, such as\n200MiB or 1G; the others "
+               "wait in files")
             ->type_name("SIZE");
     app.add_option("--spill-folder", arguments.spillFolder,
-                   "The folder for those files; without it the system's temporary folder")
+                   "Where those files go; the system's temporary folder\nunless given")
         ->type_name("DIR")
-        ->needs(limit);
+        ->needs(memoryLimitOption);
   }
 
   void AddPreviewOptions() {
@@ -219,6 +222,7 @@ class CommandLine {
   std::string differenceThreshold = "10";
   std::string neighborThreshold = "2";
   std::string memoryLimit;
+  CLI::Option* memoryLimitOption = nullptr;
   std::string previewSize = "250x250";
   std::string threads = std::to_string(DefaultThreadCount());
 };

@@ -138,8 +138,8 @@ bool IsSameFile(const std::string& first, const std::string& second) {
   if (fs::equivalent(first, second, error) && !error) {
     return true;
   }
-  const fs::path firstPath = fs::weakly_canonical(first, error);
-  return !error && firstPath == fs::weakly_canonical(second, error) && !error;
+  const fs::path firstPath = fs::weakly_canonical(fs::absolute(first, error), error);
+  return !error && firstPath == fs::weakly_canonical(fs::absolute(second, error), error) && !error;
 }
 
 }  // namespace ScrollingCapture::Program

@@ -4,6 +4,7 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 
 #include <opencv2/core.hpp>
@@ -41,6 +42,10 @@ Failure Explain(const std::exception_ptr& exception) {
     return error.code == cv::Error::StsNoMem
                ? NotEnoughMemory()
                : Failed("unexpected failure in image processing: " + error.err);
+  } catch (const std::system_error& error) {
+    return error.code() == std::errc::resource_unavailable_try_again
+               ? Failed("the system allows no further thread; stitch fewer captures at a time")
+               : Failed(std::string("unexpected failure: ") + error.what());
   } catch (const std::exception& error) {
     return Failed(std::string("unexpected failure: ") + error.what());
   }

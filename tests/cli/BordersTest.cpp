@@ -1,0 +1,113 @@
+#include <gmock/gmock.h>
+
+#include "ProgramTest.h"
+
+namespace ScrollingCapture {
+namespace {
+
+using nlohmann::json;
+using ::testing::HasSubstr;
+
+constexpr int Toolbar = 12;
+constexpr int StatusBar = 8;
+
+class Borders : public Testing::ProgramTest {
+ protected:
+  /// Captures of the page between a toolbar and a status bar that stay put.
+  void WriteBorderedScroll() const {
+    for (int i = 0; i < 3; ++i) {
+      cv::Mat capture(Testing::CaptureSize, CV_8UC3, cv::Scalar(40, 90, 140));
+      const cv::Range content(Toolbar, capture.rows - StatusBar);
+      page(cv::Rect(0, 20 * i, capture.cols, content.size())).copyTo(capture.rowRange(content));
+      WriteImage("capture-" + std::to_string(i) + ".png", capture);
+    }
+  }
+
+  static json Bars() {
+    return {{"contentBox", {{"row", Toolbar}, {"column", 0}, {"rows", 60}, {"columns", 96}}},
+            {"top", Toolbar},
+            {"bottom", StatusBar},
+            {"left", 0},
+            {"right", 0}};
+  }
+};
+
+TEST_F(Borders, AreLaidOnceAroundWhatScrolls) {
+  WriteBorderedScroll();
+  const auto result = Run({"capture-*.png", "-o", "page.png", "--borders"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.standardError, "");
+  const cv::Mat image = ReadImage("page.png");
+  ASSERT_EQ(image.size(), cv::Size(96, 120));
+  cv::Mat shown;
+  cv::extractChannel(image.rowRange(Toolbar, 112), shown, 1);
+  cv::Mat expected;
+  cv::extractChannel(page(cv::Rect(0, 0, 96, 100)), expected, 1);
+  EXPECT_EQ(cv::norm(shown, expected, cv::NORM_INF), 0);
+}
+
+TEST_F(Borders, AreInTheReport) {
+  WriteBorderedScroll();
+  const json report = Report({"capture-*.png", "--borders"});
+  EXPECT_EQ(report.at("borders"), Bars());
+  EXPECT_EQ(report.at("settings").at("borders"),
+            (json{{"differenceThreshold", 10}, {"neighborThreshold", 2}}));
+  EXPECT_EQ(report.at("captures").at(2).at("place"), (json{{"row", 40}, {"column", 0}}));
+}
+
+TEST_F(Borders, AreNullInTheReportUnlessAskedFor) {
+  WriteBorderedScroll();
+  const json report = Report({"capture-*.png"});
+  EXPECT_EQ(report.at("borders"), nullptr);
+  EXPECT_EQ(report.at("settings").at("borders"), nullptr);
+}
+
+TEST_F(Borders, ThatAreNotThereAreTold) {
+  WriteScroll();
+  const auto result = Run({"capture-*.png", "-o", "page.png", "--borders"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.standardOutput, HasSubstr("no borders found"));
+  EXPECT_EQ(result.standardError, "");
+}
+
+TEST_F(Borders, FollowTheThresholds) {
+  WriteBorderedScroll();
+  // No pixel changes by more than 255, and none has more than 8 neighbours.
+  for (const std::vector<std::string>& threshold :
+       {std::vector<std::string>{"--difference-threshold", "255"}, {"--neighbor-threshold", "8"}}) {
+    std::vector<std::string> arguments = {"capture-*.png", "--borders"};
+    arguments.insert(arguments.end(), threshold.begin(), threshold.end());
+    EXPECT_EQ(Report(arguments).at("borders"), nullptr);
+  }
+}
+
+struct BadThreshold {
+  std::string name;
+  std::vector<std::string> arguments;
+};
+
+class BadThresholds : public Borders, public ::testing::WithParamInterface<BadThreshold> {};
+
+TEST_P(BadThresholds, AreRefused) {
+  WriteScroll();
+  const auto before = Names();
+  std::vector<std::string> arguments = {"capture-*.png", "-o", "page.png"};
+  arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
+  const auto result = Run(arguments);
+  EXPECT_EQ(result.status, 2);
+  Testing::ExpectOneLine(result);
+  EXPECT_EQ(Names(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, BadThresholds,
+    ::testing::Values(
+        BadThreshold{"DifferenceTooLarge", {"--borders", "--difference-threshold", "256"}},
+        BadThreshold{"DifferenceNegative", {"--borders", "--difference-threshold", "-1"}},
+        BadThreshold{"NeighborsTooMany", {"--borders", "--neighbor-threshold", "9"}},
+        BadThreshold{"NeighborsNoNumber", {"--borders", "--neighbor-threshold", "few"}},
+        BadThreshold{"WithoutBorders", {"--difference-threshold", "10"}}),
+    [](const auto& test) { return test.param.name; });
+
+}  // namespace
+}  // namespace ScrollingCapture

@@ -1,0 +1,163 @@
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "ProgramTest.h"
+
+namespace ScrollingCapture {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class Spill : public Testing::ProgramTest {
+ protected:
+  void SetUp() override {
+    for (int i = 0; i < 6; ++i) {
+      WriteCapture("capture-" + std::to_string(i) + ".png", 15 * i);
+    }
+    std::filesystem::create_directory(PathOf("spill"));
+  }
+
+  std::vector<std::string> SpillFolderContents() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(PathOf("spill"))) {
+      names.push_back(entry.path().string());
+    }
+    return names;
+  }
+
+  std::vector<std::string> Arguments(const std::string& limit) const {
+    return {"capture-*.png", "-o", "page.png", "--memory-limit", limit, "--spill-folder", "spill"};
+  }
+};
+
+class SpillLimits : public Spill, public ::testing::WithParamInterface<std::string> {};
+
+TEST_P(SpillLimits, GiveTheSameImage) {
+  ASSERT_EQ(Run({"capture-*.png", "-o", "expected.png"}).status, 0);
+  const auto result = Run(Arguments(GetParam()));
+  EXPECT_EQ(result.status, 0) << result.standardError;
+  EXPECT_EQ(ReadBytes("page.png"), ReadBytes("expected.png"));
+  EXPECT_THAT(SpillFolderContents(), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, SpillLimits,
+                         ::testing::Values("0", "40000", "64K", "1MiB", "200mib", "1G"));
+
+TEST_F(Spill, LimitIsInTheReport) {
+  EXPECT_EQ(Report({"capture-*.png", "--memory-limit", "2K"}).at("settings").at("memoryLimit"),
+            2048);
+  EXPECT_EQ(Report({"capture-*.png"}).at("settings").at("memoryLimit"), nullptr);
+}
+
+TEST_F(Spill, WorksWithBorders) {
+  ASSERT_EQ(Run({"capture-*.png", "-o", "expected.png", "--borders"}).status, 0);
+  auto arguments = Arguments("0");
+  arguments.emplace_back("--borders");
+  ASSERT_EQ(Run(arguments).status, 0);
+  EXPECT_EQ(ReadBytes("page.png"), ReadBytes("expected.png"));
+}
+
+TEST_F(Spill, FolderIsPrivateAndGoesWhenInterrupted) {
+  ASSERT_EQ(mkfifo(PathOf("pipe.png").c_str(), 0600), 0);
+  auto arguments = Arguments("0");
+  arguments.insert(arguments.begin() + 1, "pipe.png");
+  Testing::ProgramSetting setting;
+  setting.folder = folder.Prefix();
+  Testing::ProgramProcess program(arguments, setting);
+  const int pipe = open(PathOf("pipe.png").c_str(), O_WRONLY);  // returns when the program reads
+  // Six captures have been read by now, of which two stay in memory.
+  const auto contents = SpillFolderContents();
+  EXPECT_THAT(contents, SizeIs(1 + 4));
+  const auto permissions =
+      std::filesystem::status(std::filesystem::path(contents.front())).permissions();
+  EXPECT_EQ(permissions, std::filesystem::perms::owner_all);
+  program.Signal(SIGTERM);
+  close(pipe);
+  EXPECT_EQ(program.Wait().status, 130);
+  EXPECT_THAT(SpillFolderContents(), IsEmpty());
+}
+
+TEST_F(Spill, FileThatIsLostIsToldAndNothingIsWritten) {
+  ASSERT_EQ(mkfifo(PathOf("pipe.png").c_str(), 0600), 0);
+  auto arguments = Arguments("0");
+  arguments.insert(arguments.begin() + 1, "pipe.png");
+  Testing::ProgramSetting setting;
+  setting.folder = folder.Prefix();
+  Testing::ProgramProcess program(arguments, setting);
+  const int pipe = open(PathOf("pipe.png").c_str(), O_WRONLY);
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(PathOf("spill"))) {
+    if (entry.is_regular_file()) {
+      std::filesystem::remove(entry.path());
+    }
+  }
+  WriteCapture("last.png", 120);
+  const std::string last = ReadBytes("last.png");
+  EXPECT_EQ(write(pipe, last.data(), last.size()), static_cast<ssize_t>(last.size()));
+  close(pipe);
+  const Testing::ProgramResult result = program.Wait();
+  EXPECT_EQ(result.status, 1);
+  Testing::ExpectOneLine(result);
+  EXPECT_THAT(result.standardError, HasSubstr("cannot be read back"));
+  EXPECT_FALSE(std::filesystem::exists(PathOf("page.png")));
+  EXPECT_THAT(SpillFolderContents(), IsEmpty());
+}
+
+TEST_F(Spill, ThatTheDiskHasNoRoomForStaysInMemory) {
+  ASSERT_EQ(Run({"capture-*.png", "-o", "expected.png"}).status, 0);
+  // A capture takes 30 kB of pixels, the stitched image less in a file.
+  Testing::ProgramSetting setting;
+  setting.fileSizeLimit = 20000;
+  WriteImage("blank-0.png", cv::Mat(Testing::CaptureSize, CV_8UC3, cv::Scalar(9, 9, 9)));
+  WriteImage("blank-1.png", cv::Mat(Testing::CaptureSize, CV_8UC3, cv::Scalar(99, 9, 9)));
+  WriteImage("blank-2.png", cv::Mat(Testing::CaptureSize, CV_8UC3, cv::Scalar(9, 99, 9)));
+  const auto result = Run(
+      {"blank-*.png", "-o", "page.png", "--memory-limit", "0", "--spill-folder", "spill"}, setting);
+  EXPECT_EQ(result.status, 0) << result.standardError;
+  EXPECT_THAT(SpillFolderContents(), IsEmpty());
+}
+
+struct BadLimit {
+  std::string name;
+  std::vector<std::string> arguments;
+  std::string complaint;
+};
+
+class BadLimits : public Spill, public ::testing::WithParamInterface<BadLimit> {};
+
+TEST_P(BadLimits, AreRefused) {
+  const auto before = Names();
+  std::vector<std::string> arguments = {"capture-*.png", "-o", "page.png"};
+  arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
+  const auto result = Run(arguments);
+  EXPECT_EQ(result.status, 2);
+  Testing::ExpectOneLine(result);
+  EXPECT_THAT(result.standardError, HasSubstr(GetParam().complaint));
+  EXPECT_EQ(Names(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, BadLimits,
+    ::testing::Values(
+        BadLimit{"NoNumber", {"--memory-limit", "much"}, "such as 200MiB or 1G"},
+        BadLimit{"Negative", {"--memory-limit", "-1"}, "such as 200MiB or 1G"},
+        BadLimit{"UnknownUnit", {"--memory-limit", "1Q"}, "such as 200MiB or 1G"},
+        BadLimit{"TooLarge", {"--memory-limit", "99999999999G"}, "such as 200MiB or 1G"},
+        BadLimit{"Empty", {"--memory-limit", ""}, "such as 200MiB or 1G"},
+        BadLimit{
+            "FolderMissing", {"--memory-limit", "1M", "--spill-folder", "nowhere"}, "'nowhere'"},
+        BadLimit{"FolderIsAFile",
+                 {"--memory-limit", "1M", "--spill-folder", "capture-0.png"},
+                 "'capture-0.png'"},
+        BadLimit{"FolderWithoutLimit", {"--spill-folder", "spill"}, "--memory-limit"}),
+    [](const auto& test) { return test.param.name; });
+
+}  // namespace
+}  // namespace ScrollingCapture
