@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUsage{"UnknownExtension", {Capture, "-o", "page.doc"}, "use one of .png"},
         WrongUsage{"ReportOverImage",
                    {Capture, "-o", "page.png", "--report", "./page.png"},
-                   "choose two names"}),
+                   "choose different names"}),
     [](const auto& usage) { return std::string(usage.param.name); });
 
 TEST_F(Arguments, HelpTellsEveryOption) {
