@@ -99,15 +99,19 @@ std::vector<Translation> PhaseCorrelationTranslationDetector::DetectTranslation(
 cv::Mat PhaseCorrelationTranslationDetector::CalculateCorrelationMatrix(const cv::Mat& first,
                                                                         const cv::Mat& second,
                                                                         cv::Size& dftSize) const {
+  cv::Mat firstGrey = GreyOf(first);
+  cv::Mat secondGrey = GreyOf(second);
   cv::Mat firstSpectrum;
   cv::Mat secondSpectrum;
   cv::Size firstSize;
   cv::Size secondSize;
-  if (!PerformDFT(GreyOf(first), firstSpectrum, firstSize) ||
-      !PerformDFT(GreyOf(second), secondSpectrum, secondSize)) {
+  if (!PerformDFT(firstGrey, firstSpectrum, firstSize) ||
+      !PerformDFT(secondGrey, secondSpectrum, secondSize)) {
     std::cerr << "Error: Failed to perform DFT." << std::endl;
     return {};
   }
+  firstGrey.release();
+  secondGrey.release();
   cv::Mat product;
   cv::mulSpectrums(firstSpectrum, secondSpectrum, product, 0, true);
   firstSpectrum.release();

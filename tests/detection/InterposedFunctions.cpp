@@ -1,0 +1,74 @@
+// Functions of this program that the dynamic linker prefers to those of the shared libraries, for
+// calls from the library under test and from the C++ runtime as well.
+
+#include "InterposedFunctions.h"
+
+#include <cerrno>
+#include <dlfcn.h>
+#include <pthread.h>
+#include <utility>
+
+#include <opencv2/core.hpp>
+
+#include <VelScrollingCapture/core/Export.h>
+
+namespace ScrollingCapture::Testing {
+namespace {
+
+/// The function of that name in the shared libraries.
+template <typename Function>
+Function* RealFunction(const char* symbol) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, symbol));
+}
+
+}  // namespace
+
+Interposition& Interposed() {
+  static Interposition interposition;
+  return interposition;
+}
+
+ScopedInterposition::ScopedInterposition(Interposition interposition) {
+  Interposed() = std::move(interposition);
+}
+
+ScopedInterposition::~ScopedInterposition() { Interposed() = {}; }
+
+}  // namespace ScrollingCapture::Testing
+
+using ScrollingCapture::Testing::Interposed;
+using ScrollingCapture::Testing::RealFunction;
+
+namespace cv {
+
+VEL_EXPORT void dft(InputArray source, OutputArray destination, int flags, int nonzeroRows) {
+  static const auto real =
+      RealFunction<decltype(dft)>("_ZN2cv3dftERKNS_11_InputArrayERKNS_12_OutputArrayEii");
+  const auto& fails = Interposed().transformFails;
+  if (fails && fails(flags)) {
+    destination.release();
+    return;
+  }
+  real(source, destination, flags, nonzeroRows);
+}
+
+}  // namespace cv
+
+extern "C" {
+
+VEL_EXPORT int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                              void* (*start)(void*), void* argument) noexcept {
+  static const auto real = RealFunction<decltype(pthread_create)>("pthread_create");
+  const auto& starts = Interposed().threadStarts;
+  return starts && !starts() ? EAGAIN : real(thread, attributes, start, argument);
+}
+
+VEL_EXPORT int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
+  static const auto real = RealFunction<decltype(pthread_cond_wait)>("pthread_cond_wait");
+  const auto& beforeWait = Interposed().beforeWait;
+  if (beforeWait) {
+    beforeWait();
+  }
+  return real(condition, mutex);
+}
+}

@@ -1,0 +1,502 @@
+#include <atomic>
+#include <future>
+#include <iostream>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "../support/RecordingListener.h"
+#include "../support/StreamCapture.h"
+#include "NumberedCaptures.h"
+#include "Page.h"
+#include "ReferenceDetector.h"
+
+namespace ScrollingCapture {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Testing::NumberedCaptures;
+using Testing::NumberOf;
+using Testing::RecordingListener;
+using Testing::ReferenceDetector;
+using testing::Test;
+using testing::TestWithParam;
+
+using Translations = std::vector<Translation>;
+
+/// Windows of a page that each lie a little further down and to the right.
+class ScrolledPage {
+ public:
+  explicit ScrolledPage(const std::vector<cv::Point>& windowMotions) {
+    cv::Rect window(20, 20, 90, 80);
+    windows.push_back(window);
+    for (const cv::Point& motion : windowMotions) {
+      window += motion;
+      windows.push_back(window);
+      translations.emplace_back(-motion.y, -motion.x);
+    }
+  }
+
+  BasicImageProvider Captures() const {
+    BasicImageProvider captures;
+    for (const cv::Rect& window : windows) {
+      cv::Mat capture = page(window).clone();
+      captures.Add(capture);
+    }
+    return captures;
+  }
+
+  Translations translations;
+
+ private:
+  const cv::Mat page = Testing::TextPage({300, 400});
+  std::vector<cv::Rect> windows;
+};
+
+const ScrolledPage FiveCaptures({{3, 30}, {-4, 17}, {9, 41}, {2, -12}});
+
+class ThreadCounts : public TestWithParam<unsigned int> {};
+
+TEST_P(ThreadCounts, GiveTheMotionsInCaptureOrder) {
+  BasicImageProvider captures = FiveCaptures.Captures();
+  PhaseCorrelationTranslationDetector detector(Both, false, GetParam());
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures.translations);
+}
+
+TEST_P(ThreadCounts, GiveTheSameWithConsistencyExpected) {
+  BasicImageProvider captures = FiveCaptures.Captures();
+  PhaseCorrelationTranslationDetector detector(Both, true, GetParam());
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures.translations);
+}
+
+TEST_P(ThreadCounts, ReportProgressFromTheWorkersAndTheEndFromTheCaller) {
+  BasicImageProvider captures = FiveCaptures.Captures();
+  PhaseCorrelationTranslationDetector detector(Both, false, GetParam());
+  RecordingListener listener;
+  detector.DetectTranslation(captures, &listener, 0, 90);
+  EXPECT_THAT(listener.calls, ElementsAre("progress 22", "progress 45", "progress 67",
+                                          "progress 90", "progress 90"));
+}
+
+TEST_P(ThreadCounts, StopWhenTheFirstProgressCallIsRefused) {
+  BasicImageProvider captures = FiveCaptures.Captures();
+  PhaseCorrelationTranslationDetector detector(Both, false, GetParam());
+  RecordingListener listener(0);
+  EXPECT_THAT(detector.DetectTranslation(captures, &listener, 0, 90), IsEmpty());
+  EXPECT_THAT(listener.calls, ElementsAre("progress 22", "error 4 false"));
+}
+
+TEST_P(ThreadCounts, StopWhenAMiddleProgressCallIsRefused) {
+  BasicImageProvider captures = FiveCaptures.Captures();
+  PhaseCorrelationTranslationDetector detector(Both, true, GetParam());
+  RecordingListener listener(2);
+  EXPECT_THAT(detector.DetectTranslation(captures, &listener, 0, 90), IsEmpty());
+  EXPECT_THAT(listener.calls,
+              ElementsAre("progress 22", "progress 45", "progress 67", "error 4 false"));
+}
+
+INSTANTIATE_TEST_SUITE_P(SequenceDetection, ThreadCounts, testing::Values(1, 2, 3, 8));
+
+TEST(SequenceDetection, FailsWhenTheCallersLastProgressCallIsRefused) {
+  BasicImageProvider captures = FiveCaptures.Captures();
+  PhaseCorrelationTranslationDetector detector(Both, false, 2);
+  RecordingListener listener(4);
+  EXPECT_THAT(detector.DetectTranslation(captures, &listener, 0, 90), IsEmpty());
+  EXPECT_THAT(listener.calls, ElementsAre("progress 22", "progress 45", "progress 67",
+                                          "progress 90", "progress 90", "error 4 false"));
+}
+
+TEST(SequenceDetection, GivesWhatTheReferenceGivesForEachPair) {
+  BasicImageProvider captures;
+  for (unsigned int seed = 0; seed < 6; ++seed) {
+    cv::Mat capture = Testing::TextPage({120, 75}, seed);
+    captures.Add(capture);
+  }
+  for (const ScrollOrientation orientation :
+       {Vertical, Horizontal, Both, static_cast<ScrollOrientation>(3)}) {
+    const ReferenceDetector reference(orientation);
+    Translations expected;
+    for (size_t pair = 0; pair + 1 < captures.Count(); ++pair) {
+      expected.push_back(
+          reference.DetectTranslation(*captures.GetImageAt(pair), *captures.GetImageAt(pair + 1)));
+    }
+    PhaseCorrelationTranslationDetector detector(orientation, false, 2);
+    EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), expected);
+  }
+}
+
+TEST(SequenceDetection, GivesOneTranslationForTwoCapturesAndReportsTheEndTwice) {
+  BasicImageProvider captures = ScrolledPage({{3, 30}}).Captures();
+  PhaseCorrelationTranslationDetector detector(Both, true, 1);
+  RecordingListener listener;
+  EXPECT_THAT(detector.DetectTranslation(captures, &listener, 10, 55),
+              ElementsAre(Translation(-30, -3)));
+  EXPECT_THAT(listener.calls, ElementsAre("progress 55", "progress 55"));
+}
+
+class TooFewCaptures : public TestWithParam<size_t> {};
+
+TEST_P(TooFewCaptures, AreRefusedWithAMessageWithoutTellingTheListener) {
+  BasicImageProvider captures = NumberedCaptures(GetParam());
+  PhaseCorrelationTranslationDetector detector(Both, true, 1);
+  RecordingListener listener;
+  const Testing::StreamCapture errors(std::cerr);
+  EXPECT_THAT(detector.DetectTranslation(captures, &listener, 0, 90), IsEmpty());
+  EXPECT_EQ(errors.Text(), "Error: Not enough images in the IImageProvider.\n");
+  EXPECT_THAT(listener.calls, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(SequenceDetection, TooFewCaptures, testing::Values(0, 1));
+
+struct ProgressRange {
+  std::string name;
+  size_t captures;
+  int start;
+  int end;
+  std::vector<int> values;
+};
+
+void PrintTo(const ProgressRange& range, std::ostream* stream) { *stream << range.name; }
+
+class Progress : public TestWithParam<ProgressRange> {};
+
+TEST_P(Progress, AddsSinglePrecisionStepsAndCutsThemOff) {
+  BasicImageProvider captures = NumberedCaptures(GetParam().captures);
+  Testing::NumberedPairsDetector detector(1, [](size_t) { return Translation(); });
+  RecordingListener listener;
+  static_cast<ITranslationDetector&>(detector).DetectTranslation(captures, &listener,
+                                                                 GetParam().start, GetParam().end);
+  std::vector<std::string> expected;
+  for (const int value : GetParam().values) {
+    expected.push_back("progress " + std::to_string(value));
+  }
+  EXPECT_EQ(listener.calls, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Ranges, Progress,
+    testing::Values(ProgressRange{"FivePairs", 6, 0, 100, {20, 40, 60, 80, 100, 100}},
+                    ProgressRange{"LastWorkerFallsShort", 4, 10, 30, {16, 23, 29, 30}},
+                    // In single precision ten steps of 0.1 make a little more than 1.
+                    ProgressRange{"LessThanOneAPair", 11, 0, 1, {0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1}},
+                    ProgressRange{"EmptyRange", 3, 5, 5, {5, 5, 5}},
+                    ProgressRange{"TowardsZeroBelowZero", 3, -3, 0, {-1, 0, 0}},
+                    ProgressRange{"Backwards", 3, 90, 0, {45, 0, 0}}),
+    [](const auto& instance) { return instance.param.name; });
+
+/// Remembers the threads of the calls, and whether one came while another was going on.
+class ThreadListener : public RecordingListener {
+ public:
+  bool ProgressCallback(int progress) override {
+    overlapped = overlapped || inCall.exchange(true);
+    threads.push_back(std::this_thread::get_id());
+    std::this_thread::yield();
+    inCall = false;
+    return RecordingListener::ProgressCallback(progress);
+  }
+
+  bool StitchingError(StitcherErrorCodes code, bool fatal) override {
+    threads.push_back(std::this_thread::get_id());
+    return RecordingListener::StitchingError(code, fatal);
+  }
+
+  std::vector<std::thread::id> threads;
+  bool overlapped = false;
+
+ private:
+  std::atomic<bool> inCall = false;
+};
+
+TEST(SequenceDetection, CallsTheListenerFromOneWorkerAtATimeAndFromTheCallerAtTheEnd) {
+  BasicImageProvider captures = NumberedCaptures(41);
+  Testing::NumberedPairsDetector detector(8, [](size_t) { return Translation(); });
+  ThreadListener listener;
+  static_cast<ITranslationDetector&>(detector).DetectTranslation(captures, &listener, 0, 100);
+  ASSERT_EQ(listener.threads.size(), 41);
+  EXPECT_FALSE(listener.overlapped);
+  EXPECT_EQ(listener.threads.back(), std::this_thread::get_id());
+  listener.threads.pop_back();
+  EXPECT_THAT(listener.threads, testing::Not(testing::Contains(std::this_thread::get_id())));
+}
+
+TEST(SequenceDetection, TellsOfCancellationFromTheCaller) {
+  BasicImageProvider captures = NumberedCaptures(5);
+  Testing::NumberedPairsDetector detector(2, [](size_t) { return Translation(); });
+  class RefusingListener : public ThreadListener {
+   public:
+    bool ProgressCallback(int progress) override {
+      ThreadListener::ProgressCallback(progress);
+      return false;
+    }
+  } listener;
+  static_cast<ITranslationDetector&>(detector).DetectTranslation(captures, &listener, 0, 100);
+  EXPECT_THAT(listener.calls, ElementsAre("progress 25", "error 4 false"));
+  EXPECT_EQ(listener.threads.back(), std::this_thread::get_id());
+}
+
+TEST(SequenceDetection, ReportsInTheOrderInWhichPairsFinish) {
+  BasicImageProvider captures = NumberedCaptures(3);
+  std::promise<void> secondPairDone;
+  // The first pair ends only after the second one has reported.
+  Testing::NumberedPairsDetector detector(2, [&](size_t pair) {
+    if (pair == 0) {
+      secondPairDone.get_future().wait();
+    }
+    return Translation(static_cast<int>(pair), 0);
+  });
+  class ReleasingListener : public RecordingListener {
+   public:
+    explicit ReleasingListener(std::promise<void>& reported) : reported(reported) {}
+    bool ProgressCallback(int progress) override {
+      if (calls.empty()) {
+        reported.set_value();
+      }
+      return RecordingListener::ProgressCallback(progress);
+    }
+
+   private:
+    std::promise<void>& reported;
+  } listener(secondPairDone);
+  EXPECT_THAT(
+      static_cast<ITranslationDetector&>(detector).DetectTranslation(captures, &listener, 0, 100),
+      ElementsAre(Translation(0, 0), Translation(1, 0)));
+  EXPECT_THAT(listener.calls, ElementsAre("progress 50", "progress 100", "progress 100"));
+}
+
+TEST(SequenceDetection, RunsPairsInOrderOnFreshThreadsWithAThreadCountOfOne) {
+  BasicImageProvider captures = NumberedCaptures(9);
+  std::mutex mutex;
+  std::vector<size_t> order;
+  thread_local bool usedBefore = false;
+  bool reused = false;
+  Testing::NumberedPairsDetector detector(1, [&](size_t pair) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    order.push_back(pair);
+    reused = reused || usedBefore;
+    usedBefore = true;
+    return Translation();
+  });
+  static_cast<ITranslationDetector&>(detector).DetectTranslation(captures, nullptr, 0, 100);
+  EXPECT_THAT(order, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7));
+  EXPECT_FALSE(reused);
+}
+
+/// Hands out a new matrix at each call, and notes what was asked for.
+class FreshMatrixProvider : public BasicImageProvider {
+ public:
+  explicit FreshMatrixProvider(const BasicImageProvider& captures) : BasicImageProvider(captures) {}
+
+  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
+    const auto fresh = std::make_shared<cv::Mat>(BasicImageProvider::GetImageAt(index)->clone());
+    const std::lock_guard<std::mutex> lock(mutex);
+    asked.push_back(index);
+    return fresh;
+  }
+
+  std::vector<size_t> asked;
+
+ private:
+  std::mutex mutex;
+};
+
+TEST(SequenceDetection, TakesAFreshMatrixAtEachCall) {
+  for (const unsigned int threadCount : {1U, 3U}) {
+    FreshMatrixProvider captures(FiveCaptures.Captures());
+    PhaseCorrelationTranslationDetector detector(Both, false, threadCount);
+    EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures.translations);
+  }
+}
+
+TEST(SequenceDetection, AsksForTheEarlierAndThenTheLaterCaptureOfEachPair) {
+  FreshMatrixProvider captures(FiveCaptures.Captures());
+  PhaseCorrelationTranslationDetector detector(Both, false, 1);
+  detector.DetectTranslation(captures, nullptr, 0, 90);
+  EXPECT_THAT(captures.asked, ElementsAre(0, 1, 1, 2, 2, 3, 3, 4));
+}
+
+/// Gives another picture whenever a capture is asked for again: the pairs of a sequence then have
+/// nothing in common.
+class ChangingProvider : public BasicImageProvider {
+ public:
+  explicit ChangingProvider(size_t count) : BasicImageProvider(NumberedCaptures(count)) {}
+
+  /// The capture at an index, when it is asked for as the later or as the earlier one of a pair.
+  static cv::Mat Capture(size_t index, bool later) {
+    const cv::Mat page = Testing::TextPage({200, 300}, 2 * index + (later ? 0 : 1));
+    return page(cv::Rect(0, later ? 20 : 0, 90, 80)).clone();
+  }
+
+  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
+    const std::lock_guard<std::mutex> lock(mutex);
+    const bool later = index > 0 && laterSeen.insert(index).second;
+    return std::make_shared<cv::Mat>(Capture(index, later));
+  }
+
+ private:
+  std::mutex mutex;
+  std::set<size_t> laterSeen;
+};
+
+TEST(SequenceDetection, UsesThePixelsOfTheMomentAndNeverAnEarlierOnes) {
+  ChangingProvider captures(6);
+  PhaseCorrelationTranslationDetector detector(Both, false, 1);
+  const Translations found = detector.DetectTranslation(captures, nullptr, 0, 90);
+  Translations expected;
+  for (size_t pair = 0; pair < 5; ++pair) {
+    expected.push_back(ReferenceDetector(Both).DetectTranslation(
+        ChangingProvider::Capture(pair, false), ChangingProvider::Capture(pair + 1, true)));
+  }
+  EXPECT_EQ(found, expected);
+}
+
+/// Hands out one matrix that it fills anew at each call, as a provider with a single buffer might.
+/// The pixels of a capture then change while its address stays.
+class SharedBufferProvider : public BasicImageProvider {
+ public:
+  explicit SharedBufferProvider(const BasicImageProvider& captures)
+      : BasicImageProvider(captures),
+        buffers{std::make_shared<cv::Mat>(), std::make_shared<cv::Mat>()} {}
+
+  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
+    const std::shared_ptr<cv::Mat>& buffer = buffers[calls++ % 2];
+    BasicImageProvider::GetImageAt(index)->copyTo(*buffer);
+    return buffer;
+  }
+
+ private:
+  std::shared_ptr<cv::Mat> buffers[2];
+  size_t calls = 0;
+};
+
+TEST(SequenceDetection, TakesCapturesWhoseMemoryIsUsedAgain) {
+  SharedBufferProvider captures(FiveCaptures.Captures());
+  PhaseCorrelationTranslationDetector detector(Both, false, 1);
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures.translations);
+}
+
+TEST(SequenceDetection, TakesPairsOfDifferentSizeWhoseTransformSizesAgree) {
+  BasicImageProvider captures;
+  for (const int rows : {127, 128, 127, 127, 128}) {
+    cv::Mat capture = Testing::TextPage({96, rows}, static_cast<unsigned int>(rows));
+    captures.Add(capture);
+  }
+  Translations expected;
+  for (size_t pair = 0; pair < 4; ++pair) {
+    expected.push_back(ReferenceDetector(Both).DetectTranslation(*captures.GetImageAt(pair),
+                                                                 *captures.GetImageAt(pair + 1)));
+  }
+  PhaseCorrelationTranslationDetector detector(Both, false, 1);
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), expected);
+}
+
+/// Gives a scripted translation and alternative for each pair of numbered captures.
+class ScriptedPairsDetector : public PhaseCorrelationTranslationDetector {
+ public:
+  ScriptedPairsDetector(bool expectConsistentTranslations, Translations best,
+                        Translations alternatives)
+      : PhaseCorrelationTranslationDetector(Both, expectConsistentTranslations, 2),
+        best(std::move(best)),
+        alternatives(std::move(alternatives)) {}
+
+  using PhaseCorrelationTranslationDetector::DetectTranslation;
+
+  Translation DetectTranslation(const cv::Mat& first, const cv::Mat& /*second*/) override {
+    return best.at(NumberOf(first));
+  }
+
+  Translation DetectTranslationWithAlternative(const cv::Mat& first, const cv::Mat& /*second*/,
+                                               Translation& alternative) override {
+    alternative = alternatives.at(NumberOf(first));
+    return best.at(NumberOf(first));
+  }
+
+ private:
+  Translations best;
+  Translations alternatives;
+};
+
+TEST(SequenceDetection, UsesThePairwiseOperationOfADerivedDetector) {
+  BasicImageProvider captures = NumberedCaptures(3);
+  ScriptedPairsDetector detector(false, {{1, 2}, {3, 4}}, {});
+  EXPECT_THAT(detector.DetectTranslation(captures, nullptr, 0, 90),
+              ElementsAre(Translation(1, 2), Translation(3, 4)));
+}
+
+TEST(SequenceDetection, UsesTheAlternativeOperationOfADerivedDetectorWhenConsistencyIsExpected) {
+  class OnlyAlternatives : public PhaseCorrelationTranslationDetector {
+   public:
+    OnlyAlternatives() : PhaseCorrelationTranslationDetector(Both, true, 1) {}
+    Translation DetectTranslationWithAlternative(const cv::Mat& /*first*/,
+                                                 const cv::Mat& /*second*/,
+                                                 Translation& /*alternative*/) override {
+      return {5, 6};
+    }
+  } detector;
+  BasicImageProvider captures = NumberedCaptures(2);
+  ITranslationDetector& interface = detector;
+  EXPECT_THAT(interface.DetectTranslation(captures, nullptr, 0, 90),
+              ElementsAre(Translation(5, 6)));
+}
+
+struct Consistency {
+  std::string name;
+  Translations best;
+  Translations alternatives;
+  Translations result;
+};
+
+void PrintTo(const Consistency& consistency, std::ostream* stream) { *stream << consistency.name; }
+
+class ConsistencyPass : public TestWithParam<Consistency> {};
+
+TEST_P(ConsistencyPass, PrefersAnAlternativeThatRepeatsTheTranslationBefore) {
+  BasicImageProvider captures = NumberedCaptures(GetParam().best.size() + 1);
+  ScriptedPairsDetector detector(true, GetParam().best, GetParam().alternatives);
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), GetParam().result);
+}
+
+TEST_P(ConsistencyPass, IsLeftOutWhenConsistencyIsNotExpected) {
+  BasicImageProvider captures = NumberedCaptures(GetParam().best.size() + 1);
+  ScriptedPairsDetector detector(false, GetParam().best, GetParam().alternatives);
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), GetParam().best);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, ConsistencyPass,
+                         testing::Values(Consistency{"ReplacesAnOutlier",
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-50, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-50, 0}}},
+                                         Consistency{"KeepsAPairWithoutAnotherCandidate",
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}}},
+                                         Consistency{"NeverReplacesTheFirstPair",
+                                                     {{-3, 0}, {-50, 0}},
+                                                     {{-50, 0}, {-50, 0}},
+                                                     {{-3, 0}, {-50, 0}}},
+                                         Consistency{"GoesOnAlongTheSequence",
+                                                     {{-50, 0}, {-3, 0}, {-4, 0}, {-5, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-50, 0}, {-50, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-50, 0}, {-50, 0}}},
+                                         Consistency{"ComparesWithTheReplacedTranslation",
+                                                     {{-50, 0}, {-3, 0}, {-7, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-7, 0}}},
+                                         Consistency{"ComparesColumnsAsWell",
+                                                     {{-50, 1}, {-3, 0}},
+                                                     {{-50, 1}, {-50, 0}},
+                                                     {{-50, 1}, {-3, 0}}},
+                                         Consistency{"IgnoresAnAlternativeThatRepeatsTheNextPair",
+                                                     {{-3, 0}, {-4, 0}, {-50, 0}},
+                                                     {{-3, 0}, {-50, 0}, {-50, 0}},
+                                                     {{-3, 0}, {-4, 0}, {-50, 0}}}),
+                         [](const auto& instance) { return instance.param.name; });
+
+}  // namespace
+}  // namespace ScrollingCapture
