@@ -15,11 +15,9 @@
 namespace ScrollingCapture::Program {
 namespace {
 
-using std::string_view_literals::operator""sv;
-
 /// What files of the common formats start with. WebP shares its start with other media files.
-constexpr std::array Signatures = {"\x89PNG"sv, "\xFF\xD8\xFF"sv, "RIFF"sv,
-                                   "II*\0"sv,   "MM\0*"sv,        "BM"sv};
+constexpr std::array<std::string_view, 6> Signatures = {"\x89PNG",    "\xFF\xD8\xFF", "RIFF",
+                                                        {"II*\0", 4}, {"MM\0*", 4},   "BM"};
 
 bool StartsLikeAnImage(const std::vector<unsigned char>& file) {
   return std::any_of(Signatures.begin(), Signatures.end(), [&file](std::string_view signature) {

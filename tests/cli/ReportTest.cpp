@@ -73,7 +73,7 @@ TEST_F(Report, TellsRepeats) {
   WriteCapture("3.png", 30);
   const json report = ProgramTest::Report({"1.png", "2.png", "3.png"});
   EXPECT_THAT(States(report), ElementsAre("kept", "repeated", "kept"));
-  const json captures = report.at("captures");
+  const json& captures = report.at("captures");
   EXPECT_EQ(captures.at(1).at("translation"), Motion(0, 0));
   EXPECT_EQ(captures.at(1).at("place"), Place(0, 0));
   EXPECT_EQ(captures.at(1).at("overlap"), nullptr);

@@ -1,5 +1,6 @@
-// Options that every sanitized test program starts with. An allocation that cannot be made must
-// fail as it does without a sanitizer, since the library has an answer to that.
+// Options that every sanitized test program starts with, and velscroll when it is tested. An
+// allocation that cannot be made must fail as it does without a sanitizer, since the library has an
+// answer to that.
 
 #include <VelScrollingCapture/core/Export.h>
 
@@ -15,9 +16,10 @@ const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
 
 // OpenCV is built without the sanitizer, which therefore cannot see that the reference count of a
 // matrix's pixels orders every use of them before their release.
-// The order in which GNUstep takes its own locks is no fault of ours.
+// The order in which GNUstep, and a library behind OpenCV's image decoders, take their own locks is
+// no fault of ours.
 const char* __tsan_default_suppressions() {
-  return "race:cv::Mat::deallocate\ndeadlock:libgnustep-";
+  return "race:cv::Mat::deallocate\ndeadlock:libgnustep-\ndeadlock:libgdal";
 }
 }
 // NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)
