@@ -81,33 +81,5 @@ TEST_F(Borders, FollowTheThresholds) {
   }
 }
 
-struct BadThreshold {
-  std::string name;
-  std::vector<std::string> arguments;
-};
-
-class BadThresholds : public Borders, public ::testing::WithParamInterface<BadThreshold> {};
-
-TEST_P(BadThresholds, AreRefused) {
-  WriteScroll();
-  const auto before = Names();
-  std::vector<std::string> arguments = {"capture-*.png", "-o", "page.png"};
-  arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
-  const auto result = Run(arguments);
-  EXPECT_EQ(result.status, 2);
-  Testing::ExpectOneLine(result);
-  EXPECT_EQ(Names(), before);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    All, BadThresholds,
-    ::testing::Values(
-        BadThreshold{"DifferenceTooLarge", {"--borders", "--difference-threshold", "256"}},
-        BadThreshold{"DifferenceNegative", {"--borders", "--difference-threshold", "-1"}},
-        BadThreshold{"NeighborsTooMany", {"--borders", "--neighbor-threshold", "9"}},
-        BadThreshold{"NeighborsNoNumber", {"--borders", "--neighbor-threshold", "few"}},
-        BadThreshold{"WithoutBorders", {"--difference-threshold", "10"}}),
-    [](const auto& test) { return test.param.name; });
-
 }  // namespace
 }  // namespace ScrollingCapture

@@ -66,35 +66,5 @@ TEST_F(Preview, FitsIntoTheGivenBox) {
   EXPECT_TRUE(Testing::SameBits(written, HostsPreview({120, 90})));
 }
 
-struct BadPreview {
-  std::string name;
-  std::vector<std::string> arguments;
-};
-
-class BadPreviews : public Preview, public ::testing::WithParamInterface<BadPreview> {};
-
-TEST_P(BadPreviews, AreRefused) {
-  const auto before = Names();
-  std::vector<std::string> arguments = {"capture-*.png", "-o", "page.png"};
-  arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
-  const auto result = Run(arguments);
-  EXPECT_EQ(result.status, 2);
-  Testing::ExpectOneLine(result);
-  EXPECT_EQ(Names(), before);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    All, BadPreviews,
-    ::testing::Values(
-        BadPreview{"SizeWithoutPreview", {"--preview-size", "10x10"}},
-        BadPreview{"SizeWithoutSeparator", {"--preview", "p.png", "--preview-size", "250"}},
-        BadPreview{"SizeOfZero", {"--preview", "p.png", "--preview-size", "0x10"}},
-        BadPreview{"SizeNoNumber", {"--preview", "p.png", "--preview-size", "10xa"}},
-        BadPreview{"SizeTooLarge", {"--preview", "p.png", "--preview-size", "10x10001"}},
-        BadPreview{"UnknownFormat", {"--preview", "p.gif"}},
-        BadPreview{"MissingFolder", {"--preview", "nowhere/p.png"}},
-        BadPreview{"SameFileAsTheImage", {"--preview", "page.png"}}),
-    [](const auto& test) { return test.param.name; });
-
 }  // namespace
 }  // namespace ScrollingCapture

@@ -124,40 +124,5 @@ TEST_F(Spill, ThatTheDiskHasNoRoomForStaysInMemory) {
   EXPECT_THAT(SpillFolderContents(), IsEmpty());
 }
 
-struct BadLimit {
-  std::string name;
-  std::vector<std::string> arguments;
-  std::string complaint;
-};
-
-class BadLimits : public Spill, public ::testing::WithParamInterface<BadLimit> {};
-
-TEST_P(BadLimits, AreRefused) {
-  const auto before = Names();
-  std::vector<std::string> arguments = {"capture-*.png", "-o", "page.png"};
-  arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
-  const auto result = Run(arguments);
-  EXPECT_EQ(result.status, 2);
-  Testing::ExpectOneLine(result);
-  EXPECT_THAT(result.standardError, HasSubstr(GetParam().complaint));
-  EXPECT_EQ(Names(), before);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    All, BadLimits,
-    ::testing::Values(
-        BadLimit{"NoNumber", {"--memory-limit", "much"}, "such as 200MiB or 1G"},
-        BadLimit{"Negative", {"--memory-limit", "-1"}, "such as 200MiB or 1G"},
-        BadLimit{"UnknownUnit", {"--memory-limit", "1Q"}, "such as 200MiB or 1G"},
-        BadLimit{"TooLarge", {"--memory-limit", "99999999999G"}, "such as 200MiB or 1G"},
-        BadLimit{"Empty", {"--memory-limit", ""}, "such as 200MiB or 1G"},
-        BadLimit{
-            "FolderMissing", {"--memory-limit", "1M", "--spill-folder", "nowhere"}, "'nowhere'"},
-        BadLimit{"FolderIsAFile",
-                 {"--memory-limit", "1M", "--spill-folder", "capture-0.png"},
-                 "'capture-0.png'"},
-        BadLimit{"FolderWithoutLimit", {"--spill-folder", "spill"}, "--memory-limit"}),
-    [](const auto& test) { return test.param.name; });
-
 }  // namespace
 }  // namespace ScrollingCapture
