@@ -1,5 +1,6 @@
 #include <iostream>
 #include <memory>
+#include <utility>
 
 #include <opencv2/core.hpp>
 
@@ -27,9 +28,9 @@ class ThreadJoiner {
 
 }  // namespace
 
-SequenceDetection::SequenceDetection(ITranslationDetector& detector, IImageProvider& images,
+SequenceDetection::SequenceDetection(DetectPair detectPair, IImageProvider& images,
                                      IStitcherListener* listener, const Settings& settings)
-    : detector(detector), images(images), listener(listener), settings(settings) {}
+    : detectPair(std::move(detectPair)), images(images), listener(listener), settings(settings) {}
 
 std::vector<Translation> SequenceDetection::Run() {
   const size_t count = images.Count();
@@ -90,7 +91,8 @@ void SequenceDetection::RunWorker(unsigned int laterCapture) {
   {
     CapturePair captures;
     if (FetchPair(laterCapture, captures)) {
-      DetectPair(laterCapture - 1, captures);
+      const size_t pair = laterCapture - 1;
+      result[pair] = detectPair(*captures.earlier, *captures.later, alternatives[pair]);
     }
   }
   FinishPair();
@@ -108,13 +110,6 @@ bool SequenceDetection::FetchPair(unsigned int laterCapture, CapturePair& captur
     providerFailure = std::current_exception();
     return false;
   }
-}
-
-void SequenceDetection::DetectPair(size_t pair, const CapturePair& captures) {
-  result[pair] = settings.expectConsistentTranslations
-                     ? detector.DetectTranslationWithAlternative(*captures.earlier, *captures.later,
-                                                                 alternatives[pair])
-                     : detector.DetectTranslation(*captures.earlier, *captures.later);
 }
 
 void SequenceDetection::FinishPair() {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <deque>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -13,15 +14,13 @@
 
 #include <VelScrollingCapture/core/IImageProvider.h>
 #include <VelScrollingCapture/core/IStitcherListener.h>
-#include <VelScrollingCapture/core/ITranslationDetector.h>
 #include <VelScrollingCapture/core/Translation.h>
 
 namespace ScrollingCapture {
 
 /// One run over all pairs of consecutive captures, each pair on a worker thread of its own.
 ///
-/// The pairs go through the detector's virtual pairwise operations. Listener calls made by workers
-/// are serialised by the run's mutex.
+/// Listener calls made by workers are serialised by the run's mutex.
 class SequenceDetection {
  public:
   /// What the caller of the run has chosen.
@@ -32,9 +31,14 @@ class SequenceDetection {
     int progressEnd;
   };
 
+  /// Detects the translation from the first capture to the second, and when consistent translations
+  /// are expected a second candidate as well. Called by several workers at once.
+  using DetectPair = std::function<Translation(const cv::Mat& first, const cv::Mat& second,
+                                               Translation& alternative)>;
+
   /// All references and the listener (which may be null) must outlive the run.
-  SequenceDetection(ITranslationDetector& detector, IImageProvider& images,
-                    IStitcherListener* listener, const Settings& settings);
+  SequenceDetection(DetectPair detectPair, IImageProvider& images, IStitcherListener* listener,
+                    const Settings& settings);
 
   /// Detects the translations; call it once.
   ///
@@ -53,11 +57,10 @@ class SequenceDetection {
   bool StartNextWorker();
   void RunWorker(unsigned int laterCapture);
   bool FetchPair(unsigned int laterCapture, CapturePair& captures);
-  void DetectPair(size_t pair, const CapturePair& captures);
   void FinishPair();
   void PreferRepeatedTranslations();
 
-  ITranslationDetector& detector;
+  const DetectPair detectPair;
   IImageProvider& images;
   IStitcherListener* const listener;
   const Settings settings;

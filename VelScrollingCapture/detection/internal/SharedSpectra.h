@@ -1,0 +1,58 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <list>
+#include <memory>
+#include <mutex>
+
+#include <opencv2/core.hpp>
+
+#include <VelScrollingCapture/detection/internal/MatrixPool.h>
+
+namespace ScrollingCapture {
+
+/// Correlates the pairs of a sequence, whose neighbours share a capture, and transforms each
+/// capture only once.
+///
+/// A spectrum belongs to the grey image that it was made from, and is used again only for an image
+/// of the same pixels; where those came from does not matter. Any number of threads may correlate
+/// at once.
+class SharedSpectra {
+ public:
+  /// @param capacity how many spectra are kept for later pairs; the oldest one makes room
+  explicit SharedSpectra(size_t capacity) : capacity(capacity) {}
+
+  /// As the function CorrelateImages, which gives the same bits.
+  std::shared_ptr<const cv::Mat> CorrelateImages(const cv::Mat& firstGrey,
+                                                 const cv::Mat& secondGrey,
+                                                 const cv::Size& dftSize);
+
+ private:
+  using Spectrum = std::shared_ptr<const cv::Mat>;
+
+  /// A spectrum that a thread makes or has made.
+  struct Entry {
+    explicit Entry(const cv::Mat& grey) : grey(grey) {}
+
+    const cv::Mat grey;
+    bool beingMade = true;
+    Spectrum columns;  ///< stays null when the transform fails
+  };
+
+  Spectrum KeptSpectrum(const cv::Mat& grey, const cv::Size& dftSize);
+  Spectrum LastUseOfSpectrum(const cv::Mat& grey, const cv::Size& dftSize);
+  Spectrum NewSpectrum(const cv::Mat& grey, const cv::Size& dftSize);
+  std::shared_ptr<Entry> Find(const cv::Mat& grey) const;
+  std::shared_ptr<Entry> Keep(const cv::Mat& grey);
+  Spectrum WaitFor(const std::shared_ptr<Entry>& entry, std::unique_lock<std::mutex>& lock);
+  void Finish(const std::shared_ptr<Entry>& entry, const Spectrum& columns);
+
+  const size_t capacity;
+  MatrixPool pool;
+  std::mutex mutex;
+  std::condition_variable made;
+  std::list<std::shared_ptr<Entry>> entries;  ///< the oldest first
+};
+
+}  // namespace ScrollingCapture

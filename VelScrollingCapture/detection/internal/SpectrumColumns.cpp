@@ -1,0 +1,122 @@
+#include <algorithm>
+
+#include <opencv2/core/utility.hpp>
+
+#include <VelScrollingCapture/detection/internal/PackedRows.h>
+#include <VelScrollingCapture/detection/internal/SpectrumColumns.h>
+#include <VelScrollingCapture/detection/internal/Transforms.h>
+
+namespace ScrollingCapture {
+namespace {
+
+/// Blocks of captures of usual size that stay in a processor core's own cache.
+constexpr int RowsAtOnce = 32;
+constexpr int ColumnsAtOnce = 16;
+
+/// Calls work(range) for consecutive ranges of at most `step` that cover 0 ... count.
+template <typename Work>
+void ForEachBlock(int count, int step, Work work) {
+  for (int start = 0; start < count; start += step) {
+    work(cv::Range(start, std::min(start + step, count)));
+  }
+}
+
+/// Transforms each row of an image that is centred in `width` columns.
+/// @param columns receives the transposed result: KeptColumns(width) rows of grey.rows elements
+void TransformRows(const cv::Mat& grey, int width, const cv::Mat& columns) {
+  cv::Mat enlarged(RowsAtOnce, width, CV_32FC1, cv::Scalar(0));
+  const int start = CentredStart(width, grey.cols);
+  const cv::Mat centre = enlarged.colRange(start, start + grey.cols);
+  PackedRows spectra(RowsAtOnce, width);
+  ForEachBlock(grey.rows, RowsAtOnce, [&](const cv::Range& rows) {
+    grey.rowRange(rows).convertTo(centre.rowRange(0, rows.size()), CV_32F);
+    cv::Mat packed = spectra.Packed(rows.size());
+    Transform(enlarged.rowRange(0, rows.size()), packed, cv::DFT_ROWS);
+    spectra.Unpack();
+    cv::transpose(spectra.Complex(rows.size()), columns.colRange(rows));
+  });
+}
+
+/// Transforms blocks of columns of which only the image's rows are given.
+class ColumnTransform {
+ public:
+  ColumnTransform(int imageRows, int height)
+      : enlarged(ColumnsAtOnce, height, CV_32FC2, cv::Scalar::all(0)),
+        centre(enlarged.colRange(CentredStart(height, imageRows),
+                                 CentredStart(height, imageRows) + imageRows)) {}
+
+  cv::Mat operator()(const cv::Mat& block) {
+    block.copyTo(centre.rowRange(0, block.rows));
+    cv::Mat result = transformed.rowRange(0, block.rows);
+    Transform(enlarged.rowRange(0, block.rows), result, cv::DFT_ROWS);
+    return result;
+  }
+
+ private:
+  cv::Mat enlarged;
+  cv::Mat centre;
+  cv::Mat transformed{enlarged.size(), CV_32FC2};
+};
+
+void InvertColumns(const cv::Mat& block, cv::Mat inverted) {
+  Transform(block, inverted, cv::DFT_INVERSE | cv::DFT_ROWS);
+}
+
+}  // namespace
+
+bool ColumnsGiveTheSameBits(const cv::Size& dftSize) {
+  return dftSize.width > 1 && !cv::ipp::useIPP();
+}
+
+/// The transformed rows of both images lie side by side in one matrix; each block of columns is
+/// replaced by its result, which takes no more room.
+cv::Mat CorrelateImages(const cv::Mat& firstGrey, const cv::Mat& secondGrey,
+                        const cv::Size& dftSize) {
+  const cv::Range firstPart(0, firstGrey.rows);
+  const cv::Range secondPart(firstGrey.rows, firstGrey.rows + secondGrey.rows);
+  cv::Mat columns(KeptColumns(dftSize.width), std::max(dftSize.height, secondPart.end), CV_32FC2);
+  TransformRows(firstGrey, dftSize.width, columns.colRange(firstPart));
+  TransformRows(secondGrey, dftSize.width, columns.colRange(secondPart));
+
+  ColumnTransform transformFirst(firstGrey.rows, dftSize.height);
+  ColumnTransform transformSecond(secondGrey.rows, dftSize.height);
+  cv::Mat correlated = columns.colRange(0, dftSize.height);
+  cv::Mat signs;
+  ForEachBlock(columns.rows, ColumnsAtOnce, [&](const cv::Range& block) {
+    const cv::Mat first = transformFirst(columns(block, firstPart));
+    const cv::Mat second = transformSecond(columns(block, secondPart));
+    CrossPowerSigns(first, second, signs);
+    InvertColumns(signs, correlated.rowRange(block));
+  });
+  return correlated;
+}
+
+void TransformImage(const cv::Mat& grey, const cv::Size& dftSize, cv::Mat& columns) {
+  const int start = CentredStart(dftSize.height, grey.rows);
+  columns.colRange(0, start).setTo(0);
+  TransformRows(grey, dftSize.width, columns.colRange(start, start + grey.rows));
+  columns.colRange(start + grey.rows, dftSize.height).setTo(0);
+  Transform(columns, columns, cv::DFT_ROWS);
+}
+
+void CorrelateSpectra(const cv::Mat& first, const cv::Mat& second, cv::Mat& correlated) {
+  cv::Mat signs;
+  ForEachBlock(first.rows, ColumnsAtOnce, [&](const cv::Range& block) {
+    CrossPowerSigns(first.rowRange(block), second.rowRange(block), signs);
+    InvertColumns(signs, correlated.rowRange(block));
+  });
+}
+
+void InvertRows(const cv::Mat& correlated, const cv::Size& dftSize, const TakeRows& take) {
+  PackedRows spectra(RowsAtOnce, dftSize.width);
+  cv::Mat surfaceRows;
+  ForEachBlock(dftSize.height, RowsAtOnce, [&](const cv::Range& rows) {
+    cv::transpose(correlated.colRange(rows), spectra.Complex(rows.size()));
+    spectra.Pack();
+    Transform(spectra.Packed(rows.size()), surfaceRows,
+              cv::DFT_INVERSE | cv::DFT_ROWS | cv::DFT_REAL_OUTPUT);
+    take(rows.start, surfaceRows);
+  });
+}
+
+}  // namespace ScrollingCapture
