@@ -24,12 +24,12 @@ const cv::Size CaptureSize(30, 40);
 BasicImageProvider CapturesWithBox(const cv::Rect& box, size_t count = 3) {
   BasicImageProvider captures;
   cv::Mat first = NoiseCapture(CaptureSize, 5);
-  first.forEach<cv::Vec4b>([](cv::Vec4b& pixel, const int* /*position*/) {
+  for (cv::Vec4b& pixel : cv::Mat_<cv::Vec4b>(first)) {
     // Not around the middle grey, so that a pixel and its opposite differ.
     for (int channel = 0; channel < 3; ++channel) {
       pixel[channel] %= 64;
     }
-  });
+  }
   captures.Add(first);
   while (captures.Count() < count) {
     AddWithChange(captures, box);

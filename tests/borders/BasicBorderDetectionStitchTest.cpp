@@ -47,12 +47,14 @@ std::shared_ptr<IStitcher> MakeStitcher(ScrollOrientation orientation) {
 /// noise is dark in one band and bright in the next, and bands are as long as a step.
 cv::Mat BandedPage(const cv::Size& size, const cv::Point& step) {
   cv::Mat page = NoiseCapture(size, 21);
-  page.forEach<cv::Vec4b>([&step](cv::Vec4b& pixel, const int* position) {
-    const int band = step.y != 0 ? position[0] / step.y : position[1] / step.x;
+  cv::Mat_<cv::Vec4b> pixels(page);
+  for (auto pixel = pixels.begin(); pixel != pixels.end(); ++pixel) {
+    const cv::Point position = pixel.pos();
+    const int band = step.y != 0 ? position.y / step.y : position.x / step.x;
     for (int channel = 0; channel < 3; ++channel) {
-      pixel[channel] = static_cast<uchar>(pixel[channel] % 64 + 128 * (band % 2));
+      (*pixel)[channel] = static_cast<uchar>((*pixel)[channel] % 64 + 128 * (band % 2));
     }
-  });
+  }
   return page;
 }
 
