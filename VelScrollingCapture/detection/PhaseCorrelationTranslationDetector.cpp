@@ -54,19 +54,14 @@ std::vector<Translation> PhaseCorrelationTranslationDetector::DetectTranslation(
 cv::Mat PhaseCorrelationTranslationDetector::CalculateCorrelationMatrix(const cv::Mat& first,
                                                                         const cv::Mat& second,
                                                                         cv::Size& dftSize) const {
-  const cv::Size firstSize = TransformSize(first.size(), orientation);
-  cv::Mat surface;
   try {
-    PairDetection(orientation).MakeSurface(first, second, [&](int firstRow, cv::Mat& rows) {
-      surface.create(firstSize, CV_32FC1);
-      rows.copyTo(surface.rowRange(firstRow, firstRow + rows.rows));
-    });
+    cv::Mat surface = PairDetection(orientation).Surface(first, second);
+    dftSize = surface.size();
+    return surface;
   } catch (const FailedTransform& failure) {
     ReportFailedTransform(failure);
     return {};
   }
-  dftSize = firstSize;
-  return surface;
 }
 
 bool PhaseCorrelationTranslationDetector::PerformDFT(const cv::Mat& source, cv::Mat& spectrum,

@@ -1,16 +1,16 @@
+#include <algorithm>
 #include <iostream>
 #include <memory>
+#include <vector>
 
 #include <VelScrollingCapture/detection/internal/PairDetection.h>
 #include <VelScrollingCapture/detection/internal/SharedSpectra.h>
 #include <VelScrollingCapture/detection/internal/SpectrumColumns.h>
+#include <VelScrollingCapture/detection/internal/SurfaceRows.h>
 #include <VelScrollingCapture/detection/internal/Transforms.h>
 
 namespace ScrollingCapture {
 namespace {
-
-/// A second candidate counts only above this share of the highest surface value.
-constexpr double AlternativeThreshold = 0.5;
 
 /// The offset that a peak stands for in a dimension of the given length.
 int OffsetOfPeak(int peak, int length) { return peak < length / 2 ? -peak : length - peak; }
@@ -25,64 +25,85 @@ Translation TranslationOfPeak(const int (&peak)[2], const cv::Size& dftSize,
 }
 
 Translation PairDetection::Detect(const cv::Mat& first, const cv::Mat& second) const {
-  const std::optional<PeakSearch> peaks = SearchSurface(first, second);
-  if (!peaks) {
+  PeakSearch peaks(false);
+  if (!Search(first, second, peaks)) {
     return {};
   }
-  const cv::Size dftSize = TransformSize(first.size(), orientation);
-  return TranslationOfPeak(peaks->Highest().position, dftSize, orientation);
+  return TranslationOfPeak(peaks.Highest().position, SizeOfTransform(first), orientation);
 }
 
-/// The second-highest value may be a neighbour of the highest: only the peak itself is left out.
 Translation PairDetection::DetectWithAlternative(const cv::Mat& first, const cv::Mat& second,
                                                  Translation& alternative) const {
-  const std::optional<PeakSearch> peaks = SearchSurface(first, second);
-  if (!peaks) {
+  PeakSearch peaks(true);
+  if (!Search(first, second, peaks)) {
     return {};
   }
-  const Peak& highest = peaks->Highest();
-  const Peak& secondHighest = peaks->SecondHighest();
-  const bool isStrong = secondHighest.value > AlternativeThreshold * highest.value;
-  const cv::Size dftSize = TransformSize(first.size(), orientation);
-  const Translation best = TranslationOfPeak(highest.position, dftSize, orientation);
-  alternative = isStrong ? TranslationOfPeak(secondHighest.position, dftSize, orientation) : best;
-  return best;
+  const cv::Size dftSize = SizeOfTransform(first);
+  alternative = TranslationOfPeak(peaks.Alternative().position, dftSize, orientation);
+  return TranslationOfPeak(peaks.Highest().position, dftSize, orientation);
 }
 
-void PairDetection::MakeSurface(const cv::Mat& first, const cv::Mat& second,
-                                const TakeRows& take) const {
+cv::Mat PairDetection::Surface(const cv::Mat& first, const cv::Mat& second) const {
   const cv::Mat firstGrey = GreyOf(first);
   const cv::Mat secondGrey = GreyOf(second);
-  const cv::Size dftSize = TransformSize(first.size(), orientation);
-  const bool sameSize = dftSize == TransformSize(second.size(), orientation);
-  if (sameSize && ColumnsGiveTheSameBits(dftSize)) {
-    InvertRows(*CorrelateColumns(firstGrey, secondGrey, dftSize), dftSize, take);
-  } else {
-    cv::Mat surface = SurfaceOfFullSpectra(firstGrey, secondGrey, orientation);
-    take(0, surface);
+  if (!CanGoByColumns(first, second)) {
+    return SurfaceOfFullSpectra(firstGrey, secondGrey, orientation);
   }
+  const std::shared_ptr<const cv::Mat> correlated = Correlate(firstGrey, secondGrey);
+  const cv::Size dftSize = SizeOfTransform(first);
+  cv::Mat surface(dftSize, CV_32FC1);
+  SurfaceRows rows(*correlated, dftSize);
+  for (const SurfaceRows::Block& block : rows.Blocks()) {
+    rows.Invert(block.rows).copyTo(surface.rowRange(block.rows));
+  }
+  return surface;
 }
 
-/// Tells of a failed transform and gives nothing then.
-std::optional<PeakSearch> PairDetection::SearchSurface(const cv::Mat& first,
-                                                       const cv::Mat& second) const {
+/// Looks first where the highest value may be, and stops where it cannot be any more. Tells of a
+/// failed transform and returns false then.
+bool PairDetection::Search(const cv::Mat& first, const cv::Mat& second, PeakSearch& peaks) const {
   try {
-    PeakSearch peaks;
-    MakeSurface(first, second, [&](int firstRow, cv::Mat& rows) { peaks.Add(firstRow, rows); });
-    return peaks;
+    const cv::Mat firstGrey = GreyOf(first);
+    const cv::Mat secondGrey = GreyOf(second);
+    if (!CanGoByColumns(first, second)) {
+      cv::Mat surface = SurfaceOfFullSpectra(firstGrey, secondGrey, orientation);
+      peaks.Add(0, surface);
+      return true;
+    }
+    const std::shared_ptr<const cv::Mat> correlated = Correlate(firstGrey, secondGrey);
+    SurfaceRows rows(*correlated, SizeOfTransform(first));
+    std::vector<SurfaceRows::Block> blocks = rows.Blocks();
+    std::sort(blocks.begin(), blocks.end(),
+              [](const auto& one, const auto& other) { return one.bound > other.bound; });
+    for (const SurfaceRows::Block& block : blocks) {
+      if (!peaks.MayFindMore(block.bound)) {
+        break;
+      }
+      peaks.Add(block.rows.start, rows.Invert(block.rows));
+    }
+    return true;
   } catch (const FailedTransform& failure) {
     ReportFailedTransform(failure);
     std::cerr << "Failed to create correlation matrix." << std::endl;
-    return std::nullopt;
+    return false;
   }
 }
 
-std::shared_ptr<const cv::Mat> PairDetection::CorrelateColumns(const cv::Mat& firstGrey,
-                                                               const cv::Mat& secondGrey,
-                                                               const cv::Size& dftSize) const {
+std::shared_ptr<const cv::Mat> PairDetection::Correlate(const cv::Mat& firstGrey,
+                                                        const cv::Mat& secondGrey) const {
+  const cv::Size dftSize = SizeOfTransform(firstGrey);
   return sharedSpectra != nullptr
              ? sharedSpectra->CorrelateImages(firstGrey, secondGrey, dftSize)
              : std::make_shared<const cv::Mat>(CorrelateImages(firstGrey, secondGrey, dftSize));
+}
+
+cv::Size PairDetection::SizeOfTransform(const cv::Mat& image) const {
+  return TransformSize(image.size(), orientation);
+}
+
+bool PairDetection::CanGoByColumns(const cv::Mat& first, const cv::Mat& second) const {
+  const cv::Size dftSize = SizeOfTransform(first);
+  return dftSize == SizeOfTransform(second) && ColumnsGiveTheSameBits(dftSize);
 }
 
 }  // namespace ScrollingCapture

@@ -26,10 +26,13 @@ bool SamePixels(const cv::Mat& first, const cv::Mat& second) {
 std::shared_ptr<const cv::Mat> SharedSpectra::CorrelateImages(const cv::Mat& firstGrey,
                                                               const cv::Mat& secondGrey,
                                                               const cv::Size& dftSize) {
-  const Spectrum second = KeptSpectrum(secondGrey, dftSize);
-  const Spectrum first = LastUseOfSpectrum(firstGrey, dftSize);
-  const std::shared_ptr<cv::Mat> correlated = pool.Lend(SpectrumSize(dftSize), CV_32FC2);
+  Spectrum second = KeptSpectrum(secondGrey, dftSize);
+  Spectrum first = LastUseOfSpectrum(firstGrey, dftSize);
+  const Spectrum correlated =
+      IsOnlyUser(first) ? first : pool.Lend(SpectrumSize(dftSize), CV_32FC2);
   CorrelateSpectra(*first, *second, *correlated);
+  EndUse(std::move(first));
+  EndUse(std::move(second));
   return correlated;
 }
 
@@ -66,7 +69,7 @@ SharedSpectra::Spectrum SharedSpectra::LastUseOfSpectrum(const cv::Mat& grey,
 }
 
 SharedSpectra::Spectrum SharedSpectra::NewSpectrum(const cv::Mat& grey, const cv::Size& dftSize) {
-  const std::shared_ptr<cv::Mat> columns = pool.Lend(SpectrumSize(dftSize), CV_32FC2);
+  Spectrum columns = pool.Lend(SpectrumSize(dftSize), CV_32FC2);
   TransformImage(grey, dftSize, *columns);
   return columns;
 }
@@ -94,6 +97,18 @@ std::shared_ptr<SharedSpectra::Entry> SharedSpectra::Keep(const cv::Mat& grey) {
     entries.pop_front();
   }
   return entries.emplace_back(std::make_shared<Entry>(grey));
+}
+
+/// Whether a spectrum that is no longer kept can be overwritten. As every use ends under the lock,
+/// all other threads have then read what they wanted.
+bool SharedSpectra::IsOnlyUser(const Spectrum& spectrum) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return spectrum.use_count() == 1;
+}
+
+void SharedSpectra::EndUse(Spectrum spectrum) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  spectrum.reset();
 }
 
 /// Tells waiting threads how the making has ended.

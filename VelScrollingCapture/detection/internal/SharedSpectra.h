@@ -29,7 +29,7 @@ class SharedSpectra {
                                                  const cv::Size& dftSize);
 
  private:
-  using Spectrum = std::shared_ptr<const cv::Mat>;
+  using Spectrum = std::shared_ptr<cv::Mat>;
 
   /// A spectrum that a thread makes or has made.
   struct Entry {
@@ -46,6 +46,8 @@ class SharedSpectra {
   std::shared_ptr<Entry> Find(const cv::Mat& grey) const;
   std::shared_ptr<Entry> Keep(const cv::Mat& grey);
   Spectrum WaitFor(const std::shared_ptr<Entry>& entry, std::unique_lock<std::mutex>& lock);
+  bool IsOnlyUser(const Spectrum& spectrum);
+  void EndUse(Spectrum spectrum);
   void Finish(const std::shared_ptr<Entry>& entry, const Spectrum& columns);
 
   const size_t capacity;

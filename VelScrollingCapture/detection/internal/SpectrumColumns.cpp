@@ -2,6 +2,7 @@
 
 #include <opencv2/core/utility.hpp>
 
+#include <VelScrollingCapture/detection/internal/Blocks.h>
 #include <VelScrollingCapture/detection/internal/PackedRows.h>
 #include <VelScrollingCapture/detection/internal/SpectrumColumns.h>
 #include <VelScrollingCapture/detection/internal/Transforms.h>
@@ -12,14 +13,6 @@ namespace {
 /// Blocks of captures of usual size that stay in a processor core's own cache.
 constexpr int RowsAtOnce = 32;
 constexpr int ColumnsAtOnce = 16;
-
-/// Calls work(range) for consecutive ranges of at most `step` that cover 0 ... count.
-template <typename Work>
-void ForEachBlock(int count, int step, Work work) {
-  for (int start = 0; start < count; start += step) {
-    work(cv::Range(start, std::min(start + step, count)));
-  }
-}
 
 /// Transforms each row of an image that is centred in `width` columns.
 /// @param columns receives the transposed result: KeptColumns(width) rows of grey.rows elements
@@ -45,22 +38,16 @@ class ColumnTransform {
         centre(enlarged.colRange(CentredStart(height, imageRows),
                                  CentredStart(height, imageRows) + imageRows)) {}
 
-  cv::Mat operator()(const cv::Mat& block) {
+  /// @param result may share memory with the block
+  void operator()(const cv::Mat& block, cv::Mat result) {
     block.copyTo(centre.rowRange(0, block.rows));
-    cv::Mat result = transformed.rowRange(0, block.rows);
     Transform(enlarged.rowRange(0, block.rows), result, cv::DFT_ROWS);
-    return result;
   }
 
  private:
   cv::Mat enlarged;
   cv::Mat centre;
-  cv::Mat transformed{enlarged.size(), CV_32FC2};
 };
-
-void InvertColumns(const cv::Mat& block, cv::Mat inverted) {
-  Transform(block, inverted, cv::DFT_INVERSE | cv::DFT_ROWS);
-}
 
 }  // namespace
 
@@ -81,41 +68,32 @@ cv::Mat CorrelateImages(const cv::Mat& firstGrey, const cv::Mat& secondGrey,
   ColumnTransform transformFirst(firstGrey.rows, dftSize.height);
   ColumnTransform transformSecond(secondGrey.rows, dftSize.height);
   cv::Mat correlated = columns.colRange(0, dftSize.height);
-  cv::Mat signs;
+  const cv::Mat first(ColumnsAtOnce, dftSize.height, CV_32FC2);
+  const cv::Mat second(ColumnsAtOnce, dftSize.height, CV_32FC2);
   ForEachBlock(columns.rows, ColumnsAtOnce, [&](const cv::Range& block) {
-    const cv::Mat first = transformFirst(columns(block, firstPart));
-    const cv::Mat second = transformSecond(columns(block, secondPart));
-    CrossPowerSigns(first, second, signs);
-    InvertColumns(signs, correlated.rowRange(block));
+    const cv::Range filled(0, block.size());
+    transformFirst(columns(block, firstPart), first.rowRange(filled));
+    transformSecond(columns(block, secondPart), second.rowRange(filled));
+    CorrelateSpectra(first.rowRange(filled), second.rowRange(filled), correlated.rowRange(block));
   });
   return correlated;
 }
 
-void TransformImage(const cv::Mat& grey, const cv::Size& dftSize, cv::Mat& columns) {
-  const int start = CentredStart(dftSize.height, grey.rows);
-  columns.colRange(0, start).setTo(0);
-  TransformRows(grey, dftSize.width, columns.colRange(start, start + grey.rows));
-  columns.colRange(start + grey.rows, dftSize.height).setTo(0);
-  Transform(columns, columns, cv::DFT_ROWS);
-}
-
-void CorrelateSpectra(const cv::Mat& first, const cv::Mat& second, cv::Mat& correlated) {
-  cv::Mat signs;
-  ForEachBlock(first.rows, ColumnsAtOnce, [&](const cv::Range& block) {
-    CrossPowerSigns(first.rowRange(block), second.rowRange(block), signs);
-    InvertColumns(signs, correlated.rowRange(block));
+void TransformImage(const cv::Mat& grey, const cv::Size& dftSize, const cv::Mat& columns) {
+  const cv::Mat imageRows = columns.colRange(0, grey.rows);
+  TransformRows(grey, dftSize.width, imageRows);
+  ColumnTransform transform(grey.rows, dftSize.height);
+  ForEachBlock(columns.rows, ColumnsAtOnce, [&](const cv::Range& block) {
+    transform(imageRows.rowRange(block), columns.rowRange(block));
   });
 }
 
-void InvertRows(const cv::Mat& correlated, const cv::Size& dftSize, const TakeRows& take) {
-  PackedRows spectra(RowsAtOnce, dftSize.width);
-  cv::Mat surfaceRows;
-  ForEachBlock(dftSize.height, RowsAtOnce, [&](const cv::Range& rows) {
-    cv::transpose(correlated.colRange(rows), spectra.Complex(rows.size()));
-    spectra.Pack();
-    Transform(spectra.Packed(rows.size()), surfaceRows,
-              cv::DFT_INVERSE | cv::DFT_ROWS | cv::DFT_REAL_OUTPUT);
-    take(rows.start, surfaceRows);
+void CorrelateSpectra(const cv::Mat& first, const cv::Mat& second, const cv::Mat& correlated) {
+  cv::Mat signs;
+  ForEachBlock(first.rows, ColumnsAtOnce, [&](const cv::Range& block) {
+    CrossPowerSigns(first.rowRange(block), second.rowRange(block), signs);
+    cv::Mat inverted = correlated.rowRange(block);
+    Transform(signs, inverted, cv::DFT_INVERSE | cv::DFT_ROWS);
   });
 }
 

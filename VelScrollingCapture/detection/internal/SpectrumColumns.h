@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include <opencv2/core.hpp>
 
 namespace ScrollingCapture {
@@ -25,7 +23,8 @@ bool ColumnsGiveTheSameBits(const cv::Size& dftSize);
 /// How many columns of a spectrum are kept.
 inline int KeptColumns(int transformWidth) { return transformWidth / 2 + 1; }
 
-/// Multiplies two images' spectra and inverts the columns: the half-way stage of their surface.
+/// Multiplies two images' spectra and inverts the columns: half of the way to their surface, which
+/// SurfaceRows completes.
 /// @param firstGrey  CV_8UC1
 /// @param secondGrey CV_8UC1, of the same transform size
 /// @return KeptColumns(dftSize.width) rows of dftSize.height elements
@@ -34,17 +33,10 @@ cv::Mat CorrelateImages(const cv::Mat& firstGrey, const cv::Mat& secondGrey,
 
 /// Transforms a grey image that is centred in zeros.
 /// @param columns KeptColumns(dftSize.width) rows of dftSize.height elements, to be overwritten
-void TransformImage(const cv::Mat& grey, const cv::Size& dftSize, cv::Mat& columns);
+void TransformImage(const cv::Mat& grey, const cv::Size& dftSize, const cv::Mat& columns);
 
 /// As CorrelateImages, from what TransformImage gave.
-/// @param correlated as large as `first` and `second`, to be overwritten
-void CorrelateSpectra(const cv::Mat& first, const cv::Mat& second, cv::Mat& correlated);
-
-/// Takes the next rows of a surface (CV_32FC1), from the top down. They may be changed, and are
-/// gone after the call.
-using TakeRows = std::function<void(int firstRow, cv::Mat& rows)>;
-
-/// Inverts the rows of a half-way stage, some at a time, which completes the surface.
-void InvertRows(const cv::Mat& correlated, const cv::Size& dftSize, const TakeRows& take);
+/// @param correlated as large as `first` and `second`, to be overwritten; may be one of them
+void CorrelateSpectra(const cv::Mat& first, const cv::Mat& second, const cv::Mat& correlated);
 
 }  // namespace ScrollingCapture
