@@ -2,6 +2,7 @@
 
 #include <VelScrollingCapture/core/Utilities.h>
 
+#include "../../tests/detection/Page.h"
 #include "../../tests/detection/ReferenceDetector.h"
 #include "../../tests/support/MatrixTesting.h"
 #include "../support/PeakMemory.h"
@@ -10,11 +11,25 @@ namespace ScrollingCapture {
 namespace {
 
 using Similarity = double (*)(const cv::Mat& first, const cv::Mat& second);
+using MakeSecond = cv::Mat (*)(const cv::Mat& first);
 
-void BM_Similarity(benchmark::State& state, Similarity similarity) {
+/// The capture after a pause.
+cv::Mat Repeated(const cv::Mat& first) { return first.clone(); }
+
+/// The same page, scrolled on by a tenth of the height.
+cv::Mat Scrolled(const cv::Mat& first) {
+  cv::Mat second;
+  cv::repeat(first, 2, 1, second);
+  return second.rowRange(first.rows / 10, first.rows / 10 + first.rows).clone();
+}
+
+/// A capture without a pixel in common.
+cv::Mat Unrelated(const cv::Mat& first) { return Testing::NoiseCapture(first.size(), 2); }
+
+void BM_Similarity(benchmark::State& state, Similarity similarity, MakeSecond makeSecond) {
   const cv::Size size(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
-  const cv::Mat first = Testing::NoiseCapture(size, 1);
-  const cv::Mat second = Testing::NoiseCapture(size, 2);
+  const cv::Mat first = Testing::TextPage(size);
+  const cv::Mat second = makeSecond(first);
   const auto compare = [&] { benchmark::DoNotOptimize(similarity(first, second)); };
   state.counters["peakMiB"] = Benchmarks::PeakMiBOf(compare);
   for (auto _ : state) {
@@ -28,8 +43,24 @@ void Sizes(benchmark::internal::Benchmark* benchmark) {
   benchmark->Unit(benchmark::kMicrosecond);
 }
 
-BENCHMARK_CAPTURE(BM_Similarity, reference, Testing::ReferenceSimilarity)->Apply(Sizes);
-BENCHMARK_CAPTURE(BM_Similarity, library, Utilities::CalculateSimilarity)->Apply(Sizes);
+BENCHMARK_CAPTURE(BM_Similarity, reference, Testing::ReferenceSimilarity, Repeated)
+    ->Name("BM_SimilarityOfARepeat/reference")
+    ->Apply(Sizes);
+BENCHMARK_CAPTURE(BM_Similarity, library, Utilities::CalculateSimilarity, Repeated)
+    ->Name("BM_SimilarityOfARepeat/library")
+    ->Apply(Sizes);
+BENCHMARK_CAPTURE(BM_Similarity, reference, Testing::ReferenceSimilarity, Scrolled)
+    ->Name("BM_SimilarityAfterAScroll/reference")
+    ->Apply(Sizes);
+BENCHMARK_CAPTURE(BM_Similarity, library, Utilities::CalculateSimilarity, Scrolled)
+    ->Name("BM_SimilarityAfterAScroll/library")
+    ->Apply(Sizes);
+BENCHMARK_CAPTURE(BM_Similarity, reference, Testing::ReferenceSimilarity, Unrelated)
+    ->Name("BM_SimilarityOfNoise/reference")
+    ->Apply(Sizes);
+BENCHMARK_CAPTURE(BM_Similarity, library, Utilities::CalculateSimilarity, Unrelated)
+    ->Name("BM_SimilarityOfNoise/library")
+    ->Apply(Sizes);
 
 }  // namespace
 }  // namespace ScrollingCapture

@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <atomic>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -147,6 +149,57 @@ TEST(FailingTransform, OfOnePairDoesNotHarmTheOthers) {
   EXPECT_THAT(detector.DetectTranslation(captures, nullptr, 0, 90),
               ElementsAre(Translation(), Translation(-30, 0), Translation(-40, 0)));
   EXPECT_EQ(errors.Text(), ForwardLines + NoSurfaceLine);
+}
+
+/// Whichever pair it hits: its neighbour waits for the spectrum and then makes its own.
+TEST(FailingTransform, OfOneOfManyThreadsDoesNotHarmTheOthers) {
+  const cv::Mat page = Testing::TextPage({200, 300});
+  BasicImageProvider captures;
+  for (int top = 0; top < 80; top += 10) {
+    cv::Mat capture = page(cv::Rect(0, top, 120, 100)).clone();
+    captures.Add(capture);
+  }
+  const Testing::StreamCapture errors(std::cerr);
+  std::atomic<int> calls = 0;
+  const ScopedInterposition interposition{
+      {[&](int flags) { return IsForward(flags) && calls++ == 0; }, nullptr, nullptr}};
+  PhaseCorrelationTranslationDetector detector(Both, false, 4);
+  std::vector<Translation> found = detector.DetectTranslation(captures, nullptr, 0, 90);
+  EXPECT_EQ(std::count(found.begin(), found.end(), Translation(0, 0)), 1);
+  EXPECT_EQ(std::count(found.begin(), found.end(), Translation(-10, 0)), 6);
+  EXPECT_EQ(errors.Text(), ForwardLines + NoSurfaceLine);
+}
+
+/// Counts the forward transforms of a sequence of captures that scroll.
+int ForwardTransformsOf(ITranslationDetector& detector, int captureCount) {
+  const cv::Mat page = Testing::TextPage({200, 300});
+  BasicImageProvider captures;
+  for (int i = 0; i < captureCount; ++i) {
+    cv::Mat capture = page(cv::Rect(0, 10 * i, 120, 100)).clone();
+    captures.Add(capture);
+  }
+  int calls = 0;
+  const ScopedInterposition interposition{{[&](int flags) {
+                                             calls += IsForward(flags) ? 1 : 0;
+                                             return false;
+                                           },
+                                           nullptr, nullptr}};
+  detector.DetectTranslation(captures, nullptr, 0, 90);
+  return calls;
+}
+
+TEST(SequenceDetection, TransformsEachCaptureOnce) {
+  PhaseCorrelationTranslationDetector detector(Both, false, 1);
+  const int callsForTwoCaptures = ForwardTransformsOf(detector, 2);
+  EXPECT_GT(callsForTwoCaptures, 0);
+  EXPECT_EQ(ForwardTransformsOf(detector, 8), 4 * callsForTwoCaptures);
+}
+
+TEST(SequenceDetection, SharesNoSpectraBehindTheBackOfADerivedDetector) {
+  OpenDetector detector(Both);
+  const int callsForAPair = ForwardTransformsOf(detector, 2);
+  EXPECT_GT(callsForAPair, 0);
+  EXPECT_EQ(ForwardTransformsOf(detector, 8), 7 * callsForAPair);
 }
 
 TEST(PerformDFT, TellsThatItFailedAfterWritingTheTransformSize) {

@@ -121,6 +121,52 @@ TEST(PairDetection, ChoosesLikeTheReferenceForUnrelatedCaptures) {
   }
 }
 
+/// From a clear motion to none at all: the peak sinks into what the rest of the surface holds.
+TEST(PairDetection, ChoosesLikeTheReferenceHoweverWeakThePeakIs) {
+  const cv::Mat page = TextPage({260, 300});
+  const cv::Rect window(20, 20, 150, 110);
+  const cv::Mat first = page(window);
+  const cv::Mat moved = page(window + cv::Point(13, 37));
+  for (const ScrollOrientation orientation : {Vertical, Horizontal, Both}) {
+    OpenDetector detector(orientation);
+    const ReferenceDetector reference(orientation);
+    for (int percent = 0; percent <= 100; percent += 4) {
+      cv::Mat second;
+      cv::addWeighted(moved, 1 - percent / 100.0, NoiseCapture(window.size(), 5), percent / 100.0,
+                      0, second);
+      EXPECT_EQ(detector.DetectTranslation(first, second),
+                reference.DetectTranslation(first, second))
+          << percent << " % of noise";
+      Translation alternative;
+      Translation expectedAlternative;
+      EXPECT_EQ(detector.DetectTranslationWithAlternative(first, second, alternative),
+                reference.DetectTranslationWithAlternative(first, second, expectedAlternative));
+      EXPECT_EQ(alternative, expectedAlternative) << percent << " % of noise";
+    }
+  }
+}
+
+/// Two motions of nearly equal weight, in different rows of the surface.
+TEST(PairDetection, ChoosesLikeTheReferenceBetweenTwoMotions) {
+  const cv::Mat page = TextPage({260, 300});
+  const cv::Rect window(20, 20, 150, 110);
+  const cv::Mat first = page(window);
+  OpenDetector detector(Both);
+  const ReferenceDetector reference(Both);
+  for (int percent = 30; percent <= 70; percent += 2) {
+    cv::Mat second;
+    cv::addWeighted(page(window + cv::Point(3, 41)), percent / 100.0,
+                    page(window + cv::Point(8, -15)), 1 - percent / 100.0, 0, second);
+    Translation alternative;
+    Translation expectedAlternative;
+    EXPECT_EQ(detector.DetectTranslationWithAlternative(first, second, alternative),
+              reference.DetectTranslationWithAlternative(first, second, expectedAlternative));
+    EXPECT_EQ(alternative, expectedAlternative) << percent << " %";
+    EXPECT_EQ(detector.DetectTranslation(first, second),
+              reference.DetectTranslation(first, second));
+  }
+}
+
 TEST(PairDetection, TakesCapturesWithGapsBetweenTheRows) {
   const cv::Mat page = TextPage({200, 200});
   const cv::Mat first = page(cv::Rect(10, 20, 90, 80));

@@ -3,6 +3,7 @@
 #include <iostream>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -318,6 +319,39 @@ TEST(SequenceDetection, AsksForTheEarlierAndThenTheLaterCaptureOfEachPair) {
   PhaseCorrelationTranslationDetector detector(Both, false, 1);
   detector.DetectTranslation(captures, nullptr, 0, 90);
   EXPECT_THAT(captures.asked, ElementsAre(0, 1, 1, 2, 2, 3, 3, 4));
+}
+
+TEST(SequenceDetection, HandsAFailureOfTheProviderToTheCallerOnceAllWorkersHaveEnded) {
+  class LosingProvider : public BasicImageProvider {
+   public:
+    explicit LosingProvider(const BasicImageProvider& captures) : BasicImageProvider(captures) {}
+    std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
+      if (index == 2) {
+        throw std::runtime_error("lost");
+      }
+      return BasicImageProvider::GetImageAt(index);
+    }
+  };
+  for (const unsigned int threadCount : {1U, 3U}) {
+    LosingProvider captures(FiveCaptures.Captures());
+    PhaseCorrelationTranslationDetector detector(Both, false, threadCount);
+    EXPECT_THROW(detector.DetectTranslation(captures, nullptr, 0, 90), std::runtime_error);
+  }
+}
+
+TEST(SequenceDetection, TakesRepeatedCaptures) {
+  BasicImageProvider captures;
+  const cv::Mat page = Testing::TextPage({100, 300});
+  for (const int top : {0, 0, 40, 40, 40, 0}) {
+    cv::Mat capture = page(cv::Rect(0, top, 100, 90)).clone();
+    captures.Add(capture);
+  }
+  for (const unsigned int threadCount : {1U, 3U}) {
+    PhaseCorrelationTranslationDetector detector(Both, false, threadCount);
+    EXPECT_THAT(detector.DetectTranslation(captures, nullptr, 0, 90),
+                ElementsAre(Translation(0, 0), Translation(-40, 0), Translation(0, 0),
+                            Translation(0, 0), Translation(40, 0)));
+  }
 }
 
 /// Gives another picture whenever a capture is asked for again: the pairs of a sequence then have

@@ -72,6 +72,16 @@ TEST(Similarity, IsTheSameDoubleAsOverWholeGreyImages) {
   }
 }
 
+TEST(Similarity, IsTheSameDoubleWhenOnlySomeRowsDiffer) {
+  const cv::Mat first = TextPage({320, 200});
+  cv::Mat second = first.clone();
+  for (const int row : {0, 15, 16, 100, 199}) {
+    second.row(row).setTo(cv::Scalar(0, 90, 0, 255));
+    EXPECT_EQ(Utilities::CalculateSimilarity(first, second),
+              Testing::ReferenceSimilarity(first, second));
+  }
+}
+
 TEST(Similarity, TakesCapturesWithGapsBetweenTheRows) {
   const cv::Mat page = TextPage({400, 300});
   const cv::Mat first = page(cv::Rect(3, 5, 301, 203));
@@ -99,6 +109,7 @@ TEST(Similarity, PassesOnWhatOpenCVRejects) {
     EXPECT_THROW(Utilities::CalculateSimilarity(wrong, capture), cv::Exception);
   }
   EXPECT_THROW(Utilities::CalculateSimilarity(cv::Mat(), cv::Mat()), cv::Exception);
+  EXPECT_THROW(Utilities::CalculateSimilarity(grey, grey), cv::Exception);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 #include <VelScrollingCapture/detection/internal/SharedSpectra.h>
 #include <VelScrollingCapture/detection/internal/SpectrumColumns.h>
@@ -26,14 +25,24 @@ bool SamePixels(const cv::Mat& first, const cv::Mat& second) {
 std::shared_ptr<const cv::Mat> SharedSpectra::CorrelateImages(const cv::Mat& firstGrey,
                                                               const cv::Mat& secondGrey,
                                                               const cv::Size& dftSize) {
-  Spectrum second = KeptSpectrum(secondGrey, dftSize);
-  Spectrum first = LastUseOfSpectrum(firstGrey, dftSize);
-  const Spectrum correlated =
-      IsOnlyUser(first) ? first : pool.Lend(SpectrumSize(dftSize), CV_32FC2);
+  const Use second(*this, KeptSpectrum(secondGrey, dftSize));
+  const Use first(*this, LastUseOfSpectrum(firstGrey, dftSize));
+  Spectrum correlated = first.MemoryIfUnused();
+  if (correlated == nullptr) {
+    correlated = pool.Lend(SpectrumSize(dftSize), CV_32FC2);
+  }
   CorrelateSpectra(*first, *second, *correlated);
-  EndUse(std::move(first));
-  EndUse(std::move(second));
   return correlated;
+}
+
+SharedSpectra::Use::~Use() {
+  const std::lock_guard<std::mutex> lock(owner.mutex);
+  spectrum.reset();
+}
+
+SharedSpectra::Spectrum SharedSpectra::Use::MemoryIfUnused() const {
+  const std::lock_guard<std::mutex> lock(owner.mutex);
+  return spectrum.use_count() == 1 ? spectrum : nullptr;
 }
 
 /// The spectrum of a capture that the next pair will ask for as well.
@@ -97,18 +106,6 @@ std::shared_ptr<SharedSpectra::Entry> SharedSpectra::Keep(const cv::Mat& grey) {
     entries.pop_front();
   }
   return entries.emplace_back(std::make_shared<Entry>(grey));
-}
-
-/// Whether a spectrum that is no longer kept can be overwritten. As every use ends under the lock,
-/// all other threads have then read what they wanted.
-bool SharedSpectra::IsOnlyUser(const Spectrum& spectrum) {
-  const std::lock_guard<std::mutex> lock(mutex);
-  return spectrum.use_count() == 1;
-}
-
-void SharedSpectra::EndUse(Spectrum spectrum) {
-  const std::lock_guard<std::mutex> lock(mutex);
-  spectrum.reset();
 }
 
 /// Tells waiting threads how the making has ended.

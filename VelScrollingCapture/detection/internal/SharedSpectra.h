@@ -5,6 +5,7 @@
 #include <list>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include <opencv2/core.hpp>
 
@@ -40,14 +41,32 @@ class SharedSpectra {
     Spectrum columns;  ///< stays null when the transform fails
   };
 
+  /// One thread's use of a spectrum, which ends under the lock: whoever is then the only user knows
+  /// that nobody reads it any more.
+  class Use {
+   public:
+    Use(SharedSpectra& owner, Spectrum spectrum) : owner(owner), spectrum(std::move(spectrum)) {}
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+    ~Use();
+
+    const cv::Mat& operator*() const { return *spectrum; }
+
+    /// The spectrum's own memory when there is no other user, which there then cannot be any more
+    /// for a spectrum that is not kept; null otherwise.
+    Spectrum MemoryIfUnused() const;
+
+   private:
+    SharedSpectra& owner;
+    Spectrum spectrum;
+  };
+
   Spectrum KeptSpectrum(const cv::Mat& grey, const cv::Size& dftSize);
   Spectrum LastUseOfSpectrum(const cv::Mat& grey, const cv::Size& dftSize);
   Spectrum NewSpectrum(const cv::Mat& grey, const cv::Size& dftSize);
   std::shared_ptr<Entry> Find(const cv::Mat& grey) const;
   std::shared_ptr<Entry> Keep(const cv::Mat& grey);
   Spectrum WaitFor(const std::shared_ptr<Entry>& entry, std::unique_lock<std::mutex>& lock);
-  bool IsOnlyUser(const Spectrum& spectrum);
-  void EndUse(Spectrum spectrum);
   void Finish(const std::shared_ptr<Entry>& entry, const Spectrum& columns);
 
   const size_t capacity;
