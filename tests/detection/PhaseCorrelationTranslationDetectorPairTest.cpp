@@ -78,8 +78,10 @@ INSTANTIATE_TEST_SUITE_P(Motions, DetectedMotion,
 
 TEST(PairDetection, GivesTheFirstOfSeveralHighestValuesInRowMajorOrder) {
   // Black captures have a surface of zeros: every element is the highest.
-  const cv::Mat black = PlainCapture({20, 10}, 0);
-  EXPECT_EQ(OpenDetector(Both).DetectTranslation(black, black), Translation(0, 0));
+  for (const cv::Size size : {cv::Size(20, 10), cv::Size(5, 700), cv::Size(700, 5)}) {
+    const cv::Mat black = PlainCapture(size, 0);
+    EXPECT_EQ(OpenDetector(Both).DetectTranslation(black, black), Translation(0, 0)) << size;
+  }
 }
 
 /// Tiny captures have surfaces of small whole numbers with many equal values.
