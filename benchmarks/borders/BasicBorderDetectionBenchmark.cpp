@@ -1,13 +1,15 @@
-#include <chrono>
 #include <cstdlib>
 #include <iostream>
+#include <string>
+#include <utility>
 
 #include <benchmark/benchmark.h>
 #include <opencv2/imgproc.hpp>
 
-#include <VelScrollingCapture/borders/BasicBorderDetection.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
 
+#include "../../tests/borders/OpenBorderDetection.h"
+#include "../../tests/borders/ReferenceContentBox.h"
 #include "../../tests/support/MatrixTesting.h"
 #include "../../tests/support/StreamCapture.h"
 
@@ -16,12 +18,6 @@ namespace {
 
 const cv::Size CaptureSize(1920, 1080);
 constexpr unsigned int DifferenceThreshold = 10;
-
-class OpenDetection : public BasicBorderDetection {
- public:
-  using BasicBorderDetection::BasicBorderDetection;
-  using BasicBorderDetection::FindContent;
-};
 
 /// Whether a pixel differs between the two captures of a pair.
 using Change = bool (*)(int row, int column);
@@ -53,56 +49,80 @@ BasicImageProvider PairOf(Change changes) {
   return pair;
 }
 
-template <typename Work>
-double SecondsOf(Work work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-/// Finds the content box of two captures. The counter "ratio" tells how many times as long that
-/// takes as converting both to grey and subtracting them, measured in turns.
-void BM_FindContent(benchmark::State& state, Change changes, unsigned int neighborThreshold) {
-  BasicImageProvider pair = PairOf(changes);
-  OpenDetection detection(nullptr, DifferenceThreshold, neighborThreshold);
-  const Testing::StreamCapture errors(std::cerr);
+/// What every search has to do before it can begin.
+cv::Mat GreyDifference(BasicImageProvider& pair) {
   cv::Mat firstGrey;
   cv::Mat secondGrey;
   cv::Mat difference;
-  double searchSeconds = 0;
-  double differenceSeconds = 0;
+  cv::cvtColor(*pair.GetImageAt(0), firstGrey, cv::COLOR_RGBA2GRAY);
+  cv::cvtColor(*pair.GetImageAt(1), secondGrey, cv::COLOR_RGBA2GRAY);
+  cv::absdiff(firstGrey, secondGrey, difference);
+  return difference;
+}
+
+void OnlySubtract(BasicImageProvider& pair, unsigned int /*neighborThreshold*/) {
+  benchmark::DoNotOptimize(GreyDifference(pair));
+}
+
+void SearchWithReference(BasicImageProvider& pair, unsigned int neighborThreshold) {
+  const Testing::ReferenceContentBox search(DifferenceThreshold, neighborThreshold);
+  const cv::Mat difference = GreyDifference(pair);
+  cv::Range rows(CaptureSize.height, 0);
+  cv::Range columns(CaptureSize.width, 0);
+  benchmark::DoNotOptimize(search.FindTopAndLeftContentBoundary(difference, rows, columns) &&
+                           search.FindBottomAndRightContentBoundary(difference, rows, columns));
+}
+
+void SearchWithLibrary(BasicImageProvider& pair, unsigned int neighborThreshold) {
+  Testing::OpenBorderDetection detection(DifferenceThreshold, neighborThreshold);
+  cv::Range rows;
+  cv::Range columns;
+  benchmark::DoNotOptimize(detection.FindContent(pair, CaptureSize, rows, columns));
+}
+
+using FindContent = void (*)(BasicImageProvider& pair, unsigned int neighborThreshold);
+
+void BM_FindContent(benchmark::State& state, FindContent find, Change changes,
+                    unsigned int neighborThreshold) {
+  BasicImageProvider pair = PairOf(changes);
+  const Testing::StreamCapture errors(std::cerr);
   for (auto _ : state) {
-    differenceSeconds += SecondsOf([&] {
-      cv::cvtColor(*pair.GetImageAt(0), firstGrey, cv::COLOR_RGBA2GRAY);
-      cv::cvtColor(*pair.GetImageAt(1), secondGrey, cv::COLOR_RGBA2GRAY);
-      cv::absdiff(firstGrey, secondGrey, difference);
-      benchmark::DoNotOptimize(difference.data);
-    });
-    const double seconds = SecondsOf([&] {
-      cv::Range rows;
-      cv::Range columns;
-      benchmark::DoNotOptimize(detection.FindContent(pair, CaptureSize, rows, columns));
-    });
-    searchSeconds += seconds;
-    state.SetIterationTime(seconds);
+    find(pair, neighborThreshold);
   }
-  state.counters["ratio"] = searchSeconds / differenceSeconds;
 }
 
-void Settings(benchmark::internal::Benchmark* benchmark) {
-  benchmark->UseManualTime()->Unit(benchmark::kMillisecond);
-}
+struct Pattern {
+  const char* name;
+  Change changes;
+  unsigned int neighborThreshold;
+};
 
-BENCHMARK_CAPTURE(BM_FindContent, Nothing, Nothing, 2)->Apply(Settings);
-BENCHMARK_CAPTURE(BM_FindContent, Everything, Everything, 2)->Apply(Settings);
-BENCHMARK_CAPTURE(BM_FindContent, PageBelowToolbar, PageBelowToolbar, 2)->Apply(Settings);
-BENCHMARK_CAPTURE(BM_FindContent, IsolatedPixels, IsolatedPixels, 2)->Apply(Settings);
-BENCHMARK_CAPTURE(BM_FindContent, ChequeredBoard, ChequeredBoard, 4)->Apply(Settings);
-BENCHMARK_CAPTURE(BM_FindContent, LastCorner, LastCorner, 2)->Apply(Settings);
-BENCHMARK_CAPTURE(BM_FindContent, FirstCorner, FirstCorner, 2)->Apply(Settings);
-BENCHMARK_CAPTURE(BM_FindContent, Diagonal, Diagonal, 1)->Apply(Settings);
-BENCHMARK_CAPTURE(BM_FindContent, OtherDiagonal, OtherDiagonal, 1)->Apply(Settings);
-BENCHMARK_CAPTURE(BM_FindContent, EverythingButNoContent, Everything, 8)->Apply(Settings);
+constexpr Pattern Patterns[] = {
+    {"Nothing", Nothing, 2},
+    {"Everything", Everything, 2},
+    {"PageBelowToolbar", PageBelowToolbar, 2},
+    {"IsolatedPixels", IsolatedPixels, 2},
+    {"ChequeredBoard", ChequeredBoard, 4},
+    {"LastCorner", LastCorner, 2},
+    {"FirstCorner", FirstCorner, 2},
+    {"Diagonal", Diagonal, 1},
+    {"OtherDiagonal", OtherDiagonal, 1},
+    {"EverythingButNoContent", Everything, 8},
+};
+
+const bool Registered = [] {
+  for (const auto& [name, changes, neighborThreshold] : Patterns) {
+    for (const auto& [contender, find] :
+         {std::pair<const char*, FindContent>("reference", SearchWithReference),
+          {"library", SearchWithLibrary},
+          {"onlySubtract", OnlySubtract}}) {
+      const std::string title = std::string("BM_FindContent/") + contender + "/" + name;
+      benchmark::RegisterBenchmark(title.c_str(), BM_FindContent, find, changes, neighborThreshold)
+          ->Unit(benchmark::kMicrosecond);
+    }
+  }
+  return true;
+}();
 
 }  // namespace
 }  // namespace ScrollingCapture
