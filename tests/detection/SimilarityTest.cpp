@@ -82,6 +82,28 @@ TEST(Similarity, IsTheSameDoubleWhenOnlySomeRowsDiffer) {
   }
 }
 
+/// All colours of one red level, a capture of 256 x 256.
+cv::Mat ColoursWithRed(int red) {
+  cv::Mat colours(256, 256, CV_8UC4);
+  for (int green = 0; green < colours.rows; ++green) {
+    for (int blue = 0; blue < colours.cols; ++blue) {
+      colours.at<cv::Vec4b>(green, blue) = cv::Vec4b(
+          static_cast<uchar>(red), static_cast<uchar>(green), static_cast<uchar>(blue), 128);
+    }
+  }
+  return colours;
+}
+
+TEST(Similarity, FindsEveryColourEqualToItsGreyLevel) {
+  for (int red = 0; red < 256; ++red) {
+    const cv::Mat colours = ColoursWithRed(red);
+    cv::Mat grey;
+    cv::cvtColor(colours, grey, cv::COLOR_RGBA2GRAY);
+    cv::cvtColor(grey, grey, cv::COLOR_GRAY2RGBA);
+    ASSERT_EQ(Utilities::CalculateSimilarity(colours, grey), 1.0) << "red " << red;
+  }
+}
+
 TEST(Similarity, TakesCapturesWithGapsBetweenTheRows) {
   const cv::Mat page = TextPage({400, 300});
   const cv::Mat first = page(cv::Rect(3, 5, 301, 203));
