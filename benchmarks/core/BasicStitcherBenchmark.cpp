@@ -17,7 +17,7 @@ constexpr size_t Captures = 50;
 /// Steps of a scroll: the captures overlap by a fifth, by two fifths and by three fifths.
 void Steps(benchmark::internal::Benchmark* benchmark) {
   benchmark->ArgNames({"width", "height", "step"});
-  for (const auto& [width, height] : {std::pair(640, 480), {1920, 1080}}) {
+  for (const auto& [width, height] : {std::pair(640, 480), {1920, 1080}, {2880, 1800}}) {
     for (const int fifths : {4, 3, 2}) {
       benchmark->Args({width, height, height * fifths / 5});
     }
