@@ -1,0 +1,18 @@
+# Completion of velscroll's arguments in fish.
+
+complete -c velscroll -s h -l help -f -d "Print a summary of the options"
+complete -c velscroll -s o -l output -r -F -d "The stitched image to write"
+complete -c velscroll -l orientation -x -a "vertical horizontal both" -d "The directions in which the content scrolled"
+complete -c velscroll -l consistent -d "Expect steps of equal length"
+complete -c velscroll -l threads -x -d "The most threads that work at once"
+complete -c velscroll -l keep-repeats -d "Do not drop captures that show the same as the one before"
+complete -c velscroll -l borders -d "Find borders that stay put, and lay them around the result"
+complete -c velscroll -l difference-threshold -x -d "Grey-level difference above which a pixel has changed"
+complete -c velscroll -l neighbor-threshold -x -d "Changed neighbours above which a pixel is content"
+complete -c velscroll -l memory-limit -x -d "Keep no more captures in memory than this"
+complete -c velscroll -l spill-folder -x -a "(__fish_complete_directories)" -d "Where the other captures wait"
+complete -c velscroll -l preview -r -F -d "Also write the live preview"
+complete -c velscroll -l preview-size -x -d "The box that the preview fits into"
+complete -c velscroll -l report -r -F -d "Write what was found to a JSON file"
+complete -c velscroll -s q -l quiet -d "Print nothing but errors"
+complete -c velscroll -l version -f -d "Print the version"
