@@ -1,6 +1,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
@@ -36,6 +37,19 @@ class Spill : public Testing::ProgramTest {
   std::vector<std::string> Arguments(const std::string& limit) const {
     return {"capture-*.png", "-o", "page.png", "--memory-limit", limit, "--spill-folder", "spill"};
   }
+
+  /// Starts the program on the six captures and a pipe that stands for a seventh.
+  std::unique_ptr<Testing::ProgramProcess> StartWithPipe() const {
+    EXPECT_EQ(mkfifo(PathOf("pipe.png").c_str(), 0600), 0);
+    auto arguments = Arguments("0");
+    arguments.insert(arguments.begin() + 1, "pipe.png");
+    Testing::ProgramSetting setting;
+    setting.folder = folder.Prefix();
+    return std::make_unique<Testing::ProgramProcess>(arguments, setting);
+  }
+
+  /// Returns when the program has read the six captures and waits for the pipe.
+  int OpenPipe() const { return open(PathOf("pipe.png").c_str(), O_WRONLY); }
 };
 
 class SpillLimits : public Spill, public ::testing::WithParamInterface<std::string> {};
@@ -66,33 +80,23 @@ TEST_F(Spill, WorksWithBorders) {
 }
 
 TEST_F(Spill, FolderIsPrivateAndGoesWhenInterrupted) {
-  ASSERT_EQ(mkfifo(PathOf("pipe.png").c_str(), 0600), 0);
-  auto arguments = Arguments("0");
-  arguments.insert(arguments.begin() + 1, "pipe.png");
-  Testing::ProgramSetting setting;
-  setting.folder = folder.Prefix();
-  Testing::ProgramProcess program(arguments, setting);
-  const int pipe = open(PathOf("pipe.png").c_str(), O_WRONLY);  // returns when the program reads
-  // Six captures have been read by now, of which two stay in memory.
+  const auto program = StartWithPipe();
+  const int pipe = OpenPipe();
+  // Two of the six stay in memory.
   const auto contents = SpillFolderContents();
   EXPECT_THAT(contents, SizeIs(1 + 4));
   const auto permissions =
       std::filesystem::status(std::filesystem::path(contents.front())).permissions();
   EXPECT_EQ(permissions, std::filesystem::perms::owner_all);
-  program.Signal(SIGTERM);
+  program->Signal(SIGTERM);
   close(pipe);
-  EXPECT_EQ(program.Wait().status, 130);
+  EXPECT_EQ(program->Wait().status, 130);
   EXPECT_THAT(SpillFolderContents(), IsEmpty());
 }
 
 TEST_F(Spill, FileThatIsLostIsToldAndNothingIsWritten) {
-  ASSERT_EQ(mkfifo(PathOf("pipe.png").c_str(), 0600), 0);
-  auto arguments = Arguments("0");
-  arguments.insert(arguments.begin() + 1, "pipe.png");
-  Testing::ProgramSetting setting;
-  setting.folder = folder.Prefix();
-  Testing::ProgramProcess program(arguments, setting);
-  const int pipe = open(PathOf("pipe.png").c_str(), O_WRONLY);
+  const auto program = StartWithPipe();
+  const int pipe = OpenPipe();
   for (const auto& entry : std::filesystem::recursive_directory_iterator(PathOf("spill"))) {
     if (entry.is_regular_file()) {
       std::filesystem::remove(entry.path());
@@ -102,7 +106,7 @@ TEST_F(Spill, FileThatIsLostIsToldAndNothingIsWritten) {
   const std::string last = ReadBytes("last.png");
   EXPECT_EQ(write(pipe, last.data(), last.size()), static_cast<ssize_t>(last.size()));
   close(pipe);
-  const Testing::ProgramResult result = program.Wait();
+  const Testing::ProgramResult result = program->Wait();
   EXPECT_EQ(result.status, 1);
   Testing::ExpectOneLine(result);
   EXPECT_THAT(result.standardError, HasSubstr("cannot be read back"));
