@@ -1,5 +1,6 @@
 #include <iostream>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -168,6 +169,8 @@ struct EmptyBorder {
   cv::Range rows;
   cv::Range columns;
 };
+
+void PrintTo(const EmptyBorder& border, std::ostream* stream) { *stream << border.name; }
 
 class CopyBordersOfNothing : public testing::TestWithParam<EmptyBorder> {};
 

@@ -1,6 +1,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -104,6 +105,8 @@ struct Storage {
   const char* name;
   std::function<std::shared_ptr<IImageProvider>(const std::string& folder)> make;
 };
+
+void PrintTo(const Storage& storage, std::ostream* stream) { *stream << storage.name; }
 
 class BorderDetectingStitch : public testing::TestWithParam<Storage> {
  protected:

@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <future>
+#include <ostream>
 #include <stdexcept>
 
 #include <gmock/gmock.h>
@@ -30,6 +31,8 @@ struct BadFolder {
   const char* name;
   const char* path;  ///< absolute, or relative to a folder that holds the file "plain"
 };
+
+void PrintTo(const BadFolder& folder, std::ostream* stream) { *stream << folder.name; }
 
 class FolderThatCannotBeWrittenTest : public testing::TestWithParam<BadFolder> {
  protected:

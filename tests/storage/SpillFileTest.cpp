@@ -1,6 +1,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 
@@ -80,6 +81,8 @@ struct Kind {
   int type;
   std::uint64_t elementSize;
 };
+
+void PrintTo(const Kind& kind, std::ostream* stream) { *stream << kind.name; }
 
 class SpillFileOfKindTest : public SpillFileTest, public testing::WithParamInterface<Kind> {};
 
@@ -211,6 +214,8 @@ struct DamagedHeader {
   std::int32_t rows;
   std::uint64_t elementSize;
 };
+
+void PrintTo(const DamagedHeader& header, std::ostream* stream) { *stream << header.name; }
 
 class DamagedSpillFileTest : public SpillFileTest,
                              public testing::WithParamInterface<DamagedHeader> {};
