@@ -30,6 +30,7 @@ std::vector<cv::Mat> Captures(const cv::Size& size, int count) {
   const int step = 2 * size.height / 5;
   const cv::Mat page = Testing::TextPage({size.width, size.height + count * step});
   std::vector<cv::Mat> captures;
+  captures.reserve(static_cast<size_t>(count));
   for (int i = 0; i < count; ++i) {
     captures.push_back(page(cv::Rect({0, i * step}, size)).clone());
   }

@@ -11,8 +11,7 @@
 namespace ScrollingCapture {
 namespace {
 
-constexpr int PixelBytes = 4;
-constexpr int PixelsAtOnce = 4;
+constexpr size_t BytesAtOnce = 16;
 
 /// The weighted sum of the channels that cv::cvtColor takes: ITU-R BT.601 luma in fixed point with
 /// 15 fractional bits, rounded. Red and blue, and green and alpha, are weighed as pairs.
@@ -39,33 +38,33 @@ class FixedPointGrey {
   cv::v_int32x4 oneHalf = cv::v_setall_s32(1 << (FractionalBits - 1));
 };
 
-std::uint64_t SumOfRow(const uchar* first, const uchar* second, int columns) {
+std::uint64_t SumOfRow(const uchar* first, const uchar* second, size_t bytes) {
   const FixedPointGrey grey;
   cv::v_uint32x4 sum = cv::v_setzero_u32();
   const auto add = [&](const uchar* firstPixels, const uchar* secondPixels) {
     sum += cv::v_reinterpret_as_u32(cv::v_absdiff(grey(firstPixels), grey(secondPixels)));
   };
-  const int whole = columns - columns % PixelsAtOnce;
-  for (int byte = 0; byte < whole * PixelBytes; byte += PixelsAtOnce * PixelBytes) {
+  const size_t whole = bytes - bytes % BytesAtOnce;
+  for (size_t byte = 0; byte < whole; byte += BytesAtOnce) {
     add(first + byte, second + byte);
   }
-  if (whole < columns) {
-    std::array<uchar, PixelsAtOnce * PixelBytes> firstRest{};
-    std::array<uchar, PixelsAtOnce * PixelBytes> secondRest{};
-    std::copy(first + whole * PixelBytes, first + columns * PixelBytes, firstRest.begin());
-    std::copy(second + whole * PixelBytes, second + columns * PixelBytes, secondRest.begin());
+  if (whole < bytes) {
+    std::array<uchar, BytesAtOnce> firstRest{};
+    std::array<uchar, BytesAtOnce> secondRest{};
+    std::copy(first + whole, first + bytes, firstRest.begin());
+    std::copy(second + whole, second + bytes, secondRest.begin());
     add(firstRest.data(), secondRest.data());
   }
   return cv::v_reduce_sum(sum);
 }
 
 std::uint64_t SumInFixedPoint(const cv::Mat& first, const cv::Mat& second) {
-  const size_t rowBytes = static_cast<size_t>(first.cols) * PixelBytes;
+  const size_t rowBytes = static_cast<size_t>(first.cols) * first.elemSize();
   std::uint64_t sum = 0;
   for (int row = 0; row < first.rows; ++row) {
     // A capture that repeats the last one is common, and so are rows of nothing but background.
     if (std::memcmp(first.ptr(row), second.ptr(row), rowBytes) != 0) {
-      sum += SumOfRow(first.ptr(row), second.ptr(row), first.cols);
+      sum += SumOfRow(first.ptr(row), second.ptr(row), rowBytes);
     }
   }
   return sum;
