@@ -47,7 +47,8 @@ void VelScrollingCapture::setupStitcher() {
   setPreviewImageSize(DefaultPreviewSize);
 }
 
-void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& image) {
+/// A capture that cannot be compared with the last one could not be stitched to it either.
+void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& image) try {
   cv::Mat capture = image ? image->CVMat() : cv::Mat();
   makePreviewWhenAbsent();
   if (!isNew(capture)) {
@@ -57,6 +58,8 @@ void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& 
   if (_previewImageCreator) {
     _previewImageCreator->AddCapture(capture);
   }
+} catch (const cv::Exception&) {
+  return;
 }
 
 std::optional<PlatformImage> VelScrollingCapture::currentImagePreview() try {
@@ -82,8 +85,11 @@ std::optional<PlatformImage> VelScrollingCapture::stitchAndReturnFinalImage() {
     }
     return bitmapImageRepresentation(PlatformImage::imageWithCVMat(_stitcherAdapter->getResult()));
   } catch (const cv::Exception&) {
-    stitchingComplete(false);
+    cleanupListener();
     return std::nullopt;
+  } catch (...) {
+    cleanupListener();
+    throw;
   }
 }
 
@@ -116,11 +122,13 @@ void VelScrollingCapture::cleanupListener() {
 }
 
 std::optional<PlatformImage> VelScrollingCapture::bitmapImageRepresentation(
-    const PlatformImage& image) const {
+    const PlatformImage& image) const try {
   if (image.width() <= 0 || image.height() <= 0) {
     return std::nullopt;
   }
   return image.isGrey() ? PlatformImage::imageWithCVMat(image.CVMat()) : image;
+} catch (const cv::Exception&) {
+  return std::nullopt;
 }
 
 std::shared_ptr<ScrollingProgressDelegate> VelScrollingCapture::progressDelegate() const {
@@ -164,11 +172,8 @@ void VelScrollingCapture::setPreviewImageCreator(PreviewImage* preview) {
   ReplaceWithoutFreeing(_previewImageCreator, preview);
 }
 
-/// A capture that cannot be compared with the last one could not be stitched to it either.
-bool VelScrollingCapture::isNew(const cv::Mat& capture) const try {
+bool VelScrollingCapture::isNew(const cv::Mat& capture) const {
   return _stitcherAdapter && !RepeatsLastCapture(*_stitcherAdapter, capture);
-} catch (const cv::Exception&) {
-  return false;
 }
 
 /// A preview that cannot be made must not cost the capture; the next capture tries again.
