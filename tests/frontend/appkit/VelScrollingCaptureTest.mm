@@ -40,6 +40,21 @@
 }
 @end
 
+/// Raises an exception when the stitch is about to end, which it hears of on the calling thread.
+@interface RaisingDelegate : NSObject <ScrollingProgressDelegate>
+@end
+
+@implementation RaisingDelegate
+- (void)setCurrentProgress:(int)progress {
+  if (progress == 100) {
+    [NSException raise:NSGenericException format:@"The delegate failed."];
+  }
+}
+- (BOOL)continueScrolling {
+  return YES;
+}
+@end
+
 /// Tells when it goes away.
 @interface WatchedCapture : VelScrollingCapture {
  @public
@@ -247,6 +262,24 @@ TEST_F(ObjectiveCOwnership, EndsWithAFailedStitch) {
   Start();
   [capture stitchAndReturnFinalImage];
   EXPECT_FALSE(gone);
+  [capture release];
+  EXPECT_TRUE(gone);
+}
+
+TEST_F(ObjectiveCOwnership, EndsWithAStitchThatAnExceptionOfTheDelegateStops) {
+  Start();
+  AddAll(capture, ScrolledCaptures(2));
+  RaisingDelegate* const delegate = [[[RaisingDelegate alloc] init] autorelease];
+  [capture setProgressDelegate:delegate];
+  bool raised = false;
+  @try {
+    [capture stitchAndReturnFinalImage];
+  } @catch (NSException* exception) {
+    raised = true;
+  }
+  EXPECT_TRUE(raised);
+  EXPECT_FALSE(gone);
+  [capture setProgressDelegate:nil];
   [capture release];
   EXPECT_TRUE(gone);
 }
