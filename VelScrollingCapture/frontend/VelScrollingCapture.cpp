@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/frontend/RepeatFilter.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
@@ -14,6 +16,20 @@ void ReplaceWithoutFreeing(std::unique_ptr<Object>& owner, Object* object) {
   static_cast<void>(owner.release());
   owner.reset(object);
 }
+
+/// Ends the listener's life with the stitch, also when an exception passes. The completion notice
+/// drops the listener's reference to the capture object, which may be the last one but for this.
+class EndOfStitch {
+ public:
+  explicit EndOfStitch(std::shared_ptr<VelScrollingCapture> captureObject)
+      : captureObject(std::move(captureObject)) {}
+  EndOfStitch(const EndOfStitch&) = delete;
+  EndOfStitch& operator=(const EndOfStitch&) = delete;
+  ~EndOfStitch() { captureObject->cleanupListener(); }
+
+ private:
+  const std::shared_ptr<VelScrollingCapture> captureObject;
+};
 
 }  // namespace
 
@@ -77,19 +93,14 @@ std::optional<PlatformImage> VelScrollingCapture::stitchAndReturnFinalImage() {
   if (!_progressListener || !_stitcherAdapter) {
     return std::nullopt;
   }
-  // The completion notice drops the listener's reference, which may be the last one.
-  const std::shared_ptr<VelScrollingCapture> self = shared_from_this();
+  const EndOfStitch end(shared_from_this());
   try {
     if (!_stitcherAdapter->stitchImages()) {
       return std::nullopt;
     }
     return bitmapImageRepresentation(PlatformImage::imageWithCVMat(_stitcherAdapter->getResult()));
   } catch (const cv::Exception&) {
-    cleanupListener();
     return std::nullopt;
-  } catch (...) {
-    cleanupListener();
-    throw;
   }
 }
 

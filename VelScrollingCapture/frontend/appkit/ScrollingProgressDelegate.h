@@ -5,9 +5,7 @@
 /// The host's side of a final stitch: hears how far it is, and can stop it.
 ///
 /// During translation detection the messages come from worker threads, one at a time; all others
-/// come from the thread that sent stitchAndReturnFinalImage. A delegate must not raise exceptions:
-/// one that leaves a worker thread ends the process, and one that is raised on the calling thread
-/// passes to the sender and stops the stitch.
+/// come from the thread that sent stitchAndReturnFinalImage. A delegate must not raise exceptions.
 @protocol ScrollingProgressDelegate <NSObject>
 
 /// Tells the progress of the stitch in percent, 0 to 100.

@@ -1,5 +1,6 @@
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -40,14 +41,14 @@
 }
 @end
 
-/// Raises an exception when the stitch is about to end, which it hears of on the calling thread.
-@interface RaisingDelegate : NSObject <ScrollingProgressDelegate>
+/// Throws when the stitch is about to end, which it hears of on the calling thread.
+@interface ThrowingDelegate : NSObject <ScrollingProgressDelegate>
 @end
 
-@implementation RaisingDelegate
+@implementation ThrowingDelegate
 - (void)setCurrentProgress:(int)progress {
   if (progress == 100) {
-    [NSException raise:NSGenericException format:@"The delegate failed."];
+    throw std::runtime_error("The delegate failed.");
   }
 }
 - (BOOL)continueScrolling {
@@ -266,18 +267,12 @@ TEST_F(ObjectiveCOwnership, EndsWithAFailedStitch) {
   EXPECT_TRUE(gone);
 }
 
-TEST_F(ObjectiveCOwnership, EndsWithAStitchThatAnExceptionOfTheDelegateStops) {
+TEST_F(ObjectiveCOwnership, EndsWithAStitchThatAnExceptionStops) {
   Start();
   AddAll(capture, ScrolledCaptures(2));
-  RaisingDelegate* const delegate = [[[RaisingDelegate alloc] init] autorelease];
+  ThrowingDelegate* const delegate = [[[ThrowingDelegate alloc] init] autorelease];
   [capture setProgressDelegate:delegate];
-  bool raised = false;
-  @try {
-    [capture stitchAndReturnFinalImage];
-  } @catch (NSException* exception) {
-    raised = true;
-  }
-  EXPECT_TRUE(raised);
+  EXPECT_THROW([capture stitchAndReturnFinalImage], std::runtime_error);
   EXPECT_FALSE(gone);
   [capture setProgressDelegate:nil];
   [capture release];
