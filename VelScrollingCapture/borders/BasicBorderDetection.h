@@ -52,7 +52,9 @@ class VEL_EXPORT BasicBorderDetection : public BorderDetection {
   /// Keeps the borders of the first capture, and replaces each capture by a copy of its part inside
   /// the content box; the pixels of the matrices that were replaced stay as they are.
   ///
-  /// Memory that runs out while the captures are copied is told by OpenCV's exception.
+  /// Memory that runs out is told by OpenCV's exception, except while captures are compared, where
+  /// it counts as a boundary that was not found. When it runs out while the captures are replaced,
+  /// those before are replaced already, each of them whole: stitch the original captures again.
   bool ExtractBorders(IImageProvider& images) override;
 
   /// Replaces `image`, of any type, by a larger frame of its type with the kept borders around it.
@@ -60,8 +62,8 @@ class VEL_EXPORT BasicBorderDetection : public BorderDetection {
 
   /// Finds the content box from each capture's difference to the one before it.
   ///
-  /// Captures that cannot be compared, such as two of different sizes, count as a boundary that was
-  /// not found.
+  /// Captures that cannot be compared, such as two of different sizes or for want of memory, count
+  /// as a boundary that was not found.
   /// @param provider    the captures, at least two; they are only read
   /// @param captureSize the size of the first capture
   /// @param rows        receives the rows of the content box; undefined on failure

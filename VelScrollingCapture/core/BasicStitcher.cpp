@@ -93,9 +93,10 @@ bool BasicStitcher::Stitch(IImageProvider& provider, cv::Mat& result, IStitcherL
     return false;
   }
   if (count == 1) {
-    result = *provider.GetImageAt(0);
     const bool accepted = listener == nullptr || listener->ProgressCallback(progressEnd);
-    if (!accepted) {
+    if (accepted) {
+      result = *provider.GetImageAt(0);
+    } else {
       NotifyError(listener, IStitcherListener::Cancelled);
     }
     NotifyCompletion(listener, notifyCompletion, accepted);

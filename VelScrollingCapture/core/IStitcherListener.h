@@ -8,7 +8,9 @@ namespace ScrollingCapture {
 ///
 /// During translation detection the calls come from worker threads, one at a time; all others come
 /// from the thread that called IStitcher::Stitch. A listener must not throw from ProgressCallback:
-/// an exception that leaves a worker thread ends the process.
+/// an exception that leaves a worker thread ends the process. One that is thrown on the thread that
+/// called IStitcher::Stitch, by whichever operation, passes to its caller. The stitch ends there
+/// without a further call, and may be tried again.
 class VEL_EXPORT IStitcherListener {
  public:
   /// Why a stitch failed.

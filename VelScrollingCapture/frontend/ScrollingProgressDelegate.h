@@ -8,7 +8,9 @@ namespace ScrollingCapture {
 ///
 /// During translation detection the calls come from worker threads, one at a time; all others come
 /// from the thread that called VelScrollingCapture::stitchAndReturnFinalImage. A delegate must not
-/// throw: an exception that leaves a worker thread ends the process.
+/// throw: an exception that leaves a worker thread ends the process. One that is thrown on the
+/// calling thread passes to the caller and stops the stitch; the captures can be stitched again
+/// after VelScrollingCapture::setupStitcher.
 class VEL_EXPORT ScrollingProgressDelegate {
  public:
   virtual ~ScrollingProgressDelegate() = default;

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/frontend/RepeatFilter.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
@@ -14,6 +16,20 @@ void ReplaceWithoutFreeing(std::unique_ptr<Object>& owner, Object* object) {
   static_cast<void>(owner.release());
   owner.reset(object);
 }
+
+/// Ends the listener's life with the stitch, also when an exception passes. The completion notice
+/// drops the listener's reference to the capture object, which may be the last one but for this.
+class EndOfStitch {
+ public:
+  explicit EndOfStitch(std::shared_ptr<VelScrollingCapture> captureObject)
+      : captureObject(std::move(captureObject)) {}
+  EndOfStitch(const EndOfStitch&) = delete;
+  EndOfStitch& operator=(const EndOfStitch&) = delete;
+  ~EndOfStitch() { captureObject->cleanupListener(); }
+
+ private:
+  const std::shared_ptr<VelScrollingCapture> captureObject;
+};
 
 }  // namespace
 
@@ -47,7 +63,8 @@ void VelScrollingCapture::setupStitcher() {
   setPreviewImageSize(DefaultPreviewSize);
 }
 
-void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& image) {
+/// A capture that cannot be compared with the last one could not be stitched to it either.
+void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& image) try {
   cv::Mat capture = image ? image->CVMat() : cv::Mat();
   makePreviewWhenAbsent();
   if (!isNew(capture)) {
@@ -57,6 +74,8 @@ void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& 
   if (_previewImageCreator) {
     _previewImageCreator->AddCapture(capture);
   }
+} catch (const cv::Exception&) {
+  return;
 }
 
 std::optional<PlatformImage> VelScrollingCapture::currentImagePreview() try {
@@ -74,15 +93,13 @@ std::optional<PlatformImage> VelScrollingCapture::stitchAndReturnFinalImage() {
   if (!_progressListener || !_stitcherAdapter) {
     return std::nullopt;
   }
-  // The completion notice drops the listener's reference, which may be the last one.
-  const std::shared_ptr<VelScrollingCapture> self = shared_from_this();
+  const EndOfStitch end(shared_from_this());
   try {
     if (!_stitcherAdapter->stitchImages()) {
       return std::nullopt;
     }
     return bitmapImageRepresentation(PlatformImage::imageWithCVMat(_stitcherAdapter->getResult()));
   } catch (const cv::Exception&) {
-    stitchingComplete(false);
     return std::nullopt;
   }
 }
@@ -116,11 +133,13 @@ void VelScrollingCapture::cleanupListener() {
 }
 
 std::optional<PlatformImage> VelScrollingCapture::bitmapImageRepresentation(
-    const PlatformImage& image) const {
+    const PlatformImage& image) const try {
   if (image.width() <= 0 || image.height() <= 0) {
     return std::nullopt;
   }
   return image.isGrey() ? PlatformImage::imageWithCVMat(image.CVMat()) : image;
+} catch (const cv::Exception&) {
+  return std::nullopt;
 }
 
 std::shared_ptr<ScrollingProgressDelegate> VelScrollingCapture::progressDelegate() const {
@@ -164,11 +183,8 @@ void VelScrollingCapture::setPreviewImageCreator(PreviewImage* preview) {
   ReplaceWithoutFreeing(_previewImageCreator, preview);
 }
 
-/// A capture that cannot be compared with the last one could not be stitched to it either.
-bool VelScrollingCapture::isNew(const cv::Mat& capture) const try {
+bool VelScrollingCapture::isNew(const cv::Mat& capture) const {
   return _stitcherAdapter && !RepeatsLastCapture(*_stitcherAdapter, capture);
-} catch (const cv::Exception&) {
-  return false;
 }
 
 /// A preview that cannot be made must not cost the capture; the next capture tries again.

@@ -27,7 +27,8 @@ namespace ScrollingCapture {
 /// without that the object lives for ever.
 ///
 /// Threads: calls must not overlap, except that progressDelegate and previewImageSize may be read
-/// and written at any time, from any thread. Exceptions of OpenCV do not leave the operations.
+/// and written at any time, from any thread. Exceptions of OpenCV do not leave the operations; but
+/// where memory runs out on a worker thread of a stitch, the process ends.
 class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelScrollingCapture> {
  public:
   /// A capture object that looks for motion in both directions, on one thread, and expects no
@@ -55,19 +56,23 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   ///
   /// The first capture is always kept, even when it is absent, which counts as empty. A later one
   /// is dropped silently when it shows the same as the last one kept, or cannot be compared with it
-  /// because their sizes differ. The image's pixels are copied.
+  /// because their sizes differ. Any capture is dropped when memory for it runs out; it may then be
+  /// added again. The image's pixels are copied.
   void addImageToAdapter(const std::optional<PlatformImage>& image);
 
   /// The preview as it stands, scaled down to fit into previewImageSize; absent before the first
-  /// capture, and when that size leaves no pixel. Always red, green, blue, alpha.
+  /// capture, when that size leaves no pixel, and when memory runs out. Always red, green, blue,
+  /// alpha.
   std::optional<PlatformImage> currentImagePreview();
 
   /// Stitches all captures on the calling thread, with progress to the delegate.
   ///
   /// Ends the life of the progress listener; any further call, unless setupStitcher comes first,
-  /// does nothing and gives no image.
+  /// does nothing and gives no image. Throws std::system_error when no thread can be started, and
+  /// what the delegate throws on the calling thread; the listener's life ends then, too.
   /// @return red, green, blue, alpha; absent when there is no capture, the delegate stopped the
-  ///         work, the stitch failed (with a message on the standard error stream) or has no pixel
+  ///         work, the stitch failed (with a message on the standard error stream), memory ran out,
+  ///         or the image has no pixel
   std::optional<PlatformImage> stitchAndReturnFinalImage();
 
   /// Relays progress to the delegate, which is looked up afresh for every message.
@@ -88,7 +93,8 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   /// alive. Captures can be added and previewed further, but not stitched.
   void cleanupListener();
 
-  /// `image` rendered as red, green, blue, alpha; absent when it has no pixel.
+  /// `image` rendered as red, green, blue, alpha; absent when it has no pixel, and when memory runs
+  /// out.
   std::optional<PlatformImage> bitmapImageRepresentation(const PlatformImage& image) const;
 
   /// Who hears of progress and may stop the stitch; null when there is none or it is gone.

@@ -114,21 +114,22 @@ PreviewImage::PreviewImage(cv::Size size, int row, int column)
 PreviewImage::~PreviewImage() = default;
 
 int PreviewImage::AddCapture(const cv::Mat& capture) try {
-  if (WrappedArea(*placement) < 1) {
-    placement->width = ShrunkWidth;
-    placement->height = ShrunkHeight(capture);
+  cv::Rect place = *placement;
+  if (WrappedArea(place) < 1) {
+    place.width = ShrunkWidth;
+    place.height = ShrunkHeight(capture);
   }
-  cv::Mat shrunk = ResizeImage(capture, placement->size());
+  cv::Mat shrunk = ResizeImage(capture, place.size());
   Translation translation;
   if (lastCapture) {
     translation = detector.DetectTranslation(*lastCapture, shrunk);
     if (translation == Translation()) {
       return NotMoved;
     }
-    placement->x -= translation.GetCols();
-    placement->y -= translation.GetRows();
+    place.x -= translation.GetCols();
+    place.y -= translation.GetRows();
   }
-  const int result = UpdatePreview(shrunk, *placement, translation);
+  const int result = UpdatePreview(shrunk, place, translation);
   if (result == Laid) {
     // Shared after the cut: the next detection compares with the capture as it was laid.
     lastCapture = std::make_shared<cv::Mat>(shrunk);
@@ -146,26 +147,23 @@ cv::Mat PreviewImage::GetPreview(int maxWidth, int maxHeight) {
 
 int PreviewImage::UpdatePreview(cv::Mat& capture, cv::Rect placement,
                                 const Translation& translation) try {
+  CV_Assert(capture.type() == preview->type());
   const AxisGrowth rows(placement.y, placement.height, preview->rows);
   const AxisGrowth columns(placement.x, placement.width, preview->cols);
-  if (placement.x < 0) {
-    placement.x = 0;
-    this->placement->x = 0;
-  }
-  if (placement.y < 0) {
-    placement.y = 0;
-    this->placement->y = 0;
-  }
   if (rows.grows && rows.shift == 0 && !columns.grows) {
     *preview = GrownDown(*preview, Narrowed(rows.length));
   } else if (rows.grows || columns.grows) {
     *preview = Grown(*preview, rows, columns);
   }
+  // Nothing fails from here on, so that a failure leaves canvas and placement as they were.
+  placement.x = std::max(placement.x, 0);
+  placement.y = std::max(placement.y, 0);
   if (lastCapture) {
     Utilities::CropCaptureImage(capture, translation, placement);
   }
   Utilities::BlendImages(capture, *preview, {placement.y, Narrowed(rows.end)},
                          {placement.x, Narrowed(columns.end)});
+  *this->placement = placement;
   return Laid;
 } catch (const cv::Exception&) {
   return Failed;

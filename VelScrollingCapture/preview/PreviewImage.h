@@ -39,19 +39,21 @@ class VEL_EXPORT PreviewImage {
 
   /// Adds the next capture, which is left as it is.
   ///
-  /// The first capture decides the size to which all are shrunk, whatever their own: a width of 250
-  /// and a height that keeps its aspect.
+  /// The first capture that is laid decides the size to which all are shrunk, whatever their own: a
+  /// width of 250 and a height that keeps its aspect.
   /// @param capture CV_8UC4: red, green, blue, alpha
   /// @return 0 when the capture was laid onto the canvas; 1 when it did not move since the one
   ///         before and was ignored; 3 when OpenCV failed (an empty capture, one of another type, a
-  ///         canvas that cannot grow): the next capture is then compared with the last one laid
+  ///         canvas that cannot grow, memory that runs out): the preview is then as it was, and the
+  ///         next capture, which may be the same one again, is compared with the last one laid
   int AddCapture(const cv::Mat& capture);
 
-  /// A copy of the canvas, CV_8UC4.
+  /// A copy of the canvas, CV_8UC4. Throws cv::Exception when memory runs out.
   cv::Mat GetPreview();
 
   /// A copy of the canvas, scaled down to fit into a box with its aspect kept; a canvas that fits
-  /// keeps its size. Throws cv::Exception when the box leaves less than one pixel.
+  /// keeps its size. Throws cv::Exception when the box leaves less than one pixel, and when memory
+  /// runs out.
   /// @param maxWidth  the box's width in pixels
   /// @param maxHeight the box's height in pixels
   cv::Mat GetPreview(int maxWidth, int maxHeight);
@@ -62,7 +64,7 @@ class VEL_EXPORT PreviewImage {
   ///                    first capture, which is laid whole
   /// @param placement   where it lies on the canvas: x is a column, y a row
   /// @param translation the motion of the content since the capture before
-  /// @return 0, or 3 when OpenCV failed; the canvas keeps what was done before the failure
+  /// @return 0, or 3 when OpenCV failed; the canvas is then as it was
   int UpdatePreview(cv::Mat& capture, cv::Rect placement, const Translation& translation);
 
  private:

@@ -96,8 +96,11 @@ TEST(BasicStitcher, SharesThePixelsOfASingleCapture) {
 TEST(BasicStitcher, FailsForASingleCaptureWhenItsProgressIsRefused) {
   Pipeline pipeline = PipelineOf(1, {});
   RecordingListener listener(0);
+  pipeline.result = NoiseCapture({3, 3}, 1);
+  const cv::Mat before = pipeline.result;
   EXPECT_FALSE(pipeline.Stitch(&listener));
   EXPECT_THAT(listener.calls, ElementsAre("progress 100", "error 4 false", "complete false"));
+  EXPECT_EQ(pipeline.result.data, before.data);
 }
 
 TEST(BasicStitcher, KeepsTheLastTranslationsWhenASingleCaptureFollows) {

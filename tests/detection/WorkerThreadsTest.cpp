@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <functional>
 #include <future>
+#include <optional>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -9,9 +10,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+
+#include "../support/MatrixTesting.h"
 #include "../support/RecordingListener.h"
 #include "InterposedFunctions.h"
 #include "NumberedCaptures.h"
+#include "Page.h"
 
 namespace ScrollingCapture {
 namespace {
@@ -22,7 +27,9 @@ using testing::IsEmpty;
 using Testing::NumberedCaptures;
 using Testing::NumberedPairsDetector;
 using Testing::RecordingListener;
+using Testing::SameBits;
 using Testing::ScopedInterposition;
+using Testing::TextPage;
 
 /// Runs an action whenever the thread that made this waits for a condition.
 Interposition WhenTheCallerWaits(std::function<void()> action) {
@@ -118,6 +125,37 @@ TEST(WorkerThreads, AreJoinedWhenAnotherOneCannotBeStarted) {
   EXPECT_THROW(interface.DetectTranslation(captures, &listener, 0, 100), std::system_error);
   EXPECT_EQ(ended, 2);
   EXPECT_THAT(listener.calls, ElementsAre("progress 25", "progress 50"));
+}
+
+TEST(WorkerThreads, CanBeStartedInALaterDetectionWhenOneIsRefused) {
+  BasicImageProvider captures = NumberedCaptures(5);
+  NumberedPairsDetector detector(2, [](size_t) { return Translation(-1, 0); });
+  ITranslationDetector& interface = detector;
+  for (int working = 0; working < 4; ++working) {
+    int starts = 0;
+    const ScopedInterposition interposition(
+        {nullptr, [&] { return ++starts <= working; }, nullptr});
+    EXPECT_THROW(interface.DetectTranslation(captures, nullptr, 0, 100), std::system_error);
+  }
+  EXPECT_EQ(interface.DetectTranslation(captures, nullptr, 0, 100),
+            std::vector<Translation>(4, Translation(-1, 0)));
+}
+
+TEST(WorkerThreads, LeaveACaptureObjectReadyForAnotherStitchWhenOneIsRefused) {
+  auto capture = VelScrollingCapture::init();
+  const cv::Mat page = TextPage({100, 180});
+  for (const int top : {0, 30, 60}) {
+    capture->addImageToAdapter(PlatformImage::imageWithCVMat(page.rowRange(top, top + 120)));
+  }
+  {
+    const ScopedInterposition interposition({nullptr, [] { return false; }, nullptr});
+    EXPECT_THROW(capture->stitchAndReturnFinalImage(), std::system_error);
+  }
+  EXPECT_EQ(capture.use_count(), 1) << "The host's reference";
+  capture->setupStitcher();
+  const std::optional<PlatformImage> image = capture->stitchAndReturnFinalImage();
+  ASSERT_TRUE(image.has_value());
+  EXPECT_TRUE(SameBits(image->CVMat(), page));
 }
 
 /// With a thread count of 0 there is no worker, so nothing can end the wait that is seen here.

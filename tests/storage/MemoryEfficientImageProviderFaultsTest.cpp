@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "../support/FailingAllocator.h"
 #include "../support/TemporaryFolder.h"
 #include "SpillTesting.h"
 
@@ -13,6 +14,7 @@ namespace ScrollingCapture {
 namespace {
 
 using Testing::AddAll;
+using Testing::FailingAllocator;
 using Testing::LoadedCount;
 using Testing::NoiseCaptures;
 using Testing::ReadFile;
@@ -154,6 +156,33 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, StaysAsItWasWhenACaptureCannotBeR
 
   WriteFile(file, bytes);
   ExpectCaptures(provider, {captures[0], captures[1], captures[2]});
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesOnDiskWhileThereIsNoMemoryForThem) {
+  MemoryEfficientImageProvider provider(folder.Prefix(), 0);
+  AddAll(provider, captures);
+  ASSERT_FALSE(provider.IsMatLoaded(0));
+  {
+    const FailingAllocator memory(0, FailingAllocator::All);
+    EXPECT_THROW(provider.GetImageAt(0), std::runtime_error);
+  }
+  EXPECT_TRUE(provider.IsMatSaved(0));
+  ExpectCaptures(provider, captures);
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesLoadedThatCannotBeCopiedWithoutGaps) {
+  const cv::Mat wide = captures[0];
+  cv::Mat withGaps = wide.colRange(0, wide.cols / 2);
+  MemoryEfficientImageProvider provider(folder.Prefix(), 0);
+  provider.Add(withGaps);
+  {
+    const FailingAllocator memory(0, FailingAllocator::All);
+    EXPECT_FALSE(provider.UnloadMat());
+  }
+  EXPECT_TRUE(provider.IsMatLoaded(0));
+  EXPECT_FALSE(provider.IsMatSaved(0));
+  EXPECT_TRUE(provider.UnloadMat());
+  ExpectCaptures(provider, {withGaps});
 }
 
 TEST_F(MemoryEfficientImageProviderFaultsTest, CanBeUsedByOthersAfterACaptureCouldNotBeRead) {

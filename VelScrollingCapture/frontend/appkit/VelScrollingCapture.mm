@@ -19,6 +19,18 @@ struct __attribute__((visibility("hidden"))) VelScrollingCaptureState {
 
 namespace {
 
+/// Retains an object while it lives, also when an exception passes.
+class Retained {
+ public:
+  explicit Retained(id object) : object([object retain]) {}
+  Retained(const Retained&) = delete;
+  Retained& operator=(const Retained&) = delete;
+  ~Retained() { [object release]; }
+
+ private:
+  id object;
+};
+
 /// Relays to the Objective-C object, which it retains, instead of the C++ one inside.
 class RetainingListener : public ScrollingCapture::ProgressListener {
  public:
@@ -38,9 +50,8 @@ class RetainingListener : public ScrollingCapture::ProgressListener {
 
   void StitchingComplete(bool success) override {
     // The message destroys this listener.
-    VelScrollingCapture* const held = [receiver retain];
-    [held stitchingComplete:success];
-    [held release];
+    const Retained held(receiver);
+    [receiver stitchingComplete:success];
   }
 
   bool StitchingError(StitcherErrorCodes /*code*/, bool /*fatal*/) override {
@@ -116,11 +127,9 @@ NSImage* ImageOf(const PlatformImage& image) {
 
 - (NSBitmapImageRep*)stitchAndReturnFinalImage {
   // The completion notice drops the listener's reference, which may be the last one.
-  VelScrollingCapture* const held = [self retain];
+  const Retained held(self);
   const std::optional<PlatformImage> image = _state->capture->stitchAndReturnFinalImage();
-  NSBitmapImageRep* const bitmap = image ? [self bitmapImageRepresentation:ImageOf(*image)] : nil;
-  [held release];
-  return bitmap;
+  return image ? [self bitmapImageRepresentation:ImageOf(*image)] : nil;
 }
 
 - (BOOL)setCurrentProgress:(int)progress {

@@ -1,5 +1,6 @@
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -37,6 +38,21 @@
 }
 - (BOOL)continueScrolling {
   return heard->size() < limit;
+}
+@end
+
+/// Throws when the stitch is about to end, which it hears of on the calling thread.
+@interface ThrowingDelegate : NSObject <ScrollingProgressDelegate>
+@end
+
+@implementation ThrowingDelegate
+- (void)setCurrentProgress:(int)progress {
+  if (progress == 100) {
+    throw std::runtime_error("The delegate failed.");
+  }
+}
+- (BOOL)continueScrolling {
+  return YES;
 }
 @end
 
@@ -247,6 +263,18 @@ TEST_F(ObjectiveCOwnership, EndsWithAFailedStitch) {
   Start();
   [capture stitchAndReturnFinalImage];
   EXPECT_FALSE(gone);
+  [capture release];
+  EXPECT_TRUE(gone);
+}
+
+TEST_F(ObjectiveCOwnership, EndsWithAStitchThatAnExceptionStops) {
+  Start();
+  AddAll(capture, ScrolledCaptures(2));
+  ThrowingDelegate* const delegate = [[[ThrowingDelegate alloc] init] autorelease];
+  [capture setProgressDelegate:delegate];
+  EXPECT_THROW([capture stitchAndReturnFinalImage], std::runtime_error);
+  EXPECT_FALSE(gone);
+  [capture setProgressDelegate:nil];
   [capture release];
   EXPECT_TRUE(gone);
 }

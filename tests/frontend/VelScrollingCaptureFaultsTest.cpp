@@ -1,0 +1,233 @@
+// Memory that runs out, and delegates that throw, while a capture object is at work.
+
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+
+#include "../support/FailingAllocator.h"
+#include "../support/StreamCapture.h"
+#include "ScrolledCaptures.h"
+
+namespace ScrollingCapture {
+namespace {
+
+using Testing::CountFailingAttempts;
+using Testing::FailingAllocator;
+using Testing::SameBits;
+using Testing::ScrolledCaptures;
+using Testing::ScrolledPage;
+using Testing::StreamCapture;
+
+constexpr int CaptureCount = 3;
+
+std::vector<PlatformImage> Images() {
+  std::vector<PlatformImage> images;
+  for (const cv::Mat& capture : ScrolledCaptures(CaptureCount)) {
+    images.push_back(PlatformImage::imageWithCVMat(capture));
+  }
+  return images;
+}
+
+void AddAll(VelScrollingCapture& capture, const std::vector<PlatformImage>& images) {
+  for (const PlatformImage& image : images) {
+    capture.addImageToAdapter(image);
+  }
+}
+
+cv::Mat WholePreview() {
+  const auto capture = VelScrollingCapture::init();
+  AddAll(*capture, Images());
+  capture->cleanupListener();
+  return capture->currentImagePreview()->CVMat();
+}
+
+class CaptureObjectAllocations : public testing::TestWithParam<FailingAllocator::Failures> {
+ protected:
+  ~CaptureObjectAllocations() override {
+    EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore) << "Matrices have leaked";
+  }
+
+  const std::vector<PlatformImage> images = Images();
+  const size_t liveBefore = FailingAllocator::LiveMatrices();
+};
+
+TEST_P(CaptureObjectAllocations, KeepACaptureOrLeaveItToBeAddedAgain) {
+  for (size_t failing = 0; failing < images.size(); ++failing) {
+    const auto add = [&](size_t passing) {
+      const auto capture = VelScrollingCapture::init();
+      for (size_t i = 0; i < failing; ++i) {
+        capture->addImageToAdapter(images[i]);
+      }
+      bool failed = false;
+      {
+        const FailingAllocator memory(passing, GetParam());
+        capture->addImageToAdapter(images[failing]);
+        failed = memory.HasFailed();
+      }
+      const size_t count = capture->stitcherAdapter()->Count();
+      EXPECT_GE(count, failing);
+      EXPECT_LE(count, failing + 1);
+      EXPECT_TRUE(failed || count == failing + 1);
+      for (size_t i = count; i < images.size(); ++i) {
+        capture->addImageToAdapter(images[i]);
+      }
+      const std::optional<PlatformImage> page = capture->stitchAndReturnFinalImage();
+      EXPECT_TRUE(page && SameBits(page->CVMat(), ScrolledPage(CaptureCount)));
+      EXPECT_EQ(capture.use_count(), 1);
+      return failed;
+    };
+    EXPECT_GT(CountFailingAttempts(add), 0);
+  }
+}
+
+TEST_P(CaptureObjectAllocations, GiveTheWholePreviewOrNone) {
+  const cv::Mat whole = WholePreview();
+  const auto capture = VelScrollingCapture::init();
+  AddAll(*capture, images);
+  const auto show = [&](size_t passing) {
+    std::optional<PlatformImage> preview;
+    bool failed = false;
+    {
+      const FailingAllocator memory(passing, GetParam());
+      preview = capture->currentImagePreview();
+      failed = memory.HasFailed();
+    }
+    EXPECT_EQ(preview.has_value(), !failed);
+    EXPECT_TRUE(SameBits(capture->currentImagePreview()->CVMat(), whole));
+    return failed;
+  };
+  EXPECT_GT(CountFailingAttempts(show), 0);
+  capture->cleanupListener();
+}
+
+TEST_P(CaptureObjectAllocations, GiveTheWholePageOrNoneAndEndTheReference) {
+  const auto stitch = [&](size_t passing) {
+    const auto capture = VelScrollingCapture::initWithExpectConsistentTranslations(false, 2);
+    AddAll(*capture, images);
+    std::optional<PlatformImage> page;
+    bool failed = false;
+    {
+      const StreamCapture errors(std::cerr);
+      const FailingAllocator memory(passing, GetParam());
+      page = capture->stitchAndReturnFinalImage();
+      failed = memory.HasFailed();
+    }
+    EXPECT_EQ(page.has_value(), !failed);
+    EXPECT_EQ(capture.use_count(), 1) << "The host's reference";
+    EXPECT_EQ(capture->stitcherAdapter()->Count(), images.size());
+    if (failed) {
+      capture->setupStitcher();
+      page = capture->stitchAndReturnFinalImage();
+    }
+    EXPECT_TRUE(page && SameBits(page->CVMat(), ScrolledPage(CaptureCount)));
+    return failed;
+  };
+  EXPECT_GT(CountFailingAttempts(stitch), 0);
+}
+
+TEST_P(CaptureObjectAllocations, RenderGreyOrGiveNothing) {
+  const auto capture = VelScrollingCapture::init();
+  const PlatformImage grey = PlatformImage::imageWithCVMat(images[0].CVGrayscaleMat());
+  const auto render = [&](size_t passing) {
+    const FailingAllocator memory(passing, GetParam());
+    const bool rendered = capture->bitmapImageRepresentation(grey).has_value();
+    EXPECT_EQ(rendered, !memory.HasFailed());
+    return !rendered;
+  };
+  EXPECT_GT(CountFailingAttempts(render), 0);
+  capture->cleanupListener();
+}
+
+INSTANTIATE_TEST_SUITE_P(Failures, CaptureObjectAllocations,
+                         testing::Values(FailingAllocator::First, FailingAllocator::All),
+                         [](const auto& test) {
+                           return test.param == FailingAllocator::First ? "First" : "All";
+                         });
+
+/// Goes on, and throws at one of the messages that come from the thread that made it.
+class ThrowingDelegate : public ScrollingProgressDelegate {
+ public:
+  explicit ThrowingDelegate(size_t passing) : passing(passing) {}
+
+  void setCurrentProgress(int /*progress*/) override { Count(); }
+  bool continueScrolling() override {
+    Count();
+    return true;
+  }
+
+ private:
+  void Count() {
+    if (std::this_thread::get_id() == thread && messages++ == passing) {
+      throw std::runtime_error("The delegate failed.");
+    }
+  }
+
+  const std::thread::id thread = std::this_thread::get_id();
+  const size_t passing;
+  size_t messages = 0;
+};
+
+TEST(CaptureObjectDelegate, StopsTheStitchByThrowingAndLosesNothing) {
+  const std::vector<PlatformImage> images = Images();
+  const auto stitch = [&](size_t passing) {
+    auto capture = VelScrollingCapture::initWithExpectConsistentTranslations(true, 2);
+    AddAll(*capture, images);
+    const auto delegate = std::make_shared<ThrowingDelegate>(passing);
+    capture->setProgressDelegate(delegate);
+    std::optional<PlatformImage> page;
+    bool threw = false;
+    try {
+      page = capture->stitchAndReturnFinalImage();
+    } catch (const std::runtime_error&) {
+      threw = true;
+      EXPECT_EQ(capture.use_count(), 1) << "The host's reference";
+      EXPECT_EQ(capture->progressListener(), nullptr);
+      EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+      capture->setProgressDelegate(nullptr);
+      capture->setupStitcher();
+      page = capture->stitchAndReturnFinalImage();
+    }
+    EXPECT_TRUE(page && SameBits(page->CVMat(), ScrolledPage(CaptureCount)));
+    const std::weak_ptr<VelScrollingCapture> watch = capture;
+    capture.reset();
+    EXPECT_TRUE(watch.expired());
+    return threw;
+  };
+  // The end of the detection, each pair that is composed and the end, with two messages each.
+  EXPECT_EQ(CountFailingAttempts(stitch), 2 * (1 + CaptureCount));
+}
+
+TEST(CaptureObjectDelegate, StopsTheStitchByThrowingAfterTheHostHasLetGo) {
+  auto capture = VelScrollingCapture::init();
+  AddAll(*capture, Images());
+  const std::weak_ptr<VelScrollingCapture> watch = capture;
+  class Delegate : public ScrollingProgressDelegate {
+   public:
+    explicit Delegate(std::shared_ptr<VelScrollingCapture>& host) : host(host) {}
+    void setCurrentProgress(int progress) override {
+      host.reset();
+      if (progress == 100) {
+        throw std::runtime_error("The delegate failed.");
+      }
+    }
+    bool continueScrolling() override { return true; }
+
+   private:
+    std::shared_ptr<VelScrollingCapture>& host;
+  };
+  const auto delegate = std::make_shared<Delegate>(capture);
+  capture->setProgressDelegate(delegate);
+  VelScrollingCapture* const object = capture.get();
+  EXPECT_THROW(object->stitchAndReturnFinalImage(), std::runtime_error);
+  EXPECT_TRUE(watch.expired());
+}
+
+}  // namespace
+}  // namespace ScrollingCapture
