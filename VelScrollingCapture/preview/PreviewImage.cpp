@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 #include <opencv2/imgproc.hpp>
 
@@ -129,10 +130,13 @@ int PreviewImage::AddCapture(const cv::Mat& capture) try {
     place.x -= translation.GetCols();
     place.y -= translation.GetRows();
   }
+  const cv::Rect lastPlace = std::exchange(*placement, place);
   const int result = UpdatePreview(shrunk, place, translation);
   if (result == Laid) {
     // Shared after the cut: the next detection compares with the capture as it was laid.
     lastCapture = std::make_shared<cv::Mat>(shrunk);
+  } else {
+    *placement = lastPlace;
   }
   return result;
 } catch (const cv::Exception&) {
@@ -155,15 +159,20 @@ int PreviewImage::UpdatePreview(cv::Mat& capture, cv::Rect placement,
   } else if (rows.grows || columns.grows) {
     *preview = Grown(*preview, rows, columns);
   }
-  // Nothing fails from here on, so that a failure leaves canvas and placement as they were.
-  placement.x = std::max(placement.x, 0);
-  placement.y = std::max(placement.y, 0);
+  // Nothing fails from here on, so that a failure leaves the canvas as it was.
+  if (placement.x < 0) {
+    placement.x = 0;
+    this->placement->x = 0;
+  }
+  if (placement.y < 0) {
+    placement.y = 0;
+    this->placement->y = 0;
+  }
   if (lastCapture) {
     Utilities::CropCaptureImage(capture, translation, placement);
   }
   Utilities::BlendImages(capture, *preview, {placement.y, Narrowed(rows.end)},
                          {placement.x, Narrowed(columns.end)});
-  *this->placement = placement;
   return Laid;
 } catch (const cv::Exception&) {
   return Failed;
