@@ -18,6 +18,9 @@ using Testing::OpenProvider;
 
 constexpr size_t HeaderBytes = 20;
 
+/// A header of elements without size may announce any number of them.
+constexpr size_t MostElementsToSave = 1 << 16;
+
 bool Load(OpenProvider& provider, cv::Mat& image, const std::string& path) {
   try {
     provider.LoadMat(image, path);
@@ -52,6 +55,9 @@ void LoadAny(const std::string& bytes) {
     return;
   }
   ExpectPixelsAreTheFiles(image, bytes);
+  if (image.total() > MostElementsToSave) {
+    return;
+  }
   const std::string again = folder.Prefix() + "again";
   Expect(provider.SaveMat(image, again), "what was loaded can be saved");
   cv::Mat loaded;
