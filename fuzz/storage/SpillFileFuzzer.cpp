@@ -45,7 +45,8 @@ void ExpectPixelsAreTheFiles(const cv::Mat& image, const std::string& file) {
 }
 
 void LoadAny(const std::string& bytes) {
-  static const Testing::TemporaryFolder folder;
+  // New files each time: file systems write what replaces a file to the disk at once.
+  const Testing::TemporaryFolder folder;
   OpenProvider provider(folder.Prefix());
   const std::string path = folder.Prefix() + "any";
   Testing::WriteFile(path, bytes);

@@ -25,7 +25,8 @@ bool IsPremultiplied(const cv::Mat& capture) {
 }
 
 void ReadAny(const std::string& bytes) {
-  static const Testing::TemporaryFolder folder;
+  // New files each time: file systems write what replaces a file to the disk at once.
+  const Testing::TemporaryFolder folder;
   const std::string path = folder.Prefix() + "any.png";
   Testing::WriteFile(path, bytes);
   try {
