@@ -1,7 +1,6 @@
 // Runs whole sessions over any small captures, damaged files among them. A session writes all that
 // it was asked for, or nothing, and leaves no other file behind.
 
-#include <fstream>
 #include <set>
 #include <string>
 #include <vector>
@@ -10,7 +9,7 @@
 #include <fuzz/support/Messages.h>
 #include <fuzz/support/Quiet.h>
 #include <fuzz/support/RandomCaptures.h>
-#include <nlohmann/json.hpp>
+#include <fuzz/velscroll/ToldReport.h>
 #include <opencv2/imgcodecs.hpp>
 #include <tests/storage/SpillTesting.h>
 #include <tests/support/TemporaryFolder.h>
@@ -82,13 +81,11 @@ Paths ChooseSettings(FuzzedDataProvider& data, const Testing::TemporaryFolder& f
 }
 
 void ExpectReportTellsOfTheResult(const Program::Arguments& arguments) {
-  std::ifstream file(arguments.report);
-  const nlohmann::json report = nlohmann::json::parse(file);
+  const ToldReport report = ReadReport(Testing::ReadFile(arguments.report));
   const cv::Mat result = cv::imread(arguments.output, cv::IMREAD_UNCHANGED);
   Expect(!result.empty(), "the result can be read");
-  Expect(report["result"]["width"] == result.cols && report["result"]["height"] == result.rows,
-         "the report tells the result's size");
-  Expect(report["captures"].size() == arguments.captures.size(), "every capture is told of");
+  Expect(report.size == result.size(), "the report tells the result's size");
+  Expect(report.captures.size() == arguments.captures.size(), "every capture is told of");
 }
 
 void RunAny(FuzzedDataProvider& data) {
