@@ -69,7 +69,7 @@ TEST_F(Preview, FitsIntoTheGivenBox) {
 TEST_F(Preview, IsRefusedForABoxThatLeavesLessThanAPixel) {
   const auto before = Names();
   const Testing::ProgramResult result =
-      Run({"capture-*.png", "-o", "page.png", "--preview", "small.png", "--preview-size", "1x10"});
+      Run({"capture-0.png", "-o", "page.png", "--preview", "small.png", "--preview-size", "1x10"});
   EXPECT_EQ(result.status, 2);
   Testing::ExpectOneLine(result);
   EXPECT_THAT(result.standardError, ::testing::HasSubstr("--preview-size 1x10 leaves less than"));
