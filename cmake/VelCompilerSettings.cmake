@@ -8,13 +8,18 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 add_library(vel_compiler_settings INTERFACE)
 target_compile_options(vel_compiler_settings INTERFACE
-  -Wall -Wextra -Wpedantic $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion
+  -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion
+  $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
+  $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-sign-conversion>
   $<$<BOOL:${VEL_WARNINGS_AS_ERRORS}>:-Werror>)
 
 if(VEL_SANITIZERS)
   target_compile_options(vel_compiler_settings INTERFACE
     -fsanitize=${VEL_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(vel_compiler_settings INTERFACE -fsanitize=${VEL_SANITIZERS})
+endif()
+if(VEL_BUILD_FUZZERS)
+  target_compile_options(vel_compiler_settings INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 # What distributions build their packages with.

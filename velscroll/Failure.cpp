@@ -4,9 +4,11 @@
 #include <velscroll/Failure.h>
 
 namespace ScrollingCapture::Program {
+namespace {
 
-std::string Quoted(const std::string& name) {
-  std::string shown = name;
+/// What a terminal would obey instead of showing it becomes question marks.
+std::string WithoutControls(const std::string& text) {
+  std::string shown = text;
   const auto isControl = [](char character) {
     constexpr unsigned char FirstPrintable = 0x20;
     constexpr unsigned char Delete = 0x7F;
@@ -14,8 +16,15 @@ std::string Quoted(const std::string& name) {
     return value < FirstPrintable || value == Delete;
   };
   std::replace_if(shown.begin(), shown.end(), isControl, '?');
-  return "'" + shown + "'";
+  return shown;
 }
+
+}  // namespace
+
+Failure::Failure(ExitStatus status, const std::string& line)
+    : std::runtime_error(WithoutControls(line)), status(status) {}
+
+std::string Quoted(const std::string& name) { return "'" + WithoutControls(name) + "'"; }
 
 std::string SystemMessage(int errorNumber) { return std::generic_category().message(errorNumber); }
 

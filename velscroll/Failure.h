@@ -17,7 +17,8 @@ enum ExitStatus : int {
 /// do.
 class Failure : public std::runtime_error {
  public:
-  Failure(ExitStatus status, const std::string& line) : std::runtime_error(line), status(status) {}
+  /// @param line may hold what the user has typed: control characters turn into question marks
+  Failure(ExitStatus status, const std::string& line);
 
   ExitStatus Status() const { return status; }
 

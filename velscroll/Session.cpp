@@ -96,7 +96,16 @@ std::optional<PreviewImage> MakePreview(const Arguments& arguments) {
 }
 
 cv::Mat PictureOf(PreviewImage& preview, const cv::Size& box) {
-  return preview.GetPreview(box.width, box.height);
+  try {
+    return preview.GetPreview(box.width, box.height);
+  } catch (const cv::Exception& error) {
+    if (error.code == cv::Error::StsNoMem) {
+      throw;
+    }
+    throw BadInput(
+        "--preview-size " + std::to_string(box.width) + "x" + std::to_string(box.height) +
+        " leaves less than one pixel of the preview's shorter side; choose a larger box");
+  }
 }
 
 std::string CountOf(const std::vector<CaptureOutcome>& captures, CaptureOutcome::State state,
@@ -132,6 +141,8 @@ ReportContent StageEverything(const Arguments& arguments, Outputs& outputs,
   std::optional<PreviewImage> preview = MakePreview(arguments);
   const std::vector<CaptureFile> read =
       ReadCaptures(files, arguments.keepRepeats, captures, preview ? &*preview : nullptr, progress);
+  // Before the long work, since the box may turn out too small.
+  const cv::Mat picture = preview ? PictureOf(*preview, arguments.previewSize) : cv::Mat();
   content.seconds.reading = clock.Lap();
 
   SessionStitcher stitcher(arguments);
@@ -149,7 +160,7 @@ ReportContent StageEverything(const Arguments& arguments, Outputs& outputs,
   clock.Lap();
   outputs.StageImage(stitched.image);
   if (preview) {
-    outputs.StagePreview(PictureOf(*preview, arguments.previewSize));
+    outputs.StagePreview(picture);
   }
   content.seconds.writing = clock.Lap();
   return content;

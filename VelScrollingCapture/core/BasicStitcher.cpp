@@ -1,9 +1,11 @@
-#include <cstdlib>
+#include <cstdint>
 #include <iostream>
 #include <utility>
 
 #include <VelScrollingCapture/core/BasicStitcher.h>
 #include <VelScrollingCapture/core/Utilities.h>
+#include <VelScrollingCapture/core/internal/Narrowing.h>
+#include <VelScrollingCapture/core/internal/Truncation.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -32,29 +34,44 @@ cv::Range ColumnsOf(const cv::Rect& placement) {
   return {placement.y, placement.y + placement.width};
 }
 
-int BuildProgress(size_t index, size_t count, int progressStart, int progressEnd) {
-  const float step = static_cast<float>(progressEnd - progressStart) / static_cast<float>(count);
-  return static_cast<int>(static_cast<float>(index) * step + static_cast<float>(progressStart));
+/// Wide enough for every progress range.
+std::int64_t Distance(int progressStart, int progressEnd) {
+  return std::int64_t{progressEnd} - progressStart;
 }
 
-/// How far the captures reach along one axis, as they are placed one after another.
+/// The end of the detection's progress range. It is not offset by the start: hosts know the values
+/// that this gives.
+int DetectionEnd(int progressStart, int progressEnd) {
+  return TruncateToInt(static_cast<double>(Distance(progressStart, progressEnd)) *
+                       DetectionShareOfProgress);
+}
+
+int BuildProgress(size_t index, size_t count, int progressStart, int progressEnd) {
+  const float step =
+      static_cast<float>(Distance(progressStart, progressEnd)) / static_cast<float>(count);
+  return TruncateToInt(static_cast<float>(index) * step + static_cast<float>(progressStart));
+}
+
+/// How far the captures reach along one axis, as they are placed one after another. Wider than any
+/// result can be, since a detector may report any motion.
 class AxisExtent {
  public:
   explicit AxisExtent(int captureLength) : end(captureLength), maximumEnd(captureLength) {}
 
   void Move(int translation) {
     if (translation < 0) {
-      MoveForward(std::abs(translation));
+      MoveForward(-std::int64_t{translation});
     } else {
       MoveBack(translation);
     }
   }
 
-  int Length() const { return std::abs(maximumEnd - minimumStart); }
-  int FirstCaptureOffset() const { return firstCaptureOffset; }
+  /// Both throw cv::Exception when the extent is longer than any matrix.
+  int Length() const { return Narrowed(maximumEnd - minimumStart); }
+  int FirstCaptureOffset() const { return Narrowed(firstCaptureOffset); }
 
  private:
-  void MoveForward(int step) {
+  void MoveForward(std::int64_t step) {
     start += step;
     end += step;
     if (end > maximumEnd) {
@@ -62,7 +79,7 @@ class AxisExtent {
     }
   }
 
-  void MoveBack(int step) {
+  void MoveBack(std::int64_t step) {
     start -= step;
     end -= step;
     if (start < minimumStart) {
@@ -71,11 +88,11 @@ class AxisExtent {
     }
   }
 
-  int start = 0;
-  int end;
-  int maximumEnd;
-  int minimumStart = 0;
-  int firstCaptureOffset = 0;
+  std::int64_t start = 0;
+  std::int64_t end;
+  std::int64_t maximumEnd;
+  std::int64_t minimumStart = 0;
+  std::int64_t firstCaptureOffset = 0;
 };
 
 }  // namespace
@@ -105,9 +122,7 @@ bool BasicStitcher::Stitch(IImageProvider& provider, cv::Mat& result, IStitcherL
 
   captureSize = std::make_shared<cv::Size>(provider.GetImageAt(0)->size());
   imageType = provider.GetImageAt(0)->type();
-  // The end of the detection is not offset by progressStart: hosts know the values that this gives.
-  const int middle =
-      static_cast<int>(static_cast<double>(progressEnd - progressStart) * DetectionShareOfProgress);
+  const int middle = DetectionEnd(progressStart, progressEnd);
   translations = detector->DetectTranslation(provider, listener, progressStart, middle);
   if (translations.empty()) {
     std::cerr << "Error: Failed to detect translations." << std::endl;
@@ -162,11 +177,11 @@ bool BasicStitcher::BuildResultImage(IImageProvider& provider, cv::Mat& result,
 }
 
 int BasicStitcher::SizeResultImage(cv::Mat& image, cv::Rect& placement) {
-  cv::Size size;
-  if (!CalcResultImage(placement, size)) {
-    return IStitcherListener::NoTranslations;
-  }
   try {
+    cv::Size size;
+    if (!CalcResultImage(placement, size)) {
+      return IStitcherListener::NoTranslations;
+    }
     image = cv::Mat(size, imageType, cv::Scalar(0, 0, 0, 0));
   } catch (const cv::Exception&) {
     return IStitcherListener::ImageProcessingFailed;

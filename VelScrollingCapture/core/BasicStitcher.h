@@ -51,7 +51,8 @@ class VEL_EXPORT BasicStitcher : public IStitcher {
   /// Finds the size of the result from the translations.
   ///
   /// The extremes grow by a whole step as soon as a capture passes them, so that after scrolling
-  /// back and forth the result may be larger than the captures reach.
+  /// back and forth the result may be larger than the captures reach. Throws cv::Exception when an
+  /// int cannot hold the number of its rows or columns.
   /// @param placement receives the first capture's place: x is its row and y its column in the
   ///                  result, width and height are the capture's columns and rows
   /// @param size      receives the size of the result in pixels

@@ -6,6 +6,7 @@
 
 #include <VelScrollingCapture/core/ScrollOrientation.h>
 #include <VelScrollingCapture/core/Utilities.h>
+#include <VelScrollingCapture/core/internal/Narrowing.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
 
@@ -29,12 +30,6 @@ std::int32_t WrappedArea(const cv::Rect& rect) {
 int ShrunkHeight(const cv::Mat& capture) {
   return TruncateToInt(static_cast<double>(capture.rows) / static_cast<double>(capture.cols) *
                        static_cast<double>(ShrunkWidth));
-}
-
-int Narrowed(std::int64_t value) {
-  const int narrowed = cv::saturate_cast<int>(value);
-  CV_Assert(narrowed == value);
-  return narrowed;
 }
 
 /// How one axis of the canvas has to grow for a capture to fit.

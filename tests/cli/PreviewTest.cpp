@@ -66,5 +66,15 @@ TEST_F(Preview, FitsIntoTheGivenBox) {
   EXPECT_TRUE(Testing::SameBits(written, HostsPreview({120, 90})));
 }
 
+TEST_F(Preview, IsRefusedForABoxThatLeavesLessThanAPixel) {
+  const auto before = Names();
+  const Testing::ProgramResult result =
+      Run({"capture-0.png", "-o", "page.png", "--preview", "small.png", "--preview-size", "1x10"});
+  EXPECT_EQ(result.status, 2);
+  Testing::ExpectOneLine(result);
+  EXPECT_THAT(result.standardError, ::testing::HasSubstr("--preview-size 1x10 leaves less than"));
+  EXPECT_EQ(Names(), before);
+}
+
 }  // namespace
 }  // namespace ScrollingCapture

@@ -1,4 +1,5 @@
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -267,6 +268,54 @@ TEST(BasicStitcher, FailsWhenTheResultCannotBeSized) {
   EXPECT_EQ(errors.Text(),
             std::string("Error: Failed to size the resulting image.\n") + BuildFailure);
   EXPECT_THAT(listener.calls, ElementsAre("error 3 false", "complete false"));
+}
+
+struct Absurdity {
+  std::string name;
+  Translations translations;
+};
+
+void PrintTo(const Absurdity& absurdity, std::ostream* stream) { *stream << absurdity.name; }
+
+class AbsurdTranslations : public testing::TestWithParam<Absurdity> {};
+
+TEST_P(AbsurdTranslations, FailAsAResultThatCannotBeSized) {
+  const Translations& translations = GetParam().translations;
+  Pipeline pipeline = PipelineOf(translations.size() + 1, translations);
+  pipeline.result = NoiseCapture({3, 3}, 1);
+  const cv::Mat before = pipeline.result;
+  RecordingListener listener;
+  const StreamCapture errors(std::cerr);
+  EXPECT_FALSE(pipeline.Stitch(&listener));
+  EXPECT_EQ(errors.Text(),
+            std::string("Error: Failed to size the resulting image.\n") + BuildFailure);
+  EXPECT_THAT(listener.calls, ElementsAre("error 3 false", "complete false"));
+  EXPECT_EQ(pipeline.result.data, before.data);
+}
+
+constexpr int Lowest = std::numeric_limits<int>::min();
+constexpr int Highest = std::numeric_limits<int>::max();
+
+// Sums of 32 bits would come round to sizes that fit captures, or even to none at all.
+INSTANTIATE_TEST_SUITE_P(
+    Sums, AbsurdTranslations,
+    testing::Values(Absurdity{"FarthestDown", {{Lowest, 0}}},
+                    Absurdity{"FarthestUp", {{Highest, 0}}},
+                    Absurdity{"FarthestRight", {{0, Lowest}}},
+                    Absurdity{"FarthestLeft", {{0, Highest}}},
+                    Absurdity{"DownByAllOf32Bits", {{Lowest, 0}, {Lowest, 0}}},
+                    Absurdity{"RightByAllOf32Bits", {{0, Lowest}, {0, Lowest}}},
+                    Absurdity{"UpByAllOf32Bits", {{Highest, 0}, {Highest, 0}, {2, 0}}},
+                    Absurdity{"UpAndDownByAllOf32Bits", {{Highest, 0}, {Lowest, 0}, {Lowest, 0}}}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(BasicStitcher, ReportsProgressOfRangesWiderThan32Bits) {
+  Pipeline pipeline = PipelineOf(3, {{-1, 0}, {-1, 0}});
+  RecordingListener listener;
+  ASSERT_TRUE(pipeline.stitcher.Stitch(pipeline.captures, pipeline.result, &listener, Lowest,
+                                       Highest, false));
+  EXPECT_THAT(pipeline.detector->ranges, ElementsAre(std::make_pair(Lowest, Highest)));
+  EXPECT_THAT(listener.calls, testing::Each("progress " + std::to_string(Highest)));
 }
 
 TEST(BasicStitcher, BuildsNothingWithoutTranslations) {

@@ -1,6 +1,7 @@
 #include <atomic>
 #include <future>
 #include <iostream>
+#include <limits>
 #include <mutex>
 #include <set>
 #include <stdexcept>
@@ -139,6 +140,15 @@ TEST(SequenceDetection, GivesOneTranslationForTwoCapturesAndReportsTheEndTwice) 
   EXPECT_THAT(detector.DetectTranslation(captures, &listener, 10, 55),
               ElementsAre(Translation(-30, -3)));
   EXPECT_THAT(listener.calls, ElementsAre("progress 55", "progress 55"));
+}
+
+TEST(SequenceDetection, ReportsProgressOfRangesWiderThan32Bits) {
+  BasicImageProvider captures = NumberedCaptures(2);
+  PhaseCorrelationTranslationDetector detector(Both, false, 1);
+  RecordingListener listener;
+  detector.DetectTranslation(captures, &listener, std::numeric_limits<int>::min(),
+                             std::numeric_limits<int>::max());
+  EXPECT_THAT(listener.calls, ElementsAre("progress 2147483647", "progress 2147483647"));
 }
 
 class TooFewCaptures : public TestWithParam<size_t> {};

@@ -12,6 +12,9 @@ inline bool SameBits(const cv::Mat& first, const cv::Mat& second) {
   if (first.size() != second.size() || first.type() != second.type()) {
     return false;
   }
+  if (first.empty()) {
+    return true;
+  }
   const size_t rowBytes = static_cast<size_t>(first.cols) * first.elemSize();
   for (int row = 0; row < first.rows; ++row) {
     if (std::memcmp(first.ptr(row), second.ptr(row), rowBytes) != 0) {

@@ -1,9 +1,11 @@
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <utility>
 
 #include <opencv2/core.hpp>
 
+#include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/detection/internal/SequenceDetection.h>
 
 namespace ScrollingCapture {
@@ -44,8 +46,8 @@ std::vector<Translation> SequenceDetection::Run() {
   for (unsigned int later = 1; later < images.Count(); ++later) {
     pending.push_back(later);
   }
-  progressStep =
-      static_cast<float>(settings.progressEnd - settings.progressStart) / static_cast<float>(pairs);
+  const std::int64_t progressRange = std::int64_t{settings.progressEnd} - settings.progressStart;
+  progressStep = static_cast<float>(progressRange) / static_cast<float>(pairs);
   progress = static_cast<float>(settings.progressStart);
 
   Dispatch();
@@ -116,7 +118,7 @@ void SequenceDetection::FinishPair() {
   const std::lock_guard<std::mutex> lock(mutex);
   if (listener != nullptr && !cancelled && !providerFailure) {
     progress += progressStep;
-    cancelled = !listener->ProgressCallback(static_cast<int>(progress));
+    cancelled = !listener->ProgressCallback(TruncateToInt(progress));
   }
   --running;
   slotFreed.notify_one();

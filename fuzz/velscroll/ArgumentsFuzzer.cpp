@@ -1,0 +1,93 @@
+// Reads any command line: arguments within their limits, the help text, or a clear complaint.
+
+#include <string>
+#include <vector>
+
+#include <fuzz/support/Expect.h>
+#include <fuzz/support/Messages.h>
+#include <fuzz/support/Quiet.h>
+#include <fuzzer/FuzzedDataProvider.h>
+#include <velscroll/Arguments.h>
+
+namespace ScrollingCapture::Fuzzing {
+namespace {
+
+constexpr const char* Words[] = {"-o",
+                                 "--output=page.png",
+                                 "a.png",
+                                 "--orientation",
+                                 "vertical",
+                                 "horizontal",
+                                 "both",
+                                 "--consistent",
+                                 "--threads",
+                                 "--keep-repeats",
+                                 "--borders",
+                                 "--difference-threshold",
+                                 "--neighbor-threshold",
+                                 "--memory-limit",
+                                 "200MiB",
+                                 "--spill-folder",
+                                 "--preview",
+                                 "--preview-size",
+                                 "250x250",
+                                 "--report",
+                                 "-q",
+                                 "--quiet",
+                                 "--help",
+                                 "--version",
+                                 "--",
+                                 "8"};
+
+/// A program's argument ends at its first zero.
+std::string AnyWord(FuzzedDataProvider& data) {
+  if (data.ConsumeIntegralInRange(0, 3) != 0) {
+    return data.PickValueInArray(Words);
+  }
+  return data.ConsumeRandomLengthString(64).c_str();
+}
+
+void ExpectWithinLimits(const Program::Arguments& arguments) {
+  Expect(!arguments.captures.empty(), "there are captures");
+  Expect(!arguments.output.empty(), "there is an output");
+  Expect(arguments.threadCount >= 1 && arguments.threadCount <= 1024, "threads are limited");
+  Expect(!arguments.borders ||
+             (arguments.borders->difference <= 255 && arguments.borders->neighbors <= 8),
+         "thresholds are limited");
+  const cv::Size& size = arguments.previewSize;
+  Expect(size.width >= 1 && size.height >= 1 && size.width <= 10000 && size.height <= 10000,
+         "the preview's size is limited");
+  Expect(!Program::NameOf(arguments.orientation).empty(), "the orientation has a name");
+}
+
+void ParseAny(FuzzedDataProvider& data) {
+  const Quiet quiet;
+  std::vector<std::string> words = {"velscroll"};
+  while (data.remaining_bytes() > 0) {
+    words.push_back(AnyWord(data));
+  }
+  std::vector<const char*> pointers;
+  for (const std::string& word : words) {
+    pointers.push_back(word.c_str());
+  }
+  try {
+    const auto arguments =
+        Program::ParseArguments(static_cast<int>(pointers.size()), pointers.data());
+    if (arguments) {
+      ExpectWithinLimits(*arguments);
+    } else {
+      Expect(!quiet.output.Text().empty(), "help or version are printed");
+    }
+  } catch (const Program::BadInput& failure) {
+    ExpectOneLine(failure);
+  }
+}
+
+}  // namespace
+}  // namespace ScrollingCapture::Fuzzing
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, size_t count) {
+  FuzzedDataProvider data(bytes, count);
+  ScrollingCapture::Fuzzing::ParseAny(data);
+  return 0;
+}

@@ -1,0 +1,102 @@
+// Writes reports about files with any names: JSON that can be read again and tells the same.
+
+#include <algorithm>
+#include <string>
+
+#include <fuzz/support/Expect.h>
+#include <fuzz/support/RandomCaptures.h>
+#include <fuzz/velscroll/ToldReport.h>
+#include <velscroll/Report.h>
+
+namespace ScrollingCapture::Fuzzing {
+namespace {
+
+constexpr size_t LongestName = 64;
+
+std::string AnyText(FuzzedDataProvider& data) {
+  return data.ConsumeRandomLengthString(LongestName);
+}
+
+Program::CaptureOutcome AnyOutcome(FuzzedDataProvider& data) {
+  Program::CaptureOutcome outcome;
+  outcome.file = AnyText(data);
+  outcome.state =
+      data.PickValueInArray({Program::CaptureOutcome::Kept, Program::CaptureOutcome::Repeated,
+                             Program::CaptureOutcome::LeftOut});
+  outcome.place = {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()};
+  outcome.translation = AnyTranslation(data, {100, 100});
+  if (data.ConsumeBool()) {
+    outcome.overlap = Program::Overlap{data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>(),
+                                       data.ConsumeFloatingPoint<double>()};
+  }
+  return outcome;
+}
+
+Program::Arguments AnyArguments(FuzzedDataProvider& data) {
+  Program::Arguments arguments;
+  arguments.output = AnyText(data);
+  arguments.threadCount = data.ConsumeIntegral<unsigned int>();
+  if (data.ConsumeBool()) {
+    arguments.borders = Program::BorderThresholds{data.ConsumeIntegral<unsigned int>(),
+                                                  data.ConsumeIntegral<unsigned int>()};
+  }
+  if (data.ConsumeBool()) {
+    arguments.memoryLimit = data.ConsumeIntegral<std::uint64_t>();
+  }
+  return arguments;
+}
+
+Program::ReportContent AnyContent(FuzzedDataProvider& data) {
+  Program::ReportContent content;
+  content.resultSize = {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()};
+  if (data.ConsumeBool()) {
+    content.borders = Program::Borders{{1, 2, 3, 4}, data.ConsumeIntegral<int>(), 0, 0, 0};
+  }
+  for (int i = data.ConsumeIntegralInRange(0, 4); i > 0; --i) {
+    content.captures.push_back(AnyOutcome(data));
+  }
+  for (int i = data.ConsumeIntegralInRange(0, 2); i > 0; --i) {
+    content.warnings.push_back(AnyText(data));
+    content.remarks.push_back(AnyText(data));
+  }
+  content.seconds.reading = data.ConsumeFloatingPoint<double>();
+  return content;
+}
+
+bool IsAscii(const std::string& text) {
+  return std::all_of(text.begin(), text.end(), [](char character) { return character >= 0; });
+}
+
+/// Bytes that are no UTF-8 cannot come back.
+void ExpectText(const std::string& told, const std::string& text) {
+  Expect(!IsAscii(text) || told == text, "plain text comes back as it was");
+  Expect(told.empty() == text.empty(), "no text is lost");
+}
+
+void ReportAny(FuzzedDataProvider& data) {
+  const Program::Arguments arguments = AnyArguments(data);
+  const Program::ReportContent content = AnyContent(data);
+  const std::string text = Program::ReportText(arguments, content);
+  Expect(text.back() == '\n', "the report ends with an end of line");
+
+  const ToldReport told = ReadReport(text);
+  ExpectText(told.file, arguments.output);
+  Expect(told.size == content.resultSize, "the size comes back");
+  Expect(told.captures.size() == content.captures.size(), "every capture is told of");
+  for (size_t i = 0; i < told.captures.size(); ++i) {
+    const Program::CaptureOutcome& outcome = content.captures[i];
+    ExpectText(told.captures[i].file, outcome.file);
+    Expect(told.captures[i].row == outcome.place.row, "the place comes back");
+    Expect(told.captures[i].hasOverlap == outcome.overlap.has_value(), "the overlap comes back");
+  }
+  Expect(told.warnings == content.warnings.size(), "every warning is told");
+}
+
+}  // namespace
+}  // namespace ScrollingCapture::Fuzzing
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, size_t count) {
+  FuzzedDataProvider data(bytes, count);
+  ScrollingCapture::Fuzzing::ReportAny(data);
+  return 0;
+}

@@ -1,0 +1,117 @@
+// Runs whole sessions over any small captures, damaged files among them. A session writes all that
+// it was asked for, or nothing, and leaves no other file behind.
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include <fuzz/support/Expect.h>
+#include <fuzz/support/Messages.h>
+#include <fuzz/support/Quiet.h>
+#include <fuzz/support/RandomCaptures.h>
+#include <fuzz/velscroll/ToldReport.h>
+#include <opencv2/imgcodecs.hpp>
+#include <tests/storage/SpillTesting.h>
+#include <tests/support/TemporaryFolder.h>
+#include <velscroll/Arguments.h>
+#include <velscroll/Session.h>
+
+namespace ScrollingCapture::Fuzzing {
+namespace {
+
+constexpr int LongestSide = 32;
+
+using Paths = std::set<std::string>;
+
+Paths FilesIn(const Testing::TemporaryFolder& folder) {
+  const std::vector<std::string> files = folder.Contents();
+  return {files.begin(), files.end()};
+}
+
+void WriteCapture(FuzzedDataProvider& data, const cv::Mat& page, const cv::Size& size,
+                  const std::string& path) {
+  if (data.ConsumeIntegralInRange(0, 31) == 0) {
+    Testing::WriteFile(path, data.ConsumeRandomLengthString(64));
+    return;
+  }
+  const cv::Point corner(data.ConsumeIntegralInRange(0, page.cols - size.width),
+                         data.ConsumeIntegralInRange(0, page.rows - size.height));
+  cv::imwrite(path, page(cv::Rect(corner, size)));
+}
+
+void WriteCaptures(FuzzedDataProvider& data, const Testing::TemporaryFolder& folder,
+                   Program::Arguments& arguments) {
+  const cv::Size size = AnySize(data, LongestSide);
+  const int type = data.PickValueInArray({CV_8UC1, CV_8UC3, CV_8UC4, CV_16UC4});
+  const cv::Mat page = AnyPixels(data, {size.width * 2, size.height * 2}, type);
+  const int count = data.ConsumeIntegralInRange(1, 4);
+  for (int i = 0; i < count; ++i) {
+    arguments.captures.push_back(folder.Prefix() + "capture-" + std::to_string(i) + ".png");
+    const bool fits = data.ConsumeIntegralInRange(0, 31) != 0;
+    WriteCapture(data, page, fits ? size : cv::Size(1, 1), arguments.captures.back());
+  }
+}
+
+/// @return the files that the session is asked for
+Paths ChooseSettings(FuzzedDataProvider& data, const Testing::TemporaryFolder& folder,
+                     Program::Arguments& arguments) {
+  arguments.quiet = true;
+  arguments.orientation = data.PickValueInArray(
+      {ScrollOrientation::Vertical, ScrollOrientation::Horizontal, ScrollOrientation::Both});
+  arguments.expectConsistentTranslations = data.ConsumeBool();
+  arguments.keepRepeats = data.ConsumeBool();
+  arguments.output =
+      folder.Prefix() + "page" + data.PickValueInArray({".png", ".jpg", ".bmp", ".webp", ".tiff"});
+  arguments.report = folder.Prefix() + "report.json";
+  Paths asked = {arguments.output, arguments.report};
+  if (data.ConsumeBool()) {
+    arguments.borders = Program::BorderThresholds{data.ConsumeIntegralInRange(0U, 255U),
+                                                  data.ConsumeIntegralInRange(0U, 8U)};
+  }
+  if (data.ConsumeBool()) {
+    arguments.memoryLimit = data.ConsumeIntegralInRange(0U, 8192U);
+    arguments.spillFolder = folder.Path().string();
+  }
+  if (data.ConsumeIntegralInRange(0, 7) == 0) {
+    arguments.preview = folder.Prefix() + "preview.png";
+    arguments.previewSize = AnySize(data, 300);
+    asked.insert(arguments.preview);
+  }
+  return asked;
+}
+
+void ExpectReportTellsOfTheResult(const Program::Arguments& arguments) {
+  const ToldReport report = ReadReport(Testing::ReadFile(arguments.report));
+  const cv::Mat result = cv::imread(arguments.output, cv::IMREAD_UNCHANGED);
+  Expect(!result.empty(), "the result can be read");
+  Expect(report.size == result.size(), "the report tells the result's size");
+  Expect(report.captures.size() == arguments.captures.size(), "every capture is told of");
+}
+
+void RunAny(FuzzedDataProvider& data) {
+  const Quiet quiet;
+  const Testing::TemporaryFolder folder;
+  Program::Arguments arguments;
+  Paths expected = ChooseSettings(data, folder, arguments);
+  WriteCaptures(data, folder, arguments);
+  const Paths before = FilesIn(folder);
+  try {
+    Program::RunSession(arguments);
+  } catch (const Program::Failure& failure) {
+    ExpectOneLine(failure);
+    Expect(FilesIn(folder) == before, "a session that fails leaves nothing behind");
+    return;
+  }
+  expected.insert(before.begin(), before.end());
+  Expect(FilesIn(folder) == expected, "a session writes what it was asked for and nothing else");
+  ExpectReportTellsOfTheResult(arguments);
+}
+
+}  // namespace
+}  // namespace ScrollingCapture::Fuzzing
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, size_t count) {
+  FuzzedDataProvider data(bytes, count);
+  ScrollingCapture::Fuzzing::RunAny(data);
+  return 0;
+}
