@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <optional>
 
 using ScrollingCapture::PlatformImage;
@@ -54,12 +55,11 @@ CaptureSession::CaptureSession(QObject* parent)
 }
 
 CaptureSession::~CaptureSession() {
+  cancel();
   if (worker.joinable()) {
-    cancel();
     worker.join();
-  } else {
-    capture->cleanupListener();  // or else the capture would keep itself alive
   }
+  capture->cleanupListener();  // or else a capture that was not stitched would keep itself alive
 }
 
 void CaptureSession::add(const QImage& grab) { capture->addImageToAdapter(PlatformImageOf(grab)); }
@@ -73,7 +73,12 @@ void CaptureSession::stitch() {
 void CaptureSession::cancel() { progress->cancel(); }
 
 void CaptureSession::stitchOnWorker() {
-  const QImage image = ImageOf(capture->stitchAndReturnFinalImage());
+  QImage image;
+  try {
+    image = ImageOf(capture->stitchAndReturnFinalImage());
+  } catch (const std::exception& error) {  // on its way out of the thread it would end the process
+    qWarning("%s", error.what());
+  }
   if (image.isNull()) {
     emit stopped();
   } else {

@@ -85,6 +85,7 @@ void MainWindow::start() {
   connect(session.get(), &CaptureSession::stitched, this, &MainWindow::showResult);
   connect(session.get(), &CaptureSession::stopped, this, &MainWindow::endWithoutResult);
   grabs = 0;
+  cancelled = false;
   result = {};
   view->verticalScrollBar()->setValue(0);
   progressBar->setRange(0, view->verticalScrollBar()->maximum());
@@ -93,6 +94,7 @@ void MainWindow::start() {
 }
 
 void MainWindow::cancel() {
+  cancelled = true;
   if (scrollTimer.isActive()) {
     scrollTimer.stop();
     endWithoutResult();
@@ -122,17 +124,32 @@ void MainWindow::showProgress(int percent) {
 }
 
 void MainWindow::showResult(const QImage& image) {
+  if (cancelled) {  // the result was on its way already
+    endWithoutResult();
+    return;
+  }
   session.reset();
   result = image;
   showState(QString("%1 × %2 pixels").arg(result.width()).arg(result.height()), false);
-  emit finished(true);
+  emit finished(Outcome::Stitched);
 }
 
 void MainWindow::endWithoutResult() {
   session.reset();
   progressBar->reset();
-  showState("Stopped", false);
-  emit finished(false);
+  showState(cancelled ? "Cancelled" : "The captures could not be stitched", false);
+  emit finished(cancelled ? Outcome::Cancelled : Outcome::Failed);
+  if (closesWhenFinished) {
+    close();
+  }
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  cancel();
+  if (session) {
+    closesWhenFinished = true;
+    event->ignore();
+  }
 }
 
 void MainWindow::askWhereToSave() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCloseEvent>
 #include <QImage>
 #include <QTimer>
 #include <QWidget>
@@ -18,6 +19,9 @@ class MainWindow : public QWidget {
   Q_OBJECT
 
  public:
+  /// How a capture ends.
+  enum class Outcome { Stitched, Cancelled, Failed };
+
   explicit MainWindow(QWidget* parent = nullptr);
 
   /// The whole document in one piece.
@@ -35,8 +39,12 @@ class MainWindow : public QWidget {
   /// A grab was handed over, one of `count` so far.
   void captured(int count);
   void stitchProgressed(int percent);
-  /// The capture has ended with a result, or was cancelled, or failed.
-  void finished(bool hasResult);
+  /// Each start ends with this.
+  void finished(Outcome outcome);
+
+ protected:
+  /// Cancels a capture that is under way; the window then closes as soon as that has ended.
+  void closeEvent(QCloseEvent* event) override;
 
  private:
   void captureAndScroll();
@@ -57,5 +65,7 @@ class MainWindow : public QWidget {
   QTimer scrollTimer;
   std::unique_ptr<CaptureSession> session;
   int grabs = 0;
+  bool cancelled = false;
+  bool closesWhenFinished = false;
   QImage result;
 };

@@ -17,6 +17,7 @@ struct Options {
   QString screenshot;
   QString document;
   QString cancelDuring;
+  QString closeDuring;
 };
 
 Options Parse(const QApplication& application) {
@@ -29,15 +30,28 @@ Options Parse(const QApplication& application) {
       {"screenshot", "With --auto, write a picture of the window while it captures.", "file"},
       {"document", "Write the whole document in one piece to <file>, to compare.", "file"},
       {"cancel-during", "With --auto, cancel during <stage>: capture or stitch.", "stage"},
+      {"close-during", "With --auto, close the window during <stage>.", "stage"},
   });
   parser.process(application);
-  return {parser.isSet("auto"), parser.value("save"), parser.value("screenshot"),
-          parser.value("document"), parser.value("cancel-during")};
+  return {parser.isSet("auto"),     parser.value("save"),          parser.value("screenshot"),
+          parser.value("document"), parser.value("cancel-during"), parser.value("close-during")};
 }
 
 int Fail(const QString& file, const QString& problem) {
   QTextStream(stderr) << file << ": " << problem << '\n';
   return Failed;
+}
+
+bool IsStage(const QString& name) {
+  return name.isEmpty() || name == "capture" || name == "stitch";
+}
+
+void EndEarly(MainWindow& window, const Options& options, const QString& stage) {
+  if (options.cancelDuring == stage) {
+    window.cancel();
+  } else if (options.closeDuring == stage) {
+    window.close();
+  }
 }
 
 /// Does what a user would do with the mouse.
@@ -48,23 +62,21 @@ void RunByItself(MainWindow& window, const Options& options) {
         !window.grab().save(options.screenshot)) {
       QApplication::exit(Fail(options.screenshot, "cannot be written"));
     }
-    if (count == Midway && options.cancelDuring == "capture") {
-      window.cancel();
+    if (count == Midway) {
+      EndEarly(window, options, "capture");
     }
   });
-  QObject::connect(&window, &MainWindow::stitchProgressed, &window, [&] {
-    if (options.cancelDuring == "stitch") {
-      window.cancel();
-    }
-  });
-  QObject::connect(&window, &MainWindow::finished, &window, [&](bool hasResult) {
-    if (!hasResult) {
-      QApplication::exit(options.cancelDuring.isEmpty() ? Failed : Cancelled);
+  QObject::connect(&window, &MainWindow::stitchProgressed, &window,
+                   [&] { EndEarly(window, options, "stitch"); });
+  QObject::connect(&window, &MainWindow::finished, &window, [&](MainWindow::Outcome outcome) {
+    if (outcome != MainWindow::Outcome::Stitched) {
+      QApplication::exit(outcome == MainWindow::Outcome::Cancelled ? Cancelled : Failed);
       return;
     }
     const QString problem = options.save.isEmpty() ? QString() : window.save(options.save);
     QApplication::exit(problem.isEmpty() ? int{Done} : Fail(options.save, problem));
   });
+  QApplication::setQuitOnLastWindowClosed(false);  // the exit status tells how the capture ended
   window.start();
 }
 
@@ -73,9 +85,8 @@ void RunByItself(MainWindow& window, const Options& options) {
 int main(int argc, char** argv) {
   const QApplication application(argc, argv);
   const Options options = Parse(application);
-  if (!options.cancelDuring.isEmpty() && options.cancelDuring != "capture" &&
-      options.cancelDuring != "stitch") {
-    QTextStream(stderr) << "--cancel-during takes capture or stitch\n";
+  if (!IsStage(options.cancelDuring) || !IsStage(options.closeDuring)) {
+    QTextStream(stderr) << "--cancel-during and --close-during take capture or stitch\n";
     return WrongUsage;
   }
   MainWindow window;
