@@ -44,7 +44,8 @@ std::string AnyWord(FuzzedDataProvider& data) {
   if (data.ConsumeIntegralInRange(0, 3) != 0) {
     return data.PickValueInArray(Words);
   }
-  return data.ConsumeRandomLengthString(64).c_str();
+  const std::string word = data.ConsumeRandomLengthString(64);
+  return word.substr(0, word.find('\0'));
 }
 
 void ExpectWithinLimits(const Program::Arguments& arguments) {
@@ -67,6 +68,7 @@ void ParseAny(FuzzedDataProvider& data) {
     words.push_back(AnyWord(data));
   }
   std::vector<const char*> pointers;
+  pointers.reserve(words.size());
   for (const std::string& word : words) {
     pointers.push_back(word.c_str());
   }
