@@ -125,7 +125,7 @@ bool VelScrollingCapture::errorDuringStitching() const { return _errorDuringStit
 void VelScrollingCapture::stitchingComplete(bool /*success*/) { cleanupListener(); }
 
 void VelScrollingCapture::cleanupListener() {
-  const std::shared_ptr<VelScrollingCapture> self = shared_from_this();
+  const std::shared_ptr<VelScrollingCapture> self = weak_from_this().lock();
   if (_stitcherAdapter) {
     _stitcherAdapter->setProgressListener(nullptr);
   }

@@ -28,7 +28,6 @@ using Testing::CaptureSize;
 using testing::Contains;
 using Testing::ContentBox;
 using testing::Each;
-using Testing::NoiseCapture;
 using Testing::RecordingListener;
 using Testing::SameBits;
 using Testing::ScrolledWindow;

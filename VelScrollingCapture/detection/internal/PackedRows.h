@@ -16,13 +16,13 @@ class PackedRows {
   PackedRows(int rows, int width) : width(width), buffer(rows, ComplexColumns(width), CV_32FC2) {}
 
   /// The first rows as packed real numbers: `width` floats each (CV_32FC1).
-  cv::Mat Packed(int rows) {
+  cv::Mat Packed(int rows) const {
     return cv::Mat(buffer.rows, 2 * buffer.cols, CV_32FC1, buffer.data,
                    buffer.step)(cv::Rect(1, 0, width, rows));
   }
 
   /// The first rows as width / 2 + 1 complex numbers each (CV_32FC2).
-  cv::Mat Complex(int rows) { return buffer.rowRange(0, rows); }
+  cv::Mat Complex(int rows) const { return buffer.rowRange(0, rows); }
 
   /// Makes complex numbers of what was written to Packed().
   void Unpack() {

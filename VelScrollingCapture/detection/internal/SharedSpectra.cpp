@@ -48,7 +48,7 @@ SharedSpectra::Spectrum SharedSpectra::Use::MemoryIfUnused() const {
 /// The spectrum of a capture that the next pair will ask for as well.
 SharedSpectra::Spectrum SharedSpectra::KeptSpectrum(const cv::Mat& grey, const cv::Size& dftSize) {
   std::unique_lock<std::mutex> lock(mutex);
-  if (const Spectrum known = WaitFor(Find(grey), lock)) {
+  if (Spectrum known = WaitFor(Find(grey), lock)) {
     return known;
   }
   const std::shared_ptr<Entry> entry = Keep(grey);
@@ -70,7 +70,7 @@ SharedSpectra::Spectrum SharedSpectra::LastUseOfSpectrum(const cv::Mat& grey,
   std::unique_lock<std::mutex> lock(mutex);
   const std::shared_ptr<Entry> entry = Find(grey);
   entries.remove(entry);
-  if (const Spectrum known = WaitFor(entry, lock)) {
+  if (Spectrum known = WaitFor(entry, lock)) {
     return known;
   }
   lock.unlock();

@@ -34,7 +34,7 @@ class SharedSpectra {
 
   /// A spectrum that a thread makes or has made.
   struct Entry {
-    explicit Entry(const cv::Mat& grey) : grey(grey) {}
+    explicit Entry(cv::Mat grey) : grey(std::move(grey)) {}
 
     const cv::Mat grey;
     bool beingMade = true;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <VelScrollingCapture/detection/internal/Blocks.h>
 #include <VelScrollingCapture/detection/internal/SurfaceRows.h>
@@ -15,8 +16,8 @@ constexpr float BoundMargin = 1.01F;
 
 }  // namespace
 
-SurfaceRows::SurfaceRows(const cv::Mat& correlated, const cv::Size& dftSize)
-    : correlated(correlated), spectra(RowsAtOnce, dftSize.width) {}
+SurfaceRows::SurfaceRows(cv::Mat correlated, const cv::Size& dftSize)
+    : correlated(std::move(correlated)), spectra(RowsAtOnce, dftSize.width) {}
 
 std::vector<SurfaceRows::Block> SurfaceRows::Blocks() const {
   const std::vector<float> rowBounds = RowBounds();

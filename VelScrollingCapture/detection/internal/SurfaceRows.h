@@ -19,7 +19,7 @@ class SurfaceRows {
   };
 
   /// @param correlated must live as long as this
-  SurfaceRows(const cv::Mat& correlated, const cv::Size& dftSize);
+  SurfaceRows(cv::Mat correlated, const cv::Size& dftSize);
 
   /// All blocks, from the top down.
   ///

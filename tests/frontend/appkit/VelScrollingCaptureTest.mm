@@ -239,6 +239,17 @@ TEST_F(ObjectiveCCapture, SwapsItsAdapterWithoutFreeingIt) {
   EXPECT_TRUE(adapter->IsEmpty());
 }
 
+TEST_F(ObjectiveCCapture, SwapsItsPreviewAndItsListenerWithoutFreeingThem) {
+  auto* const preview = new PreviewImage({10, 10}, 0, 0);
+  [capture setPreviewImageCreator:preview];
+  EXPECT_EQ([capture previewImageCreator], preview);
+
+  const std::unique_ptr<ProgressListener> listener([capture progressListener]);
+  [capture setProgressListener:nullptr];
+  EXPECT_TRUE([capture progressListener] == nullptr);
+  EXPECT_TRUE(listener->ProgressCallback(1));
+}
+
 class ObjectiveCOwnership : public Testing::PoolTest {
  protected:
   void Start() {
