@@ -22,8 +22,8 @@ class Outputs {
   std::vector<std::string> Names() const;
 
   /// Writes the stitched image, but not yet under its name. Throws Failed.
-  /// @param image CV_8UC4: red, green, blue, premultiplied alpha; used as a workspace
-  void StageImage(cv::Mat image);
+  /// @param picture CV_8UC4: red, green, blue, premultiplied alpha; used as a workspace
+  void StageImage(cv::Mat picture);
 
   /// The same for the preview; only when the arguments ask for one.
   void StagePreview(cv::Mat picture);

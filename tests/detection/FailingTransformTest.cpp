@@ -19,7 +19,6 @@
 namespace ScrollingCapture {
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 using Testing::NoiseCapture;
 using Testing::OpenDetector;

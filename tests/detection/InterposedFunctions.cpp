@@ -39,6 +39,8 @@ ScopedInterposition::~ScopedInterposition() { Interposed() = {}; }
 using ScrollingCapture::Testing::Interposed;
 using ScrollingCapture::Testing::RealFunction;
 
+// The libraries' headers give the parameters other names.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 namespace cv {
 
 VEL_EXPORT void dft(InputArray source, OutputArray destination, int flags, int nonzeroRows) {
@@ -72,3 +74,4 @@ VEL_EXPORT int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mut
   return real(condition, mutex);
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

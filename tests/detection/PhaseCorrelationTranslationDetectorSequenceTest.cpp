@@ -304,7 +304,7 @@ class FreshMatrixProvider : public BasicImageProvider {
   explicit FreshMatrixProvider(const BasicImageProvider& captures) : BasicImageProvider(captures) {}
 
   std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
-    const auto fresh = std::make_shared<cv::Mat>(BasicImageProvider::GetImageAt(index)->clone());
+    auto fresh = std::make_shared<cv::Mat>(BasicImageProvider::GetImageAt(index)->clone());
     const std::lock_guard<std::mutex> lock(mutex);
     asked.push_back(index);
     return fresh;

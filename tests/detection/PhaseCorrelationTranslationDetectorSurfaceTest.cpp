@@ -118,10 +118,10 @@ TEST(CorrelationSurface, EqualsTheReferenceForEveryTransformSizeUpToThirtyTwo) {
 
 TEST(CorrelationSurface, OfCapturesOfDifferentSizeIsMadeWhenTheTransformSizesAgree) {
   // 31 and 32 rows both make a transform of 32 rows.
-  const cv::Mat first = NoiseCapture({40, 31}, 1);
-  const cv::Mat second = NoiseCapture({40, 32}, 2);
-  ExpectReferenceSurface(3, first, second);
-  ExpectReferenceSurface(3, second, first);
+  const cv::Mat lower = NoiseCapture({40, 31}, 1);
+  const cv::Mat higher = NoiseCapture({40, 32}, 2);
+  ExpectReferenceSurface(3, lower, higher);
+  ExpectReferenceSurface(3, higher, lower);
   ExpectReferenceSurface(2, NoiseCapture({48, 127}, 3), NoiseCapture({48, 128}, 4));
 }
 
