@@ -122,11 +122,8 @@ TEST_P(BorderAllocations, GiveTheBorderedPageOrTellWhatFailed) {
   EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore);
 }
 
-INSTANTIATE_TEST_SUITE_P(Failures, BorderAllocations,
-                         testing::Values(FailingAllocator::First, FailingAllocator::All),
-                         [](const auto& test) {
-                           return test.param == FailingAllocator::First ? "First" : "All";
-                         });
+INSTANTIATE_TEST_SUITE_P(Failures, BorderAllocations, testing::ValuesIn(Testing::AllFailures),
+                         Testing::NameOfFailures);
 
 TEST(BorderDetectionOutOfMemory, KeepsTheCapturesUntilTheirBordersAreStored) {
   const ScrolledWindow window(ContentBox, {0, 40});

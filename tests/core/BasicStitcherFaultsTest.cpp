@@ -125,10 +125,7 @@ TEST_P(BasicStitcherAllocations, GiveTheWholeResultOrAnErrorAndTheOldOne) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Failures, BasicStitcherAllocations,
-                         testing::Values(FailingAllocator::First, FailingAllocator::All),
-                         [](const auto& test) {
-                           return test.param == FailingAllocator::First ? "First" : "All";
-                         });
+                         testing::ValuesIn(Testing::AllFailures), Testing::NameOfFailures);
 
 /// Every call that a listener gets on the calling thread: the end of the detection, the composing,
 /// and the completion.

@@ -3,8 +3,6 @@
 #include <iostream>
 #include <limits>
 #include <mutex>
-#include <set>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -17,68 +15,38 @@
 #include "NumberedCaptures.h"
 #include "Page.h"
 #include "ReferenceDetector.h"
+#include "ScrolledPage.h"
 
 namespace ScrollingCapture {
 namespace {
 
 using testing::ElementsAre;
+using Testing::FiveCaptures;
 using testing::IsEmpty;
 using Testing::NumberedCaptures;
-using Testing::NumberOf;
 using Testing::RecordingListener;
 using Testing::ReferenceDetector;
-using testing::Test;
+using Testing::ScrolledPage;
 using testing::TestWithParam;
 
 using Translations = std::vector<Translation>;
 
-/// Windows of a page that each lie a little further down and to the right.
-class ScrolledPage {
- public:
-  explicit ScrolledPage(const std::vector<cv::Point>& windowMotions) {
-    cv::Rect window(20, 20, 90, 80);
-    windows.push_back(window);
-    for (const cv::Point& motion : windowMotions) {
-      window += motion;
-      windows.push_back(window);
-      translations.emplace_back(-motion.y, -motion.x);
-    }
-  }
-
-  BasicImageProvider Captures() const {
-    BasicImageProvider captures;
-    for (const cv::Rect& window : windows) {
-      cv::Mat capture = page(window).clone();
-      captures.Add(capture);
-    }
-    return captures;
-  }
-
-  Translations translations;
-
- private:
-  const cv::Mat page = Testing::TextPage({300, 400});
-  std::vector<cv::Rect> windows;
-};
-
-const ScrolledPage FiveCaptures({{3, 30}, {-4, 17}, {9, 41}, {2, -12}});
-
 class ThreadCounts : public TestWithParam<unsigned int> {};
 
 TEST_P(ThreadCounts, GiveTheMotionsInCaptureOrder) {
-  BasicImageProvider captures = FiveCaptures.Captures();
+  BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, false, GetParam());
-  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures.translations);
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures().translations);
 }
 
 TEST_P(ThreadCounts, GiveTheSameWithConsistencyExpected) {
-  BasicImageProvider captures = FiveCaptures.Captures();
+  BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, true, GetParam());
-  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures.translations);
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures().translations);
 }
 
 TEST_P(ThreadCounts, ReportProgressFromTheWorkersAndTheEndFromTheCaller) {
-  BasicImageProvider captures = FiveCaptures.Captures();
+  BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, false, GetParam());
   RecordingListener listener;
   detector.DetectTranslation(captures, &listener, 0, 90);
@@ -87,7 +55,7 @@ TEST_P(ThreadCounts, ReportProgressFromTheWorkersAndTheEndFromTheCaller) {
 }
 
 TEST_P(ThreadCounts, StopWhenTheFirstProgressCallIsRefused) {
-  BasicImageProvider captures = FiveCaptures.Captures();
+  BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, false, GetParam());
   RecordingListener listener(0);
   EXPECT_THAT(detector.DetectTranslation(captures, &listener, 0, 90), IsEmpty());
@@ -95,7 +63,7 @@ TEST_P(ThreadCounts, StopWhenTheFirstProgressCallIsRefused) {
 }
 
 TEST_P(ThreadCounts, StopWhenAMiddleProgressCallIsRefused) {
-  BasicImageProvider captures = FiveCaptures.Captures();
+  BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, true, GetParam());
   RecordingListener listener(2);
   EXPECT_THAT(detector.DetectTranslation(captures, &listener, 0, 90), IsEmpty());
@@ -106,7 +74,7 @@ TEST_P(ThreadCounts, StopWhenAMiddleProgressCallIsRefused) {
 INSTANTIATE_TEST_SUITE_P(SequenceDetection, ThreadCounts, testing::Values(1, 2, 3, 8));
 
 TEST(SequenceDetection, FailsWhenTheCallersLastProgressCallIsRefused) {
-  BasicImageProvider captures = FiveCaptures.Captures();
+  BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, false, 2);
   RecordingListener listener(4);
   EXPECT_THAT(detector.DetectTranslation(captures, &listener, 0, 90), IsEmpty());
@@ -297,250 +265,6 @@ TEST(SequenceDetection, RunsPairsInOrderOnFreshThreadsWithAThreadCountOfOne) {
   EXPECT_THAT(order, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7));
   EXPECT_FALSE(reused);
 }
-
-/// Hands out a new matrix at each call, and notes what was asked for.
-class FreshMatrixProvider : public BasicImageProvider {
- public:
-  explicit FreshMatrixProvider(const BasicImageProvider& captures) : BasicImageProvider(captures) {}
-
-  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
-    auto fresh = std::make_shared<cv::Mat>(BasicImageProvider::GetImageAt(index)->clone());
-    const std::lock_guard<std::mutex> lock(mutex);
-    asked.push_back(index);
-    return fresh;
-  }
-
-  std::vector<size_t> asked;
-
- private:
-  std::mutex mutex;
-};
-
-TEST(SequenceDetection, TakesAFreshMatrixAtEachCall) {
-  for (const unsigned int threadCount : {1U, 3U}) {
-    FreshMatrixProvider captures(FiveCaptures.Captures());
-    PhaseCorrelationTranslationDetector detector(Both, false, threadCount);
-    EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures.translations);
-  }
-}
-
-TEST(SequenceDetection, AsksForTheEarlierAndThenTheLaterCaptureOfEachPair) {
-  FreshMatrixProvider captures(FiveCaptures.Captures());
-  PhaseCorrelationTranslationDetector detector(Both, false, 1);
-  detector.DetectTranslation(captures, nullptr, 0, 90);
-  EXPECT_THAT(captures.asked, ElementsAre(0, 1, 1, 2, 2, 3, 3, 4));
-}
-
-TEST(SequenceDetection, HandsAFailureOfTheProviderToTheCallerOnceAllWorkersHaveEnded) {
-  class LosingProvider : public BasicImageProvider {
-   public:
-    explicit LosingProvider(const BasicImageProvider& captures) : BasicImageProvider(captures) {}
-    std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
-      if (index == 2) {
-        throw std::runtime_error("lost");
-      }
-      return BasicImageProvider::GetImageAt(index);
-    }
-  };
-  for (const unsigned int threadCount : {1U, 3U}) {
-    LosingProvider captures(FiveCaptures.Captures());
-    PhaseCorrelationTranslationDetector detector(Both, false, threadCount);
-    EXPECT_THROW(detector.DetectTranslation(captures, nullptr, 0, 90), std::runtime_error);
-  }
-}
-
-TEST(SequenceDetection, TakesRepeatedCaptures) {
-  BasicImageProvider captures;
-  const cv::Mat page = Testing::TextPage({100, 300});
-  for (const int top : {0, 0, 40, 40, 40, 0}) {
-    cv::Mat capture = page(cv::Rect(0, top, 100, 90)).clone();
-    captures.Add(capture);
-  }
-  for (const unsigned int threadCount : {1U, 3U}) {
-    PhaseCorrelationTranslationDetector detector(Both, false, threadCount);
-    EXPECT_THAT(detector.DetectTranslation(captures, nullptr, 0, 90),
-                ElementsAre(Translation(0, 0), Translation(-40, 0), Translation(0, 0),
-                            Translation(0, 0), Translation(40, 0)));
-  }
-}
-
-/// Gives another picture whenever a capture is asked for again: the pairs of a sequence then have
-/// nothing in common.
-class ChangingProvider : public BasicImageProvider {
- public:
-  explicit ChangingProvider(size_t count) : BasicImageProvider(NumberedCaptures(count)) {}
-
-  /// The capture at an index, when it is asked for as the later or as the earlier one of a pair.
-  static cv::Mat Capture(size_t index, bool later) {
-    const cv::Mat page = Testing::TextPage({200, 300}, 2 * index + (later ? 0 : 1));
-    return page(cv::Rect(0, later ? 20 : 0, 90, 80)).clone();
-  }
-
-  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
-    const std::lock_guard<std::mutex> lock(mutex);
-    const bool later = index > 0 && laterSeen.insert(index).second;
-    return std::make_shared<cv::Mat>(Capture(index, later));
-  }
-
- private:
-  std::mutex mutex;
-  std::set<size_t> laterSeen;
-};
-
-TEST(SequenceDetection, UsesThePixelsOfTheMomentAndNeverAnEarlierOnes) {
-  ChangingProvider captures(6);
-  PhaseCorrelationTranslationDetector detector(Both, false, 1);
-  const Translations found = detector.DetectTranslation(captures, nullptr, 0, 90);
-  Translations expected;
-  for (size_t pair = 0; pair < 5; ++pair) {
-    expected.push_back(ReferenceDetector(Both).DetectTranslation(
-        ChangingProvider::Capture(pair, false), ChangingProvider::Capture(pair + 1, true)));
-  }
-  EXPECT_EQ(found, expected);
-}
-
-/// Hands out one matrix that it fills anew at each call, as a provider with a single buffer might.
-/// The pixels of a capture then change while its address stays.
-class SharedBufferProvider : public BasicImageProvider {
- public:
-  explicit SharedBufferProvider(const BasicImageProvider& captures)
-      : BasicImageProvider(captures),
-        buffers{std::make_shared<cv::Mat>(), std::make_shared<cv::Mat>()} {}
-
-  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
-    const std::shared_ptr<cv::Mat>& buffer = buffers[calls++ % 2];
-    BasicImageProvider::GetImageAt(index)->copyTo(*buffer);
-    return buffer;
-  }
-
- private:
-  std::shared_ptr<cv::Mat> buffers[2];
-  size_t calls = 0;
-};
-
-TEST(SequenceDetection, TakesCapturesWhoseMemoryIsUsedAgain) {
-  SharedBufferProvider captures(FiveCaptures.Captures());
-  PhaseCorrelationTranslationDetector detector(Both, false, 1);
-  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures.translations);
-}
-
-TEST(SequenceDetection, TakesPairsOfDifferentSizeWhoseTransformSizesAgree) {
-  BasicImageProvider captures;
-  for (const int rows : {127, 128, 127, 127, 128}) {
-    cv::Mat capture = Testing::TextPage({96, rows}, static_cast<unsigned int>(rows));
-    captures.Add(capture);
-  }
-  Translations expected;
-  for (size_t pair = 0; pair < 4; ++pair) {
-    expected.push_back(ReferenceDetector(Both).DetectTranslation(*captures.GetImageAt(pair),
-                                                                 *captures.GetImageAt(pair + 1)));
-  }
-  PhaseCorrelationTranslationDetector detector(Both, false, 1);
-  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), expected);
-}
-
-/// Gives a scripted translation and alternative for each pair of numbered captures.
-class ScriptedPairsDetector : public PhaseCorrelationTranslationDetector {
- public:
-  ScriptedPairsDetector(bool expectConsistentTranslations, Translations best,
-                        Translations alternatives)
-      : PhaseCorrelationTranslationDetector(Both, expectConsistentTranslations, 2),
-        best(std::move(best)),
-        alternatives(std::move(alternatives)) {}
-
-  using PhaseCorrelationTranslationDetector::DetectTranslation;
-
-  Translation DetectTranslation(const cv::Mat& first, const cv::Mat& /*second*/) override {
-    return best.at(NumberOf(first));
-  }
-
-  Translation DetectTranslationWithAlternative(const cv::Mat& first, const cv::Mat& /*second*/,
-                                               Translation& alternative) override {
-    alternative = alternatives.at(NumberOf(first));
-    return best.at(NumberOf(first));
-  }
-
- private:
-  Translations best;
-  Translations alternatives;
-};
-
-TEST(SequenceDetection, UsesThePairwiseOperationOfADerivedDetector) {
-  BasicImageProvider captures = NumberedCaptures(3);
-  ScriptedPairsDetector detector(false, {{1, 2}, {3, 4}}, {});
-  EXPECT_THAT(detector.DetectTranslation(captures, nullptr, 0, 90),
-              ElementsAre(Translation(1, 2), Translation(3, 4)));
-}
-
-TEST(SequenceDetection, UsesTheAlternativeOperationOfADerivedDetectorWhenConsistencyIsExpected) {
-  class OnlyAlternatives : public PhaseCorrelationTranslationDetector {
-   public:
-    OnlyAlternatives() : PhaseCorrelationTranslationDetector(Both, true, 1) {}
-    Translation DetectTranslationWithAlternative(const cv::Mat& /*first*/,
-                                                 const cv::Mat& /*second*/,
-                                                 Translation& /*alternative*/) override {
-      return {5, 6};
-    }
-  } detector;
-  BasicImageProvider captures = NumberedCaptures(2);
-  ITranslationDetector& interface = detector;
-  EXPECT_THAT(interface.DetectTranslation(captures, nullptr, 0, 90),
-              ElementsAre(Translation(5, 6)));
-}
-
-struct Consistency {
-  std::string name;
-  Translations best;
-  Translations alternatives;
-  Translations result;
-};
-
-void PrintTo(const Consistency& consistency, std::ostream* stream) { *stream << consistency.name; }
-
-class ConsistencyPass : public TestWithParam<Consistency> {};
-
-TEST_P(ConsistencyPass, PrefersAnAlternativeThatRepeatsTheTranslationBefore) {
-  BasicImageProvider captures = NumberedCaptures(GetParam().best.size() + 1);
-  ScriptedPairsDetector detector(true, GetParam().best, GetParam().alternatives);
-  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), GetParam().result);
-}
-
-TEST_P(ConsistencyPass, IsLeftOutWhenConsistencyIsNotExpected) {
-  BasicImageProvider captures = NumberedCaptures(GetParam().best.size() + 1);
-  ScriptedPairsDetector detector(false, GetParam().best, GetParam().alternatives);
-  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), GetParam().best);
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, ConsistencyPass,
-                         testing::Values(Consistency{"ReplacesAnOutlier",
-                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
-                                                     {{-50, 0}, {-50, 0}, {-50, 0}},
-                                                     {{-50, 0}, {-50, 0}, {-50, 0}}},
-                                         Consistency{"KeepsAPairWithoutAnotherCandidate",
-                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
-                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
-                                                     {{-50, 0}, {-50, 0}, {-3, 0}}},
-                                         Consistency{"NeverReplacesTheFirstPair",
-                                                     {{-3, 0}, {-50, 0}},
-                                                     {{-50, 0}, {-50, 0}},
-                                                     {{-3, 0}, {-50, 0}}},
-                                         Consistency{"GoesOnAlongTheSequence",
-                                                     {{-50, 0}, {-3, 0}, {-4, 0}, {-5, 0}},
-                                                     {{-50, 0}, {-50, 0}, {-50, 0}, {-50, 0}},
-                                                     {{-50, 0}, {-50, 0}, {-50, 0}, {-50, 0}}},
-                                         Consistency{"ComparesWithTheReplacedTranslation",
-                                                     {{-50, 0}, {-3, 0}, {-7, 0}},
-                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
-                                                     {{-50, 0}, {-50, 0}, {-7, 0}}},
-                                         Consistency{"ComparesColumnsAsWell",
-                                                     {{-50, 1}, {-3, 0}},
-                                                     {{-50, 1}, {-50, 0}},
-                                                     {{-50, 1}, {-3, 0}}},
-                                         Consistency{"IgnoresAnAlternativeThatRepeatsTheNextPair",
-                                                     {{-3, 0}, {-4, 0}, {-50, 0}},
-                                                     {{-3, 0}, {-50, 0}, {-50, 0}},
-                                                     {{-3, 0}, {-4, 0}, {-50, 0}}}),
-                         [](const auto& instance) { return instance.param.name; });
 
 }  // namespace
 }  // namespace ScrollingCapture

@@ -146,10 +146,7 @@ TEST_P(CaptureObjectAllocations, RenderGreyOrGiveNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Failures, CaptureObjectAllocations,
-                         testing::Values(FailingAllocator::First, FailingAllocator::All),
-                         [](const auto& test) {
-                           return test.param == FailingAllocator::First ? "First" : "All";
-                         });
+                         testing::ValuesIn(Testing::AllFailures), Testing::NameOfFailures);
 
 /// Goes on, and throws at one of the messages that come from the thread that made it.
 class ThrowingDelegate : public ScrollingProgressDelegate {

@@ -82,11 +82,8 @@ TEST_P(PreviewAllocations, LeaveThePreviewReadyForTheSameCaptureAgainWhenTheyFai
   EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore);
 }
 
-INSTANTIATE_TEST_SUITE_P(Failures, PreviewAllocations,
-                         testing::Values(FailingAllocator::First, FailingAllocator::All),
-                         [](const auto& test) {
-                           return test.param == FailingAllocator::First ? "First" : "All";
-                         });
+INSTANTIATE_TEST_SUITE_P(Failures, PreviewAllocations, testing::ValuesIn(Testing::AllFailures),
+                         Testing::NameOfFailures);
 
 TEST(PreviewImageOutOfMemory, ThrowsWhenThereIsNoMemoryForTheFirstCanvas) {
   const FailingAllocator memory(0, FailingAllocator::All);

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <limits>
+#include <string>
 #include <thread>
 
+#include <gtest/gtest.h>
 #include <opencv2/core.hpp>
 
 namespace ScrollingCapture::Testing {
@@ -93,6 +96,13 @@ class FailingAllocator {
 
   cv::MatAllocator* previous;
 };
+
+/// For suites that are run with each way of failing.
+inline constexpr std::array AllFailures = {FailingAllocator::First, FailingAllocator::All};
+
+inline std::string NameOfFailures(const testing::TestParamInfo<FailingAllocator::Failures>& test) {
+  return test.param == FailingAllocator::First ? "First" : "All";
+}
 
 /// Calls `attempt(passing)` with 0, 1, 2, ... until it returns false: until nothing has failed in
 /// it.
