@@ -4,6 +4,7 @@
 
 #include <VelScrollingCapture/core/Utilities.h>
 
+#include "../support/FailingAllocator.h"
 #include "../support/MatrixTesting.h"
 #include "Page.h"
 #include "ReferenceDetector.h"
@@ -11,6 +12,7 @@
 namespace ScrollingCapture {
 namespace {
 
+using Testing::FailingAllocator;
 using Testing::NoiseCapture;
 using Testing::PlainCapture;
 using Testing::TextPage;
@@ -102,6 +104,21 @@ TEST(Similarity, FindsEveryColourEqualToItsGreyLevel) {
     cv::cvtColor(grey, grey, cv::COLOR_GRAY2RGBA);
     ASSERT_EQ(Utilities::CalculateSimilarity(colours, grey), 1.0) << "red " << red;
   }
+}
+
+/// Also holds that the conversion of this OpenCV is the fixed point that grey levels are summed up
+/// in: where it is not, they go through matrices.
+TEST(Similarity, AllocatesNoMatrix) {
+  const cv::Mat first = NoiseCapture({33, 17}, 1);
+  const cv::Mat second = NoiseCapture({33, 17}, 2);
+  const double similarity = Utilities::CalculateSimilarity(first, second);
+  const FailingAllocator memory(0, FailingAllocator::All);
+  EXPECT_EQ(Utilities::CalculateSimilarity(first, second), similarity);
+}
+
+TEST(Similarity, IsExactForRowsWhoseDifferencesExceed32Bits) {
+  const cv::Size row(17'000'000, 1);
+  EXPECT_EQ(Utilities::CalculateSimilarity(PlainCapture(row, 0), PlainCapture(row, 255)), 0.0);
 }
 
 TEST(Similarity, TakesCapturesWithGapsBetweenTheRows) {

@@ -22,8 +22,11 @@ constexpr short Red = 9798;
 constexpr short Green = 19235;
 constexpr short Blue = 3735;
 
-/// Of the vectors that OpenCV has for every processor. Red and blue, and green and alpha, are
-/// weighed as pairs.
+/// A few million pixels.
+constexpr std::size_t BytesOfBlock = std::size_t{1} << 24;
+
+/// Grey levels in the vector types that OpenCV has for every processor. Red and blue, and green and
+/// alpha, are weighed as pairs.
 class PortableGrey {
  public:
   static constexpr std::size_t BytesAtOnce = 16;
@@ -44,7 +47,8 @@ class PortableGrey {
   cv::v_int32x4 oneHalf = cv::v_setall_s32(OneHalf);
 };
 
-std::uint64_t SumWithPortableVectors(const uchar* first, const uchar* second, std::size_t bytes) {
+/// @param bytes  at most BytesOfBlock, so that the sum fits into 32 bits
+std::uint32_t SumOfBlock(const uchar* first, const uchar* second, std::size_t bytes) {
   const PortableGrey grey;
   cv::v_uint32x4 sum = cv::v_setzero_u32();
   const auto add = [&](const uchar* firstPixels, const uchar* secondPixels) {
@@ -62,6 +66,14 @@ std::uint64_t SumWithPortableVectors(const uchar* first, const uchar* second, st
     add(firstRest.data(), secondRest.data());
   }
   return cv::v_reduce_sum(sum);
+}
+
+std::uint64_t SumWithPortableVectors(const uchar* first, const uchar* second, std::size_t bytes) {
+  std::uint64_t sum = 0;
+  for (std::size_t byte = 0; byte < bytes; byte += BytesOfBlock) {
+    sum += SumOfBlock(first + byte, second + byte, std::min(BytesOfBlock, bytes - byte));
+  }
+  return sum;
 }
 
 #if SCROLLING_CAPTURE_WITH_AVX2
