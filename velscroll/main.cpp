@@ -9,12 +9,12 @@
 
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
-#include <velscroll/Arguments.h>
-#include <velscroll/Failure.h>
-#include <velscroll/Interruption.h>
-#include <velscroll/ProgressBar.h>
-#include <velscroll/Session.h>
-#include <velscroll/SpillFolder.h>
+#include <velscroll/arguments/Arguments.h>
+#include <velscroll/stitch/Session.h>
+#include <velscroll/stitch/SpillFolder.h>
+#include <velscroll/terminal/Failure.h>
+#include <velscroll/terminal/Interruption.h>
+#include <velscroll/terminal/ProgressBar.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -1,5 +1,5 @@
-#include <VelScrollingCapture/core/StitcherFactory.h>
 #include <VelScrollingCapture/frontend/StitcherAdapter.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 
 using ScrollingCapture::ScrollOrientation;
 using ScrollingCapture::StitcherFactory;

@@ -1,8 +1,8 @@
 #include <utility>
 
 #include <VelScrollingCapture/core/internal/Truncation.h>
-#include <VelScrollingCapture/frontend/RepeatFilter.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+#include <VelScrollingCapture/similarity/RepeatFilter.h>
 
 namespace ScrollingCapture {
 namespace {

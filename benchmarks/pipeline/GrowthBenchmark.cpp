@@ -2,13 +2,12 @@
 #include <memory>
 
 #include <benchmark/benchmark.h>
+#include <testkit/PeakMemory.h>
+#include <testkit/pages/Page.h>
 
 #include <VelScrollingCapture/core/IStitcher.h>
-#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../../tests/detection/Page.h"
-#include "../support/PeakMemory.h"
 
 namespace ScrollingCapture {
 namespace {

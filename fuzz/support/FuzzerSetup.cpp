@@ -1,8 +1,8 @@
 // What every fuzz target starts with.
 
-#include <fuzz/support/CappedAllocator.h>
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
+#include <testkit/faults/CappedAllocator.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {

@@ -7,7 +7,7 @@
 #include <fuzz/support/Messages.h>
 #include <fuzz/support/Quiet.h>
 #include <fuzzer/FuzzedDataProvider.h>
-#include <velscroll/Arguments.h>
+#include <velscroll/arguments/Arguments.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {

@@ -5,9 +5,9 @@
 
 #include <fuzz/support/Expect.h>
 #include <fuzz/support/Messages.h>
-#include <tests/storage/SpillTesting.h>
-#include <tests/support/TemporaryFolder.h>
-#include <velscroll/ImageFile.h>
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
+#include <velscroll/input/ImageFile.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {

@@ -6,7 +6,7 @@
 #include <fuzz/support/Expect.h>
 #include <fuzz/support/RandomCaptures.h>
 #include <fuzz/velscroll/ToldReport.h>
-#include <velscroll/Report.h>
+#include <velscroll/report/Report.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {

@@ -11,10 +11,10 @@
 #include <fuzz/support/RandomCaptures.h>
 #include <fuzz/velscroll/ToldReport.h>
 #include <opencv2/imgcodecs.hpp>
-#include <tests/storage/SpillTesting.h>
-#include <tests/support/TemporaryFolder.h>
-#include <velscroll/Arguments.h>
-#include <velscroll/Session.h>
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
+#include <velscroll/arguments/Arguments.h>
+#include <velscroll/stitch/Session.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {

@@ -3,10 +3,9 @@
 #include <string>
 
 #include <gtest/gtest.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/StreamCapture.h"
-#include "OpenBorderDetection.h"
+#include <testkit/MatrixTesting.h>
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/StreamCapture.h>
 
 namespace ScrollingCapture {
 namespace {

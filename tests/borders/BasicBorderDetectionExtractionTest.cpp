@@ -5,10 +5,9 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/StreamCapture.h"
-#include "OpenBorderDetection.h"
+#include <testkit/MatrixTesting.h>
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/StreamCapture.h>
 
 namespace ScrollingCapture {
 namespace {

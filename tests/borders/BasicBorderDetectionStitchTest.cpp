@@ -7,18 +7,17 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/RecordingListener.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/TemporaryFolder.h>
+#include <testkit/pages/ScrolledWindow.h>
 
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>
-#include <VelScrollingCapture/core/BasicStitcher.h>
-#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/stitching/BasicStitcher.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
 #include <VelScrollingCapture/storage/MemoryEfficientImageProvider.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/RecordingListener.h"
-#include "../support/StreamCapture.h"
-#include "../support/TemporaryFolder.h"
-#include "ScrolledWindow.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -7,17 +7,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/RecordingListener.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/faults/FailingAllocator.h>
+#include <testkit/faults/ThrowingListener.h>
+#include <testkit/pages/ScrolledWindow.h>
 
-#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../support/FailingAllocator.h"
-#include "../support/MatrixTesting.h"
-#include "../support/RecordingListener.h"
-#include "../support/StreamCapture.h"
-#include "../support/ThrowingListener.h"
-#include "OpenBorderDetection.h"
-#include "ScrolledWindow.h"
 
 namespace ScrollingCapture {
 namespace {

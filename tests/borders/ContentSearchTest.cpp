@@ -5,10 +5,9 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-
-#include "../support/StreamCapture.h"
-#include "OpenBorderDetection.h"
-#include "ReferenceContentBox.h"
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/references/ReferenceContentBox.h>
 
 namespace ScrollingCapture {
 namespace {

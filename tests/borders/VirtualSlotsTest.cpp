@@ -2,9 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "../support/VirtualSlots.h"
-#include "OpenBorderDetection.h"
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/VirtualSlots.h>
 
 namespace ScrollingCapture {
 namespace {

@@ -2,10 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/VirtualSlots.h>
 
 #include <VelScrollingCapture/ScrollingCapture.h>
-
-#include "../support/VirtualSlots.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -8,12 +8,11 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/faults/FailingAllocator.h>
+#include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
-
-#include "../support/FailingAllocator.h"
-#include "../support/StreamCapture.h"
-#include "ScrolledCaptures.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -7,10 +7,9 @@
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
-
-#include "ScrolledCaptures.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -4,11 +4,10 @@
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/MatrixTesting.h>
+#include <testkit/faults/FailingAllocator.h>
 
 #include <VelScrollingCapture/preview/PreviewImage.h>
-
-#include "../support/FailingAllocator.h"
-#include "../support/MatrixTesting.h"
 
 namespace ScrollingCapture {
 namespace {

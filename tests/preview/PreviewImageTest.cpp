@@ -5,11 +5,10 @@
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/MatrixTesting.h>
+#include <testkit/references/ReferencePreview.h>
 
 #include <VelScrollingCapture/preview/PreviewImage.h>
-
-#include "../support/MatrixTesting.h"
-#include "ReferencePreview.h"
 
 namespace ScrollingCapture {
 namespace {

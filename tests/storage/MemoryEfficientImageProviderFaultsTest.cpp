@@ -5,10 +5,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "../support/FailingAllocator.h"
-#include "../support/TemporaryFolder.h"
-#include "SpillTesting.h"
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
+#include <testkit/faults/FailingAllocator.h>
 
 namespace ScrollingCapture {
 namespace {

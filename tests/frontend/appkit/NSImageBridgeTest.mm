@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/MatrixTesting.h>
 
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 
-#include "../../support/MatrixTesting.h"
 #include "PoolTest.h"
 
 namespace ScrollingCapture {

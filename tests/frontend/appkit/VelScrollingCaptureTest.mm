@@ -4,12 +4,12 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/ScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
 
-#include "../ScrolledCaptures.h"
 #include "PoolTest.h"
 
 /// Remembers the progress it is told, and goes on until it has been told `limit` times.

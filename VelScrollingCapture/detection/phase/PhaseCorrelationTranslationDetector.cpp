@@ -1,0 +1,95 @@
+#include <iostream>
+#include <typeinfo>
+
+#include <VelScrollingCapture/detection/internal/SequenceDetection.h>
+#include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/detection/phase/internal/PairDetection.h>
+#include <VelScrollingCapture/detection/phase/internal/SharedSpectra.h>
+#include <VelScrollingCapture/detection/phase/internal/Transforms.h>
+
+namespace ScrollingCapture {
+
+PhaseCorrelationTranslationDetector::PhaseCorrelationTranslationDetector(
+    ScrollOrientation orientation, bool expectConsistentTranslations, unsigned int threadCount)
+    : orientation(orientation),
+      expectConsistentTranslations(expectConsistentTranslations),
+      threadCount(threadCount) {}
+
+Translation PhaseCorrelationTranslationDetector::DetectTranslation(const cv::Mat& first,
+                                                                   const cv::Mat& second) {
+  return PairDetection(orientation).Detect(first, second);
+}
+
+Translation PhaseCorrelationTranslationDetector::DetectTranslationWithAlternative(
+    const cv::Mat& first, const cv::Mat& second, Translation& alternative) {
+  return PairDetection(orientation).DetectWithAlternative(first, second, alternative);
+}
+
+/// Neighbouring pairs share spectra, unless a derived class may want to detect its pairs itself.
+std::vector<Translation> PhaseCorrelationTranslationDetector::DetectTranslation(
+    IImageProvider& images, IStitcherListener* listener, int progressStart, int progressEnd) {
+  const SequenceDetection::Settings settings = {expectConsistentTranslations, threadCount,
+                                                progressStart, progressEnd};
+  if (typeid(*this) != typeid(PhaseCorrelationTranslationDetector)) {
+    const auto detectPair = [this](const cv::Mat& first, const cv::Mat& second,
+                                   Translation& alternative) {
+      return expectConsistentTranslations
+                 ? DetectTranslationWithAlternative(first, second, alternative)
+                 : DetectTranslation(first, second);
+    };
+    return SequenceDetection(detectPair, images, listener, settings).Run();
+  }
+  // Every running pair has a spectrum that its successor needs, and so has the last one to end.
+  SharedSpectra spectra(static_cast<size_t>(threadCount) + 1);
+  const auto detectPair = [this, &spectra](const cv::Mat& first, const cv::Mat& second,
+                                           Translation& alternative) {
+    const PairDetection detection(orientation, &spectra);
+    return expectConsistentTranslations
+               ? detection.DetectWithAlternative(first, second, alternative)
+               : detection.Detect(first, second);
+  };
+  return SequenceDetection(detectPair, images, listener, settings).Run();
+}
+
+cv::Mat PhaseCorrelationTranslationDetector::CalculateCorrelationMatrix(const cv::Mat& first,
+                                                                        const cv::Mat& second,
+                                                                        cv::Size& dftSize) const {
+  try {
+    cv::Mat surface = PairDetection(orientation).Surface(first, second);
+    dftSize = surface.size();
+    return surface;
+  } catch (const FailedTransform& failure) {
+    ReportFailedTransform(failure);
+    return {};
+  }
+}
+
+bool PhaseCorrelationTranslationDetector::PerformDFT(const cv::Mat& source, cv::Mat& spectrum,
+                                                     cv::Size& dftSize) const {
+  dftSize = TransformSize(source.size(), orientation);
+  try {
+    spectrum = FullSpectrum(source, dftSize);
+    return true;
+  } catch (const FailedTransform&) {
+    std::cerr << "Error: PerformDFT failed." << std::endl;
+    return false;
+  }
+}
+
+bool PhaseCorrelationTranslationDetector::PerformIDFT(const cv::Mat& spectrum,
+                                                      cv::Mat& surface) const {
+  try {
+    surface = InverseOfFullSpectrum(spectrum);
+    return true;
+  } catch (const FailedTransform&) {
+    std::cerr << "Error: PerformIDFT failed." << std::endl;
+    return false;
+  }
+}
+
+Translation PhaseCorrelationTranslationDetector::ConvertFrequencyCoordinatesToTranslation(
+    const int (&peak)[2], const cv::Size& dftSize) const {
+  return TranslationOfPeak(peak, dftSize, orientation);
+}
+
+}  // namespace ScrollingCapture

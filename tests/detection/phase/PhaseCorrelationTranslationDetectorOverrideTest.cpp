@@ -1,0 +1,124 @@
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <testkit/pages/NumberedCaptures.h>
+
+namespace ScrollingCapture {
+namespace {
+
+using testing::ElementsAre;
+using Testing::NumberedCaptures;
+using Testing::NumberOf;
+using testing::TestWithParam;
+
+using Translations = std::vector<Translation>;
+
+/// Gives a scripted translation and alternative for each pair of numbered captures.
+class ScriptedPairsDetector : public PhaseCorrelationTranslationDetector {
+ public:
+  ScriptedPairsDetector(bool expectConsistentTranslations, Translations best,
+                        Translations alternatives)
+      : PhaseCorrelationTranslationDetector(Both, expectConsistentTranslations, 2),
+        best(std::move(best)),
+        alternatives(std::move(alternatives)) {}
+
+  using PhaseCorrelationTranslationDetector::DetectTranslation;
+
+  Translation DetectTranslation(const cv::Mat& first, const cv::Mat& /*second*/) override {
+    return best.at(NumberOf(first));
+  }
+
+  Translation DetectTranslationWithAlternative(const cv::Mat& first, const cv::Mat& /*second*/,
+                                               Translation& alternative) override {
+    alternative = alternatives.at(NumberOf(first));
+    return best.at(NumberOf(first));
+  }
+
+ private:
+  Translations best;
+  Translations alternatives;
+};
+
+TEST(SequenceDetection, UsesThePairwiseOperationOfADerivedDetector) {
+  BasicImageProvider captures = NumberedCaptures(3);
+  ScriptedPairsDetector detector(false, {{1, 2}, {3, 4}}, {});
+  EXPECT_THAT(detector.DetectTranslation(captures, nullptr, 0, 90),
+              ElementsAre(Translation(1, 2), Translation(3, 4)));
+}
+
+TEST(SequenceDetection, UsesTheAlternativeOperationOfADerivedDetectorWhenConsistencyIsExpected) {
+  class OnlyAlternatives : public PhaseCorrelationTranslationDetector {
+   public:
+    OnlyAlternatives() : PhaseCorrelationTranslationDetector(Both, true, 1) {}
+    Translation DetectTranslationWithAlternative(const cv::Mat& /*first*/,
+                                                 const cv::Mat& /*second*/,
+                                                 Translation& /*alternative*/) override {
+      return {5, 6};
+    }
+  } detector;
+  BasicImageProvider captures = NumberedCaptures(2);
+  ITranslationDetector& interface = detector;
+  EXPECT_THAT(interface.DetectTranslation(captures, nullptr, 0, 90),
+              ElementsAre(Translation(5, 6)));
+}
+
+struct Consistency {
+  std::string name;
+  Translations best;
+  Translations alternatives;
+  Translations result;
+};
+
+void PrintTo(const Consistency& consistency, std::ostream* stream) { *stream << consistency.name; }
+
+class ConsistencyPass : public TestWithParam<Consistency> {};
+
+TEST_P(ConsistencyPass, PrefersAnAlternativeThatRepeatsTheTranslationBefore) {
+  BasicImageProvider captures = NumberedCaptures(GetParam().best.size() + 1);
+  ScriptedPairsDetector detector(true, GetParam().best, GetParam().alternatives);
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), GetParam().result);
+}
+
+TEST_P(ConsistencyPass, IsLeftOutWhenConsistencyIsNotExpected) {
+  BasicImageProvider captures = NumberedCaptures(GetParam().best.size() + 1);
+  ScriptedPairsDetector detector(false, GetParam().best, GetParam().alternatives);
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), GetParam().best);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, ConsistencyPass,
+                         testing::Values(Consistency{"ReplacesAnOutlier",
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-50, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-50, 0}}},
+                                         Consistency{"KeepsAPairWithoutAnotherCandidate",
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}}},
+                                         Consistency{"NeverReplacesTheFirstPair",
+                                                     {{-3, 0}, {-50, 0}},
+                                                     {{-50, 0}, {-50, 0}},
+                                                     {{-3, 0}, {-50, 0}}},
+                                         Consistency{"GoesOnAlongTheSequence",
+                                                     {{-50, 0}, {-3, 0}, {-4, 0}, {-5, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-50, 0}, {-50, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-50, 0}, {-50, 0}}},
+                                         Consistency{"ComparesWithTheReplacedTranslation",
+                                                     {{-50, 0}, {-3, 0}, {-7, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-3, 0}},
+                                                     {{-50, 0}, {-50, 0}, {-7, 0}}},
+                                         Consistency{"ComparesColumnsAsWell",
+                                                     {{-50, 1}, {-3, 0}},
+                                                     {{-50, 1}, {-50, 0}},
+                                                     {{-50, 1}, {-3, 0}}},
+                                         Consistency{"IgnoresAnAlternativeThatRepeatsTheNextPair",
+                                                     {{-3, 0}, {-4, 0}, {-50, 0}},
+                                                     {{-3, 0}, {-50, 0}, {-50, 0}},
+                                                     {{-3, 0}, {-4, 0}, {-50, 0}}}),
+                         [](const auto& instance) { return instance.param.name; });
+
+}  // namespace
+}  // namespace ScrollingCapture
