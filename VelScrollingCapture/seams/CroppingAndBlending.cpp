@@ -2,10 +2,10 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <vector>
 
 #include <VelScrollingCapture/core/Utilities.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -178,7 +178,7 @@ void Utilities::MakeColumnTransparent(cv::Mat& image, const cv::Point& start,
 void Utilities::ClipCorner(cv::Mat& image, const cv::Point& first, const cv::Point& second,
                            bool towardsOrigin) {
   if (!IsInside(image, first) || !IsInside(image, second)) {
-    std::cerr << "Points given are out of the bounds for the given matrix\n";
+    TellErrorWithoutFlush("Points given are out of the bounds for the given matrix");
     return;
   }
   if (first.x == second.x) {
@@ -238,12 +238,13 @@ void Utilities::CropCaptureImage(cv::Mat& capture, const Translation& translatio
 void Utilities::BlendImages(const cv::Mat& source, cv::Mat& target, const cv::Range& targetRows,
                             const cv::Range& targetColumns) {
   if (Length(targetRows) != source.rows || Length(targetColumns) != source.cols) {
-    std::cerr << "The Ranges provided must be the same width and heigh as the source image\n";
+    TellErrorWithoutFlush(
+        "The Ranges provided must be the same width and heigh as the source image");
     return;
   }
   if (targetRows.start < 0 || targetColumns.start < 0 || targetRows.end > target.rows ||
       targetColumns.end > target.cols) {
-    std::cerr << "The Ranges provided must be within the bounds of the target image\n";
+    TellErrorWithoutFlush("The Ranges provided must be within the bounds of the target image");
     return;
   }
   if (source.type() != CV_8UC4 || target.type() != CV_8UC4) {

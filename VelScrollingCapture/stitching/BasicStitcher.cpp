@@ -1,8 +1,8 @@
 #include <cstdint>
-#include <iostream>
 #include <utility>
 
 #include <VelScrollingCapture/core/Utilities.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/core/internal/Narrowing.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
@@ -104,7 +104,7 @@ bool BasicStitcher::Stitch(IImageProvider& provider, cv::Mat& result, IStitcherL
                            int progressStart, int progressEnd, bool notifyCompletion) {
   const size_t count = provider.Count();
   if (count == 0) {
-    std::cerr << "Error: No images in provider passed to Stitch()." << std::endl;
+    TellError("Error: No images in provider passed to Stitch().");
     NotifyError(listener, IStitcherListener::NoImages);
     NotifyCompletion(listener, notifyCompletion, false);
     return false;
@@ -125,7 +125,7 @@ bool BasicStitcher::Stitch(IImageProvider& provider, cv::Mat& result, IStitcherL
   const int middle = DetectionEnd(progressStart, progressEnd);
   translations = detector->DetectTranslation(provider, listener, progressStart, middle);
   if (translations.empty()) {
-    std::cerr << "Error: Failed to detect translations." << std::endl;
+    TellError("Error: Failed to detect translations.");
     NotifyCompletion(listener, notifyCompletion, false);
     return false;
   }
@@ -135,7 +135,7 @@ bool BasicStitcher::Stitch(IImageProvider& provider, cv::Mat& result, IStitcherL
   if (built) {
     result = composed;
   } else {
-    std::cerr << "Error: Failed to build the Result image." << std::endl;
+    TellError("Error: Failed to build the Result image.");
   }
   NotifyCompletion(listener, notifyCompletion, built);
   return built;
@@ -150,7 +150,7 @@ bool BasicStitcher::BuildResultImage(IImageProvider& provider, cv::Mat& result,
   cv::Rect placement;
   const int code = SizeResultImage(canvas, placement);
   if (code != 0) {
-    std::cerr << "Error: Failed to size the resulting image." << std::endl;
+    TellError("Error: Failed to size the resulting image.");
     NotifyError(listener, code);
     return false;
   }
@@ -191,7 +191,7 @@ int BasicStitcher::SizeResultImage(cv::Mat& image, cv::Rect& placement) {
 
 bool BasicStitcher::CalcResultImage(cv::Rect& placement, cv::Size& size) {
   if (translations.empty()) {
-    std::cerr << "Error: No translations in list." << std::endl;
+    TellError("Error: No translations in list.");
     return false;
   }
   AxisExtent rows(captureSize->height);
