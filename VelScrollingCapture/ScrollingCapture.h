@@ -22,6 +22,13 @@
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 #include <VelScrollingCapture/frontend/Version.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
+#include <VelScrollingCapture/session/CaptureIntake.h>
+#include <VelScrollingCapture/session/CaptureOutcome.h>
+#include <VelScrollingCapture/session/CaptureSession.h>
+#include <VelScrollingCapture/session/Picture.h>
+#include <VelScrollingCapture/session/SessionResult.h>
+#include <VelScrollingCapture/session/SessionSettings.h>
+#include <VelScrollingCapture/session/SpillFileLost.h>
 #include <VelScrollingCapture/similarity/RepeatFilter.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/stitching/StitcherFactory.h>

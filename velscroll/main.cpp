@@ -10,8 +10,8 @@
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
 #include <velscroll/arguments/Arguments.h>
-#include <velscroll/stitch/Session.h>
 #include <velscroll/stitch/SpillFolder.h>
+#include <velscroll/stitch/StitchCommand.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Interruption.h>
 #include <velscroll/terminal/ProgressBar.h>
@@ -68,8 +68,8 @@ int Run(int argc, char** argv) {
   try {
     const std::optional<Arguments> arguments = ParseArguments(argc, argv);
     if (arguments) {
-      cv::setNumThreads(static_cast<int>(arguments->threadCount));
-      RunSession(*arguments);
+      cv::setNumThreads(static_cast<int>(arguments->session.threadCount));
+      RunStitchCommand(*arguments);
     }
     return Done;
   } catch (...) {

@@ -147,14 +147,26 @@ TEST_F(Arguments, OneLineTellsWhatWasWritten) {
   EXPECT_EQ(result.standardError, "");
 }
 
-TEST_F(Arguments, QuietPrintsNothing) {
+TEST_F(Arguments, QuietPrintsNoSummary) {
   WriteScroll();
-  for (const char* const quiet : {"-q", "--quiet"}) {
+  for (const char* const quiet : {"-q", "--quiet", "-qq"}) {
     const Testing::ProgramResult result = Run({"capture-*.png", quiet, "-o", "page.png"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.standardOutput, "");
     EXPECT_EQ(result.standardError, "");
   }
+}
+
+TEST_F(Arguments, QuietOnceKeepsWarningsAndTwiceDropsThem) {
+  WriteCapture("1.png", 0);
+  WriteCapture("2.png", 250);
+  const auto errorsWith = [this](std::vector<std::string> quiet) {
+    quiet.insert(quiet.end(), {"1.png", "2.png", "-o", "page.png"});
+    return Run(quiet).standardError;
+  };
+  EXPECT_THAT(errorsWith({"-q"}), HasSubstr("warning"));
+  EXPECT_EQ(errorsWith({"-qq"}), "");
+  EXPECT_EQ(errorsWith({"--quiet", "--quiet"}), "");
 }
 
 TEST_F(Arguments, DefaultsAreTheLibrarysButForTheThreads) {

@@ -1,12 +1,11 @@
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <iostream>
 #include <thread>
-#include <utility>
 
 #include <CLI/CLI.hpp>
 #include <velscroll/arguments/Arguments.h>
+#include <velscroll/arguments/SettingNames.h>
 #include <velscroll/output/OutputFormat.h>
 #include <velscroll/terminal/Failure.h>
 
@@ -18,24 +17,8 @@ constexpr unsigned int LongestSide = 10000;
 constexpr unsigned int LargestDifference = 255;
 constexpr unsigned int MostNeighbors = 8;
 
-const std::array<std::pair<const char*, ScrollOrientation>, 3> Orientations = {{
-    {"vertical", ScrollOrientation::Vertical},
-    {"horizontal", ScrollOrientation::Horizontal},
-    {"both", ScrollOrientation::Both},
-}};
-
 unsigned int DefaultThreadCount() {
   return std::clamp(std::thread::hardware_concurrency(), 1U, MostThreads);
-}
-
-ScrollOrientation ParseOrientation(const std::string& text) {
-  for (const auto& [name, orientation] : Orientations) {
-    if (text == name) {
-      return orientation;
-    }
-  }
-  throw BadInput("--orientation does not know " + Quoted(text) +
-                 "; use vertical, horizontal or both");
 }
 
 unsigned int ParseNumber(const std::string& option, const std::string& text, unsigned int smallest,
@@ -81,6 +64,13 @@ cv::Size ParsePreviewSize(const std::string& text) {
   return {side(text.substr(0, separator)), side(text.substr(separator + 1))};
 }
 
+Loudness LoudnessOf(size_t timesQuiet) {
+  if (timesQuiet == 0) {
+    return Loudness::All;
+  }
+  return timesQuiet == 1 ? Loudness::Warnings : Loudness::Nothing;
+}
+
 std::string Footer() {
   return "A folder's images and the files of a quoted glob are taken in natural order, 2 before "
          "10;\nfiles are taken in the order given. All captures must have the same size.\n"
@@ -105,28 +95,30 @@ class CommandLine {
                    "Captures in scroll order: image files, folders of them, globs")
         ->type_name("")
         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
-    app.add_option("-o,--output", arguments.output, "The stitched image to write")
+    app.add_option("-o,--output", arguments.outputs.image, "The stitched image to write")
         ->type_name("FILE");
     app.add_option("--orientation", orientation,
                    "The directions in which the content scrolled:\nvertical, horizontal or both")
         ->type_name("WHICH")
         ->capture_default_str();
-    app.add_flag("--consistent", arguments.expectConsistentTranslations,
+    app.add_flag("--consistent", arguments.session.expectConsistentTranslations,
                  "Expect steps of equal length: of two likely motions, take\n"
                  "the one that repeats the step before");
     app.add_option("--threads", threads, "The most threads that work at once")
         ->type_name("N")
         ->capture_default_str();
-    app.add_flag("--keep-repeats", arguments.keepRepeats,
+    app.add_flag("--keep-repeats", arguments.session.keepRepeats,
                  "Do not drop captures that show the same as the one before");
     AddBorderOptions();
     AddMemoryOptions();
     AddPreviewOptions();
     app.add_option(
-           "--report", arguments.report,
+           "--report", arguments.outputs.report,
            "Write what was found to a JSON file: motion and place of\nevery capture, and more")
         ->type_name("FILE");
-    app.add_flag("-q,--quiet", arguments.quiet, "Print nothing but errors");
+    quietFlag = app.add_flag("-q,--quiet",
+                             "Print nothing but warnings and errors; twice, as -qq,\n"
+                             "nothing but errors");
     app.set_version_flag("--version", std::string("velscroll ") + VELSCROLL_VERSION,
                          "Print the version and exit");
     app.get_formatter()->column_width(32);
@@ -151,20 +143,24 @@ class CommandLine {
     if (arguments.captures.empty()) {
       throw BadInput("no captures given; name image files, folders or globs");
     }
-    if (arguments.output.empty()) {
+    if (arguments.outputs.image.empty()) {
       throw BadInput("no output file given; name one with -o FILE");
     }
-    arguments.orientation = ParseOrientation(orientation);
-    arguments.threadCount = ParseNumber("--threads", threads, 1, MostThreads);
+    arguments.session.orientation = ParseOrientation(orientation);
+    arguments.session.threadCount = ParseNumber("--threads", threads, 1, MostThreads);
     if (borders) {
-      arguments.borders = BorderThresholds{
+      arguments.session.borders = BorderThresholds{
           ParseNumber("--difference-threshold", differenceThreshold, 0, LargestDifference),
           ParseNumber("--neighbor-threshold", neighborThreshold, 0, MostNeighbors)};
     }
     if (memoryLimitOption->count() > 0) {
-      arguments.memoryLimit = ParseMemorySize(memoryLimit);
+      arguments.session.memoryLimit = ParseMemorySize(memoryLimit);
     }
-    arguments.previewSize = ParsePreviewSize(previewSize);
+    const cv::Size previewBox = ParsePreviewSize(previewSize);
+    if (!arguments.outputs.preview.empty()) {
+      arguments.session.previewBox = previewBox;
+    }
+    arguments.loudness = LoudnessOf(quietFlag->count());
     return arguments;
   }
 
@@ -196,7 +192,7 @@ class CommandLine {
                "Keep no more captures in memory than this, such as\n200MiB or 1G; the others "
                "wait in files")
             ->type_name("SIZE");
-    app.add_option("--spill-folder", arguments.spillFolder,
+    app.add_option("--spill-folder", arguments.session.spillFolder,
                    "Where those files go; the system's temporary folder\nunless given")
         ->type_name("DIR")
         ->needs(memoryLimitOption);
@@ -204,10 +200,12 @@ class CommandLine {
 
   void AddPreviewOptions() {
     CLI::Option* const preview =
-        app.add_option("--preview", arguments.preview,
+        app.add_option("--preview", arguments.outputs.preview,
                        "Also write the small live preview as it stood at the end")
             ->type_name("FILE");
-    app.add_option("--preview-size", previewSize, "The box in pixels that the preview fits into")
+    app.add_option("--preview-size", previewSize,
+                   "The box in pixels that the preview fits into. It is a column\nof 250 pixels at "
+                   "most, beside which a wider box is black")
         ->type_name("WxH")
         ->capture_default_str()
         ->needs(preview);
@@ -224,6 +222,7 @@ class CommandLine {
   std::string memoryLimit;
   CLI::Option* memoryLimitOption = nullptr;
   std::string previewSize = "250x250";
+  CLI::Option* quietFlag = nullptr;
   std::string threads = std::to_string(DefaultThreadCount());
 };
 
@@ -235,13 +234,6 @@ std::optional<Arguments> ParseArguments(int argc, const char* const* argv) {
     return std::nullopt;
   }
   return commandLine.Checked();
-}
-
-std::string NameOf(ScrollOrientation orientation) {
-  const auto* const found =
-      std::find_if(Orientations.begin(), Orientations.end(),
-                   [orientation](const auto& entry) { return entry.second == orientation; });
-  return found->first;
 }
 
 }  // namespace ScrollingCapture::Program

@@ -3,9 +3,9 @@
 #include <unistd.h>
 
 #include <sys/types.h>
+#include <velscroll/files/FileDescriptor.h>
 #include <velscroll/input/FileContent.h>
 #include <velscroll/terminal/Failure.h>
-#include <velscroll/terminal/FileDescriptor.h>
 #include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {

@@ -8,9 +8,9 @@
 
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <velscroll/files/FileDescriptor.h>
 #include <velscroll/output/OutputFile.h>
 #include <velscroll/terminal/Failure.h>
-#include <velscroll/terminal/FileDescriptor.h>
 #include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {

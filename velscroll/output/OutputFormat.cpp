@@ -5,8 +5,8 @@
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
-#include <velscroll/input/Premultiplication.h>
 #include <velscroll/output/OutputFormat.h>
+#include <velscroll/pixels/Premultiplication.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Silence.h>
 

@@ -1,4 +1,4 @@
-#include <velscroll/input/InputFiles.h>
+#include <velscroll/files/SameFile.h>
 #include <velscroll/output/Outputs.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Interruption.h>
@@ -29,13 +29,12 @@ void Outputs::ImageOutput::Stage(cv::Mat& image) {
   file.Stage(encoded.data(), encoded.size());
 }
 
-Outputs::Outputs(const Arguments& arguments)
-    : image(arguments.output), reportPath(arguments.report) {
-  if (!arguments.preview.empty()) {
-    preview.emplace(arguments.preview);
+Outputs::Outputs(const OutputPaths& paths) : image(paths.image), reportPath(paths.report) {
+  if (!paths.preview.empty()) {
+    preview.emplace(paths.preview);
   }
-  if (!arguments.report.empty()) {
-    report.emplace(arguments.report);
+  if (!paths.report.empty()) {
+    report.emplace(paths.report);
   }
   RequireDifferentFiles(Names());
 }

@@ -1,4 +1,5 @@
 #include <nlohmann/json.hpp>
+#include <velscroll/arguments/SettingNames.h>
 #include <velscroll/report/Report.h>
 
 namespace ScrollingCapture::Program {
@@ -6,11 +7,11 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-const char* StateName(CaptureOutcome::State state) {
+const char* StateName(ReportedCapture::State state) {
   switch (state) {
-    case CaptureOutcome::Repeated:
+    case ReportedCapture::Repeated:
       return "repeated";
-    case CaptureOutcome::LeftOut:
+    case ReportedCapture::LeftOut:
       return "left out";
     default:
       return "kept";
@@ -26,7 +27,7 @@ Json Describe(const Overlap& overlap) {
   return described;
 }
 
-Json Describe(const CaptureOutcome& capture, bool isFirst) {
+Json Describe(const ReportedCapture& capture, bool isFirst) {
   const Translation& translation = capture.translation;
   return {
       {"file", capture.file},
@@ -38,9 +39,9 @@ Json Describe(const CaptureOutcome& capture, bool isFirst) {
   };
 }
 
-Json DescribeAll(const std::vector<CaptureOutcome>& captures) {
+Json DescribeAll(const std::vector<ReportedCapture>& captures) {
   Json described = Json::array();
-  for (const CaptureOutcome& capture : captures) {
+  for (const ReportedCapture& capture : captures) {
     described.push_back(Describe(capture, described.empty()));
   }
   return described;
@@ -51,7 +52,7 @@ Json Describe(const BorderThresholds& thresholds) {
           {"neighborThreshold", thresholds.neighbors}};
 }
 
-Json Describe(const Arguments& settings) {
+Json Describe(const SessionSettings& settings) {
   return {
       {"orientation", NameOf(settings.orientation)},
       {"consistent", settings.expectConsistentTranslations},
@@ -62,7 +63,7 @@ Json Describe(const Arguments& settings) {
   };
 }
 
-Json Describe(const Borders& borders) {
+Json Describe(const FixedBorders& borders) {
   const cv::Rect& box = borders.contentBox;
   return {
       {"contentBox",
@@ -85,14 +86,14 @@ Json Describe(const StageSeconds& seconds) {
 
 }  // namespace
 
-std::string ReportText(const Arguments& arguments, const ReportContent& content) {
+std::string ReportText(const ReportContent& content) {
   const Json report = {
       {"version", VELSCROLL_VERSION},
       {"result",
-       {{"file", arguments.output},
+       {{"file", content.resultFile},
         {"width", content.resultSize.width},
         {"height", content.resultSize.height}}},
-      {"settings", Describe(arguments)},
+      {"settings", Describe(content.settings)},
       {"borders", content.borders ? Describe(*content.borders) : Json()},
       {"captures", DescribeAll(content.captures)},
       {"warnings", content.warnings},

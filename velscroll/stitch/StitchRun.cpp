@@ -1,6 +1,7 @@
 #include <iostream>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include <velscroll/stitch/StageClock.h>
 #include <velscroll/stitch/StitchRun.h>
@@ -9,6 +10,7 @@
 #include <velscroll/terminal/StreamHold.h>
 
 #include <VelScrollingCapture/core/IStitcherListener.h>
+#include <VelScrollingCapture/session/SpillFileLost.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -17,7 +19,7 @@ namespace {
 /// stitch failed.
 class RunListener : public IStitcherListener {
  public:
-  explicit RunListener(ProgressBar& progress) : progress(progress) {}
+  explicit RunListener(Console& console) : console(console) {}
 
   /// While translations are detected, the calls come from worker threads: the first one from the
   /// thread that called the stitcher tells that they are all found.
@@ -25,7 +27,7 @@ class RunListener : public IStitcherListener {
     if (!detectionSeconds && std::this_thread::get_id() == caller) {
       detectionSeconds = clock.Lap();
     }
-    progress.Show("Stitching", percent);
+    console.ShowProgress("Stitching", percent);
     return !InterruptionRequested();
   }
 
@@ -44,7 +46,7 @@ class RunListener : public IStitcherListener {
   }
 
  private:
-  ProgressBar& progress;
+  Console& console;
   const std::thread::id caller = std::this_thread::get_id();
   StageClock clock;
   std::optional<double> detectionSeconds;
@@ -61,27 +63,35 @@ class RunListener : public IStitcherListener {
                (remarks.empty() ? std::string() : ": " + remarks.front()));
 }
 
+/// The library's messages meanwhile go to the remarks.
+std::optional<SessionResult> StitchQuietly(CaptureSession& session, RunListener& listener,
+                                           std::vector<std::string>& remarks) {
+  StreamHold standardError(std::cerr);
+  StreamHold standardOutput(std::cout);
+  std::optional<SessionResult> result = session.Stitch(&listener);
+  remarks = standardError.Lines();
+  for (const std::string& line : standardOutput.Lines()) {
+    remarks.push_back(line);
+  }
+  return result;
+}
+
 }  // namespace
 
-Stitched RunStitch(IStitcher& stitcher, IImageProvider& captures, ProgressBar& progress) {
+Stitched RunStitch(CaptureSession& session, Console& console) try {
   Stitched stitched;
-  RunListener listener(progress);
-  bool success = false;
-  {
-    StreamHold standardError(std::cerr);
-    StreamHold standardOutput(std::cout);
-    success = stitcher.Stitch(captures, stitched.image, &listener, 0, 100, false);
-    stitched.remarks = standardError.Lines();
-    for (const std::string& line : standardOutput.Lines()) {
-      stitched.remarks.push_back(line);
-    }
-  }
-  if (!success) {
+  RunListener listener(console);
+  std::optional<SessionResult> result = StitchQuietly(session, listener, stitched.remarks);
+  if (!result) {
     ExplainFailure(listener, stitched.remarks);
   }
   listener.FillTimes(stitched);
-  stitched.translations = stitcher.GetTranslations();
+  stitched.result = std::move(*result);
   return stitched;
+} catch (const SpillFileLost&) {
+  throw Failed(
+      "a capture that was spilled to a file cannot be read back; leave the spill folder alone, or "
+      "choose another with --spill-folder");
 }
 
 }  // namespace ScrollingCapture::Program

@@ -31,11 +31,7 @@ std::string Line(std::string stage, int percent) {
 
 ProgressBar::ProgressBar(bool wanted) : visible(wanted && IsTerminal()) {}
 
-ProgressBar::~ProgressBar() {
-  if (!shown.empty()) {
-    ClearProgressLine();
-  }
-}
+ProgressBar::~ProgressBar() { Hide(); }
 
 void ProgressBar::Show(const std::string& stage, int percent) {
   if (!visible) {
@@ -46,6 +42,13 @@ void ProgressBar::Show(const std::string& stage, int percent) {
     shown = line;
     const std::string text = ClearLine + line;
     Write(text.data(), text.size());
+  }
+}
+
+void ProgressBar::Hide() {
+  if (!shown.empty()) {
+    shown.clear();
+    ClearProgressLine();
   }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <velscroll/terminal/FileDescriptor.h>
+#include <velscroll/files/FileDescriptor.h>
 
 namespace ScrollingCapture::Program {
 

@@ -1,6 +1,6 @@
-#include <velscroll/report/Placement.h>
+#include <VelScrollingCapture/session/internal/Placement.h>
 
-namespace ScrollingCapture::Program {
+namespace ScrollingCapture {
 namespace {
 
 /// How far from the image's edge the first capture lies along one axis. A capture that passes the
@@ -39,4 +39,4 @@ std::vector<Place> PlacesOf(const std::vector<Translation>& translations) {
   return places;
 }
 
-}  // namespace ScrollingCapture::Program
+}  // namespace ScrollingCapture

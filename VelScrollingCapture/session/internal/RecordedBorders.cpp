@@ -1,6 +1,6 @@
-#include <velscroll/stitch/RecordedBorders.h>
+#include <VelScrollingCapture/session/internal/RecordedBorders.h>
 
-namespace ScrollingCapture::Program {
+namespace ScrollingCapture {
 
 bool RecordedBorders::ExtractBorders(IImageProvider& images) {
   found.reset();
@@ -12,12 +12,12 @@ bool RecordedBorders::CopyBorders(const cv::Mat& image, const cv::Range& rows,
   if (!BasicBorderDetection::CopyBorders(image, rows, columns)) {
     return false;
   }
-  found = Borders{{columns.start, rows.start, columns.size(), rows.size()},
-                  rows.start,
-                  image.rows - rows.end,
-                  columns.start,
-                  image.cols - columns.end};
+  found = FixedBorders{{columns.start, rows.start, columns.size(), rows.size()},
+                       rows.start,
+                       image.rows - rows.end,
+                       columns.start,
+                       image.cols - columns.end};
   return true;
 }
 
-}  // namespace ScrollingCapture::Program
+}  // namespace ScrollingCapture

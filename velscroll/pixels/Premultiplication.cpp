@@ -1,5 +1,5 @@
 #include <opencv2/imgproc.hpp>
-#include <velscroll/input/Premultiplication.h>
+#include <velscroll/pixels/Premultiplication.h>
 
 namespace ScrollingCapture::Program {
 namespace {

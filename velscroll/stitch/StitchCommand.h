@@ -6,6 +6,6 @@ namespace ScrollingCapture::Program {
 
 /// Does what the arguments ask for, from reading the captures to the line that says what was
 /// written. Throws a Failure, after which nothing new is on the disk.
-void RunSession(const Arguments& arguments);
+void RunStitchCommand(const Arguments& arguments);
 
 }  // namespace ScrollingCapture::Program

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include <VelScrollingCapture/core/ScrollOrientation.h>
+
+namespace ScrollingCapture::Program {
+
+/// The name of an orientation on the command line and in the report.
+std::string NameOf(ScrollOrientation orientation);
+
+/// The orientation of a name. Throws BadInput.
+ScrollOrientation ParseOrientation(const std::string& name);
+
+}  // namespace ScrollingCapture::Program
