@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <opencv2/core.hpp>
+
+#include <VelScrollingCapture/core/ScrollOrientation.h>
+#include <VelScrollingCapture/matching/internal/Anchors.h>
+
+namespace ScrollingCapture {
+
+/// \file
+/// Motions and places are points here: x counts columns, y counts rows.
+
+/// Whether content may move so when motion is looked for along these axes.
+bool IsAllowed(const cv::Point& motion, ScrollOrientation orientation);
+
+/// An anchor that occurs once in each of two captures.
+struct Match {
+  cv::Point place;   ///< of the patch in the later capture
+  cv::Point motion;  ///< of the patch since the earlier capture
+  std::uint32_t hash;
+};
+
+/// A motion, and how many anchors vote for it.
+struct CountedMotion {
+  cv::Point motion;
+  int votes;
+};
+
+/// All anchors that are unique in both captures and moved as `orientation` allows.
+std::vector<Match> UniqueMatches(const CaptureAnchors& earlier, const CaptureAnchors& later,
+                                 ScrollOrientation orientation);
+
+/// The motions of the matches, the one with the most votes first, and of equal ones the smallest.
+std::vector<CountedMotion> CountMotions(const std::vector<Match>& matches);
+
+/// The motions that bring anchors to one another that occur more than once in a capture, ordered as
+/// by CountMotions. Of very many such anchors some stand for all.
+std::vector<CountedMotion> MotionsOfRepeatedAnchors(const CaptureAnchors& earlier,
+                                                    const CaptureAnchors& later,
+                                                    ScrollOrientation orientation);
+
+/// Orders motions by their length, then by rows and columns.
+bool IsSmaller(const cv::Point& left, const cv::Point& right);
+
+}  // namespace ScrollingCapture
