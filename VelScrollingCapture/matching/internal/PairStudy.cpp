@@ -4,8 +4,13 @@
 #include <stdexcept>
 #include <utility>
 
+#include <opencv2/imgproc.hpp>
+
+#include <VelScrollingCapture/matching/internal/CorrelationCandidates.h>
 #include <VelScrollingCapture/matching/internal/PairStudy.h>
 #include <VelScrollingCapture/matching/internal/PixelKeys.h>
+#include <VelScrollingCapture/matching/internal/SeenAnchors.h>
+#include <VelScrollingCapture/matching/internal/TolerantProof.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -31,6 +36,15 @@ bool IsPartOf(const cv::Point& part, const cv::Point& motion) {
          part == cv::Point(0, motion.y);
 }
 
+cv::Mat GreyOf(const cv::Mat& capture) {
+  cv::Mat grey;
+  if (capture.channels() == 1) {
+    return capture;
+  }
+  cv::cvtColor(capture, grey, capture.channels() == 4 ? cv::COLOR_RGBA2GRAY : cv::COLOR_RGB2GRAY);
+  return grey;
+}
+
 class PairStudyRun {
  public:
   PairStudyRun(const AnchoredCapture& earlier, const AnchoredCapture& later,
@@ -43,6 +57,32 @@ class PairStudyRun {
         matches(UniqueMatches(earlier.anchors, later.anchors, settings.orientation)),
         proof(earlierKeys, laterKeys, matches) {}
 
+  /// What the pixels say about a motion that somebody prescribes.
+  PairMatch RunFor(const cv::Point& motion) {
+    PairMatch found = Run();
+    Join& join = found.join;
+    const Translation prescribed = ToTranslation(motion);
+    if (join.motion == prescribed && join.verdict != Verdict::None) {
+      return found;
+    }
+    const auto same = std::find(join.alternatives.begin(), join.alternatives.end(), prescribed);
+    if (same != join.alternatives.end()) {
+      *same = join.motion;
+    } else if (proof.Examine(motion).IsPlausible()) {
+      join.alternatives.assign(join.verdict == Verdict::None ? 0 : 1, join.motion);
+      join.verdict = join.alternatives.empty() ? Verdict::Likely : Verdict::Doubtful;
+    } else {
+      join.alternatives.clear();
+      join.verdict = Verdict::None;
+    }
+    const Comparison comparison = Compare(earlierKeys, laterKeys, motion, Vectors::Widest);
+    join.motion = prescribed;
+    join.compared = comparison.Compared();
+    join.equal = comparison.equal;
+    found.evidence.clear();
+    return found;
+  }
+
   PairMatch Run() {
     if (std::optional<PairMatch> exact = ByUniqueAnchors()) {
       return *std::move(exact);
@@ -50,10 +90,57 @@ class PairStudyRun {
     if (std::optional<PairMatch> repeated = ByRepeatedAnchors()) {
       return *std::move(repeated);
     }
-    return {};
+    return ByCorrelation();
   }
 
  private:
+  PairMatch ByCorrelation() {
+    const cv::Mat earlierGrey = GreyOf(earlier.pixels);
+    const cv::Mat laterGrey = GreyOf(later.pixels);
+    const TolerantProof tolerant(earlierGrey, laterGrey);
+    std::vector<TolerantFinding> plausible;
+    for (const cv::Point& motion : TolerantCandidates(earlierGrey, laterGrey)) {
+      TolerantFinding finding = tolerant.Examine(motion);
+      if (finding.IsPlausible()) {
+        plausible.push_back(std::move(finding));
+      }
+    }
+    if (plausible.empty()) {
+      return {};
+    }
+    const auto best = std::max_element(
+        plausible.begin(), plausible.end(),
+        [](const auto& left, const auto& right) { return left.tilesFor < right.tilesFor; });
+    PairMatch match;
+    match.join.verdict = Verdict::Likely;
+    match.join.motion = ToTranslation(best->motion);
+    for (const TolerantFinding& rival : plausible) {
+      const cv::Point distance = rival.motion - best->motion;
+      if (std::max(std::abs(distance.x), std::abs(distance.y)) > 2 &&
+          !IsPartOf(rival.motion, best->motion) && !TolerantProof::Beats(*best, rival)) {
+        match.join.verdict = Verdict::Doubtful;
+        match.join.alternatives.push_back(ToTranslation(rival.motion));
+      }
+    }
+    const Comparison comparison = Compare(earlierKeys, laterKeys, best->motion, Vectors::Widest);
+    match.join.compared = comparison.Compared();
+    match.join.equal = comparison.equal;
+    return match;
+  }
+
+  std::vector<cv::Point> TolerantCandidates(const cv::Mat& earlierGrey,
+                                            const cv::Mat& laterGrey) const {
+    std::vector<cv::Point> candidates =
+        CorrelationCandidates(earlierGrey, laterGrey, settings.orientation);
+    const std::vector<CountedMotion> counted = CountMotions(matches);
+    for (std::size_t i = 0; i < std::min(counted.size(), MostCandidates / 2); ++i) {
+      if (std::find(candidates.begin(), candidates.end(), counted[i].motion) == candidates.end()) {
+        candidates.push_back(counted[i].motion);
+      }
+    }
+    return candidates;
+  }
+
   std::optional<PairMatch> ByUniqueAnchors() {
     std::vector<CountedMotion> candidates = CountMotions(matches);
     candidates.erase(std::find_if(candidates.begin(), candidates.end(),
@@ -115,7 +202,8 @@ class PairStudyRun {
                          : isProven      ? Verdict::Proven
                                          : Verdict::Likely;
     for (const Match& seen : matches) {
-      if (seen.motion == finding.motion && match.evidence.size() < MostEvidence) {
+      if (seen.motion == finding.motion && match.evidence.size() < MostEvidence &&
+          SeenAnchors::IsRemembered(seen.hash, later.anchors)) {
         match.evidence.push_back(seen.hash);
       }
     }
@@ -163,6 +251,11 @@ class PairStudyRun {
 PairMatch StudyPair(const AnchoredCapture& earlier, const AnchoredCapture& later,
                     const MatchingSettings& settings) {
   return PairStudyRun(earlier, later, settings).Run();
+}
+
+PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& later,
+                      const cv::Point& motion, const MatchingSettings& settings) {
+  return PairStudyRun(earlier, later, settings).RunFor(motion);
 }
 
 Join PreferRepetition(Join join, const Translation& stepBefore) {

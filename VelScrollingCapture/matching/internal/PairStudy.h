@@ -34,7 +34,7 @@ PairMatch StudyPair(const AnchoredCapture& earlier, const AnchoredCapture& later
 
 /// Asks the same about one motion only, whoever proposed it.
 PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& later,
-                      const cv::Point& motion);
+                      const cv::Point& motion, const MatchingSettings& settings);
 
 /// Of the motions of a doubtful join, takes the one that repeats the step before.
 Join PreferRepetition(Join join, const Translation& stepBefore);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <iterator>
 #include <tuple>
 
 #include <VelScrollingCapture/matching/internal/Votes.h>
@@ -46,69 +47,61 @@ void ForEachSharedHash(const CaptureAnchors& earlier, const CaptureAnchors& late
   }
 }
 
-/// Counts votes in a hash table, which grows as needed.
-class Tally {
- public:
-  Tally() : slots(InitialSlots) {}
+constexpr std::size_t InitialSlots = 1024;
 
-  void Add(const cv::Point& motion) {
-    CountedMotion& slot = SlotOf(motion);
-    if (slot.votes++ == 0) {
-      slot.motion = motion;
-      if (++used * 2 > slots.size()) {
-        Grow();
-      }
-    }
-  }
-
-  std::vector<CountedMotion> Ordered() const {
-    std::vector<CountedMotion> counted;
-    counted.reserve(used);
-    std::copy_if(slots.begin(), slots.end(), std::back_inserter(counted),
-                 [](const CountedMotion& slot) { return slot.votes > 0; });
-    std::sort(counted.begin(), counted.end(), [](const auto& left, const auto& right) {
-      return left.votes != right.votes ? left.votes > right.votes
-                                       : IsSmaller(left.motion, right.motion);
-    });
-    return counted;
-  }
-
- private:
-  static constexpr std::size_t InitialSlots = 1024;
-
-  static std::size_t HashOf(const cv::Point& motion) {
-    const std::uint64_t both = std::uint64_t{static_cast<std::uint32_t>(motion.x)} << 32 |
-                               static_cast<std::uint32_t>(motion.y);
-    return static_cast<std::size_t>(both * 0x9E3779B97F4A7C15U >> 24);
-  }
-
-  CountedMotion& SlotOf(const cv::Point& motion) {
-    std::size_t slot = HashOf(motion) % slots.size();
-    while (slots[slot].votes > 0 && slots[slot].motion != motion) {
-      slot = (slot + 1) % slots.size();
-    }
-    return slots[slot];
-  }
-
-  void Grow() {
-    std::vector<CountedMotion> smaller(slots.size() * 2);
-    smaller.swap(slots);
-    for (const CountedMotion& counted : smaller) {
-      if (counted.votes > 0) {
-        SlotOf(counted.motion) = counted;
-      }
-    }
-  }
-
-  std::vector<CountedMotion> slots;  ///< always a power of two of them
-  std::size_t used = 0;
-};
+std::size_t HashOf(const cv::Point& motion) {
+  const std::uint64_t both = std::uint64_t{static_cast<std::uint32_t>(motion.x)} << 32 |
+                             static_cast<std::uint32_t>(motion.y);
+  return static_cast<std::size_t>(both * 0x9E3779B97F4A7C15U >> 24);
+}
 
 /// How many pairs of equal anchors vote at most: of one hash, and altogether.
 constexpr std::size_t MostPairsOfHash = 4096;
 constexpr std::size_t MostPairs = 1'000'000;
 
 }  // namespace
+
+MotionTally::MotionTally() : slots(InitialSlots) {}
+
+void MotionTally::Add(const cv::Point& motion) {
+  CountedMotion& slot = SlotOf(motion);
+  if (slot.votes++ == 0) {
+    slot.motion = motion;
+    if (++used * 2 > slots.size()) {
+      Grow();
+    }
+  }
+}
+
+std::vector<CountedMotion> MotionTally::Ordered() const {
+  std::vector<CountedMotion> counted;
+  counted.reserve(used);
+  std::copy_if(slots.begin(), slots.end(), std::back_inserter(counted),
+               [](const CountedMotion& slot) { return slot.votes > 0; });
+  std::sort(counted.begin(), counted.end(), [](const auto& left, const auto& right) {
+    return left.votes != right.votes ? left.votes > right.votes
+                                     : IsSmaller(left.motion, right.motion);
+  });
+  return counted;
+}
+
+CountedMotion& MotionTally::SlotOf(const cv::Point& motion) {
+  std::size_t slot = HashOf(motion) & (slots.size() - 1);
+  while (slots[slot].votes > 0 && slots[slot].motion != motion) {
+    slot = (slot + 1) & (slots.size() - 1);
+  }
+  return slots[slot];
+}
+
+void MotionTally::Grow() {
+  std::vector<CountedMotion> smaller(slots.size() * 2);
+  smaller.swap(slots);
+  for (const CountedMotion& counted : smaller) {
+    if (counted.votes > 0) {
+      SlotOf(counted.motion) = counted;
+    }
+  }
+}
 
 bool IsAllowed(const cv::Point& motion, ScrollOrientation orientation) {
   switch (orientation) {
@@ -147,7 +140,7 @@ std::vector<Match> UniqueMatches(const CaptureAnchors& earlier, const CaptureAnc
 }
 
 std::vector<CountedMotion> CountMotions(const std::vector<Match>& matches) {
-  Tally tally;
+  MotionTally tally;
   for (const Match& match : matches) {
     tally.Add(match.motion);
   }
@@ -157,7 +150,7 @@ std::vector<CountedMotion> CountMotions(const std::vector<Match>& matches) {
 std::vector<CountedMotion> MotionsOfRepeatedAnchors(const CaptureAnchors& earlier,
                                                     const CaptureAnchors& later,
                                                     ScrollOrientation orientation) {
-  Tally tally;
+  MotionTally tally;
   std::size_t pairs = 0;
   ForEachSharedHash(earlier, later, [&](const Group& left, const Group& right) {
     const std::size_t rights = std::min(right.Count(), MostPairsOfHash / left.Count());

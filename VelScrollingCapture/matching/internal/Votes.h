@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -29,15 +30,33 @@ struct CountedMotion {
   int votes;
 };
 
+/// Counts votes for motions.
+class MotionTally {
+ public:
+  MotionTally();
+
+  void Add(const cv::Point& motion);
+
+  /// The motion with the most votes first, and of equal ones the smallest.
+  std::vector<CountedMotion> Ordered() const;
+
+ private:
+  CountedMotion& SlotOf(const cv::Point& motion);
+  void Grow();
+
+  std::vector<CountedMotion> slots;  ///< a hash table, always a power of two of slots
+  std::size_t used = 0;
+};
+
 /// All anchors that are unique in both captures and moved as `orientation` allows.
 std::vector<Match> UniqueMatches(const CaptureAnchors& earlier, const CaptureAnchors& later,
                                  ScrollOrientation orientation);
 
-/// The motions of the matches, the one with the most votes first, and of equal ones the smallest.
+/// The motions of the matches, ordered as by MotionTally.
 std::vector<CountedMotion> CountMotions(const std::vector<Match>& matches);
 
 /// The motions that bring anchors to one another that occur more than once in a capture, ordered as
-/// by CountMotions. Of very many such anchors some stand for all.
+/// by MotionTally. Of very many such anchors some stand for all.
 std::vector<CountedMotion> MotionsOfRepeatedAnchors(const CaptureAnchors& earlier,
                                                     const CaptureAnchors& later,
                                                     ScrollOrientation orientation);
