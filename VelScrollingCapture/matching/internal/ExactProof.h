@@ -1,0 +1,47 @@
+#pragma once
+
+#include <vector>
+
+#include <opencv2/core.hpp>
+
+#include <VelScrollingCapture/matching/internal/Comparison.h>
+#include <VelScrollingCapture/matching/internal/Votes.h>
+
+namespace ScrollingCapture {
+
+/// What the pixels of two captures say about one motion.
+struct Finding {
+  cv::Point motion;
+  Comparison comparison;
+  int agreeing = 0;       ///< cells whose content is seen once in either capture, and moved so
+  int contradicting = 0;  ///< cells that disagree without an excuse
+  int standing = 0;       ///< cells that disagree since a part stands still there
+  int tilesFor = 0;       ///< squares of cells where agreement outweighs contradiction
+  int tilesAgainst = 0;   ///< and the others of those that say anything
+
+  /// Whether the motion may be the content's.
+  bool IsPlausible() const;
+
+  /// Whether what disagrees is small beside what agrees.
+  bool IsClean() const;
+};
+
+/// Tries motions on the pixels of two captures.
+class ExactProof {
+ public:
+  /// @param earlier,later pixel keys; with the matches they must outlive this object
+  ExactProof(const cv::Mat& earlier, const cv::Mat& later, const std::vector<Match>& matches)
+      : earlier(earlier), later(later), matches(matches) {}
+
+  Finding Examine(const cv::Point& motion) const;
+
+  /// Whether `motion` explains clearly more than `rival` of what both might explain.
+  bool Beats(const cv::Point& motion, const cv::Point& rival) const;
+
+ private:
+  const cv::Mat& earlier;
+  const cv::Mat& later;
+  const std::vector<Match>& matches;
+};
+
+}  // namespace ScrollingCapture

@@ -1,0 +1,276 @@
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include <opencv2/imgproc.hpp>
+
+#include <VelScrollingCapture/matching/internal/CorrelationCandidates.h>
+#include <VelScrollingCapture/matching/internal/PairStudy.h>
+#include <VelScrollingCapture/matching/internal/PixelKeys.h>
+#include <VelScrollingCapture/matching/internal/SeenAnchors.h>
+#include <VelScrollingCapture/matching/internal/TolerantProof.h>
+
+namespace ScrollingCapture {
+namespace {
+
+/// Of the motions with votes, so many of the first are tried.
+constexpr std::size_t MostCandidates = 8;
+constexpr std::size_t MostRepeatedCandidates = 32;
+
+/// Fewer votes can not reach the cells that a motion needs.
+constexpr int LeastVotes = 8;
+
+constexpr int StrongEvidence = 24;
+
+constexpr std::size_t MostEvidence = 32;
+
+bool AreNeighbours(const cv::Point& one, const cv::Point& other) {
+  return std::abs(one.x - other.x) <= 1 && std::abs(one.y - other.y) <= 1;
+}
+
+/// A motion that parts of a window may have beside the content's: none, or along one axis only.
+bool IsPartOf(const cv::Point& part, const cv::Point& motion) {
+  return part == cv::Point(0, 0) || part == cv::Point(motion.x, 0) ||
+         part == cv::Point(0, motion.y);
+}
+
+cv::Mat GreyOf(const cv::Mat& capture) {
+  cv::Mat grey;
+  if (capture.channels() == 1) {
+    return capture;
+  }
+  cv::cvtColor(capture, grey, capture.channels() == 4 ? cv::COLOR_RGBA2GRAY : cv::COLOR_RGB2GRAY);
+  return grey;
+}
+
+class PairStudyRun {
+ public:
+  PairStudyRun(const AnchoredCapture& earlier, const AnchoredCapture& later,
+               const MatchingSettings& settings)
+      : earlier(earlier),
+        later(later),
+        settings(settings),
+        earlierKeys(PixelKeysOf(earlier.pixels)),
+        laterKeys(PixelKeysOf(later.pixels)),
+        matches(UniqueMatches(earlier.anchors, later.anchors, settings.orientation)),
+        proof(earlierKeys, laterKeys, matches) {}
+
+  /// What the pixels say about a motion that somebody prescribes.
+  PairMatch RunFor(const cv::Point& motion) {
+    PairMatch found = Run();
+    Join& join = found.join;
+    const Translation prescribed = ToTranslation(motion);
+    if (join.motion == prescribed && join.verdict != Verdict::None) {
+      return found;
+    }
+    const auto same = std::find(join.alternatives.begin(), join.alternatives.end(), prescribed);
+    if (same != join.alternatives.end()) {
+      *same = join.motion;
+    } else if (proof.Examine(motion).IsPlausible()) {
+      join.alternatives.assign(join.verdict == Verdict::None ? 0 : 1, join.motion);
+      join.verdict = join.alternatives.empty() ? Verdict::Likely : Verdict::Doubtful;
+    } else {
+      join.alternatives.clear();
+      join.verdict = Verdict::None;
+    }
+    const Comparison comparison = Compare(earlierKeys, laterKeys, motion, Vectors::Widest);
+    join.motion = prescribed;
+    join.compared = comparison.Compared();
+    join.equal = comparison.equal;
+    found.evidence.clear();
+    return found;
+  }
+
+  PairMatch Run() {
+    if (std::optional<PairMatch> exact = ByUniqueAnchors()) {
+      return *std::move(exact);
+    }
+    if (std::optional<PairMatch> repeated = ByRepeatedAnchors()) {
+      return *std::move(repeated);
+    }
+    return ByCorrelation();
+  }
+
+ private:
+  PairMatch ByCorrelation() {
+    const cv::Mat earlierGrey = GreyOf(earlier.pixels);
+    const cv::Mat laterGrey = GreyOf(later.pixels);
+    const TolerantProof tolerant(earlierGrey, laterGrey);
+    std::vector<TolerantFinding> plausible;
+    for (const cv::Point& motion : TolerantCandidates(earlierGrey, laterGrey)) {
+      TolerantFinding finding = tolerant.Examine(motion);
+      if (finding.IsPlausible()) {
+        plausible.push_back(std::move(finding));
+      }
+    }
+    if (plausible.empty()) {
+      return {};
+    }
+    const auto best = std::max_element(
+        plausible.begin(), plausible.end(),
+        [](const auto& left, const auto& right) { return left.tilesFor < right.tilesFor; });
+    PairMatch match;
+    match.join.verdict = Verdict::Likely;
+    match.join.motion = ToTranslation(best->motion);
+    for (const TolerantFinding& rival : plausible) {
+      const cv::Point distance = rival.motion - best->motion;
+      if (std::max(std::abs(distance.x), std::abs(distance.y)) > 2 &&
+          !IsPartOf(rival.motion, best->motion) && !TolerantProof::Beats(*best, rival)) {
+        match.join.verdict = Verdict::Doubtful;
+        match.join.alternatives.push_back(ToTranslation(rival.motion));
+      }
+    }
+    const Comparison comparison = Compare(earlierKeys, laterKeys, best->motion, Vectors::Widest);
+    match.join.compared = comparison.Compared();
+    match.join.equal = comparison.equal;
+    return match;
+  }
+
+  std::vector<cv::Point> TolerantCandidates(const cv::Mat& earlierGrey,
+                                            const cv::Mat& laterGrey) const {
+    std::vector<cv::Point> candidates =
+        CorrelationCandidates(earlierGrey, laterGrey, settings.orientation);
+    const std::vector<CountedMotion> counted = CountMotions(matches);
+    for (std::size_t i = 0; i < std::min(counted.size(), MostCandidates / 2); ++i) {
+      if (std::find(candidates.begin(), candidates.end(), counted[i].motion) == candidates.end()) {
+        candidates.push_back(counted[i].motion);
+      }
+    }
+    return candidates;
+  }
+
+  std::optional<PairMatch> ByUniqueAnchors() {
+    std::vector<CountedMotion> candidates = CountMotions(matches);
+    candidates.erase(std::find_if(candidates.begin(), candidates.end(),
+                                  [](const auto& counted) { return counted.votes < LeastVotes; }),
+                     candidates.end());
+    if (candidates.size() > MostCandidates) {
+      candidates.resize(MostCandidates);
+    }
+    if (!candidates.empty() && candidates.front().motion == cv::Point()) {
+      const Finding still = proof.Examine({});
+      if (still.IsPlausible() && still.IsClean()) {
+        return Accept(still, {}, false);
+      }
+    }
+    for (const CountedMotion& candidate : candidates) {
+      if (candidate.motion != cv::Point()) {
+        const Finding finding = proof.Examine(candidate.motion);
+        if (finding.IsPlausible()) {
+          return Judge(finding, candidates);
+        }
+      }
+    }
+    const Finding still = proof.Examine({});
+    if (still.IsPlausible() && still.tilesFor >= 2 * still.tilesAgainst) {
+      return Accept(still, {}, false);
+    }
+    return std::nullopt;
+  }
+
+  PairMatch Judge(const Finding& finding, const std::vector<CountedMotion>& candidates) {
+    std::vector<cv::Point> rivals;
+    bool isDrawnAnew = false;
+    for (const CountedMotion& candidate : candidates) {
+      const cv::Point& rival = candidate.motion;
+      if (rival == finding.motion || IsPartOf(rival, finding.motion) ||
+          proof.Beats(finding.motion, rival)) {
+        continue;
+      }
+      if (AreNeighbours(rival, finding.motion)) {
+        isDrawnAnew = true;
+      } else if (proof.Examine(rival).IsPlausible()) {
+        rivals.push_back(rival);
+      }
+    }
+    return Accept(finding, rivals, isDrawnAnew);
+  }
+
+  PairMatch Accept(const Finding& finding, const std::vector<cv::Point>& rivals, bool isDrawnAnew) {
+    PairMatch match;
+    match.join.motion = ToTranslation(finding.motion);
+    match.join.compared = finding.comparison.Compared();
+    match.join.equal = finding.comparison.equal;
+    for (const cv::Point& rival : rivals) {
+      match.join.alternatives.push_back(ToTranslation(rival));
+    }
+    const bool isProven =
+        finding.IsClean() && !isDrawnAnew && finding.agreeing >= StrongEvidence;
+    match.join.verdict = !rivals.empty() ? Verdict::Doubtful
+                         : isProven      ? Verdict::Proven
+                                         : Verdict::Likely;
+    for (const Match& seen : matches) {
+      if (seen.motion == finding.motion && match.evidence.size() < MostEvidence &&
+          SeenAnchors::IsRemembered(seen.hash, later.anchors)) {
+        match.evidence.push_back(seen.hash);
+      }
+    }
+    return match;
+  }
+
+  std::optional<PairMatch> ByRepeatedAnchors() {
+    const std::vector<CountedMotion> candidates =
+        MotionsOfRepeatedAnchors(earlier.anchors, later.anchors, settings.orientation);
+    std::vector<Finding> survivors;
+    for (std::size_t i = 0; i < std::min(candidates.size(), MostRepeatedCandidates); ++i) {
+      Finding finding = proof.Examine(candidates[i].motion);
+      if (finding.comparison.equal * 100 >= finding.comparison.Compared() * 99) {
+        survivors.push_back(std::move(finding));
+      }
+    }
+    if (survivors.empty()) {
+      return std::nullopt;
+    }
+    std::sort(survivors.begin(), survivors.end(), [](const auto& left, const auto& right) {
+      return IsSmaller(left.motion, right.motion);
+    });
+    PairMatch match;
+    match.join.verdict = Verdict::Doubtful;
+    match.join.motion = ToTranslation(survivors.front().motion);
+    match.join.compared = survivors.front().comparison.Compared();
+    match.join.equal = survivors.front().comparison.equal;
+    for (std::size_t i = 1; i < survivors.size(); ++i) {
+      match.join.alternatives.push_back(ToTranslation(survivors[i].motion));
+    }
+    return match;
+  }
+
+  const AnchoredCapture& earlier;
+  const AnchoredCapture& later;
+  const MatchingSettings& settings;
+  const cv::Mat earlierKeys;
+  const cv::Mat laterKeys;
+  const std::vector<Match> matches;
+  const ExactProof proof;
+};
+
+}  // namespace
+
+PairMatch StudyPair(const AnchoredCapture& earlier, const AnchoredCapture& later,
+                    const MatchingSettings& settings) {
+  return PairStudyRun(earlier, later, settings).Run();
+}
+
+PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& later,
+                      const cv::Point& motion, const MatchingSettings& settings) {
+  return PairStudyRun(earlier, later, settings).RunFor(motion);
+}
+
+Join PreferRepetition(Join join, const Translation& stepBefore) {
+  const auto repeated =
+      std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
+  if (join.verdict == Verdict::Doubtful && repeated != join.alternatives.end()) {
+    std::swap(join.motion, *repeated);
+  }
+  return join;
+}
+
+void RequireSameFormat(const CaptureAnchors& earlier, const CaptureAnchors& later) {
+  if (earlier.size != later.size || earlier.type != later.type) {
+    throw std::invalid_argument("Captures that are joined have to be of one size and one type.");
+  }
+}
+
+}  // namespace ScrollingCapture
