@@ -3,7 +3,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include <VelScrollingCapture/detection/phase/internal/Transforms.h>
+#include <VelScrollingCapture/core/internal/Grey.h>
 #include <VelScrollingCapture/similarity/internal/FixedPointGrey.h>
 #include <VelScrollingCapture/similarity/internal/GreyDifference.h>
 
