@@ -28,8 +28,10 @@ namespace ScrollingCapture {
 /// SetImageAt to make the change last. The same is true of the seams that a stitch cuts.
 ///
 /// Safe from any number of threads at once: one recursive lock is held through every operation.
-/// Indices are not checked. Who may read the files is decided by the folder's permissions and the
-/// process's umask.
+/// Indices are not checked.
+///
+/// Files hold what was on a screen: they are made with mode 0600, under a name at which there is
+/// nothing, and never through a link that somebody has put there.
 class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
  public:
   /// No capture is spilled while fewer captures than this are loaded.
@@ -95,7 +97,7 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   bool UnloadMat();
 
  protected:
-  /// Writes a matrix to a file, which is created or overwritten.
+  /// Writes a matrix to a file, which is created (with mode 0600) or overwritten.
   ///
   /// The file holds, without gaps and in the machine's byte order, the numbers of columns and of
   /// rows (32 bits each), the size of an element in bytes (64 bits) and OpenCV's type code
@@ -112,7 +114,7 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   /// matrix may have been resized and partly filled by then.
   void LoadMat(cv::Mat& image, const std::string& path);
 
-  /// A path for a new spill file, at which no readable file exists. The file is not created.
+  /// A path for a new spill file, at which there is nothing. The file is not created.
   std::string GetTempFileName();
 
  private:

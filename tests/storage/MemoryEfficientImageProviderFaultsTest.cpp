@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <testkit/SpillTesting.h>
 #include <testkit/TemporaryFolder.h>
 #include <testkit/faults/FailingAllocator.h>
@@ -216,6 +217,27 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, LeavesFilesAloneThatHaveTheNameIt
   provider.Clear();
   EXPECT_EQ(ReadFile(first), "first");
   EXPECT_EQ(ReadFile(second), "second");
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, LeavesLinksAloneThatHaveTheNameItDraws) {
+  const std::vector<std::string> names = Testing::NextNames(2, 24);
+  const std::string link = folder.Prefix() + names[0];
+  const std::string target = folder.Prefix() + "target";
+  std::filesystem::create_symlink(target, link);
+  AddAll(provider, {captures[0], captures[1], captures[2]});
+  EXPECT_FALSE(std::filesystem::exists(target));
+  EXPECT_THAT(folder.Contents(), testing::UnorderedElementsAre(link, folder.Prefix() + names[1]));
+  ExpectCaptures(provider, {captures[0], captures[1], captures[2]});
+  provider.Clear();
+  EXPECT_THAT(folder.Contents(), testing::ElementsAre(link));
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, MakesFilesThatOnlyTheirOwnerMayReadAndWrite) {
+  const mode_t previous = umask(0);
+  const std::string file = SpillFirst();
+  umask(previous);
+  using std::filesystem::perms;
+  EXPECT_EQ(std::filesystem::status(file).permissions(), perms::owner_read | perms::owner_write);
 }
 
 TEST_F(MemoryEfficientImageProviderFaultsTest, ShareAFolderWithoutTouchingEachOthersFiles) {
