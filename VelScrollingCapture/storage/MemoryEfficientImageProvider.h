@@ -57,8 +57,8 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
 
   /// The capture at `index`, which becomes the most recently used one.
   ///
-  /// Throws std::runtime_error when the capture's spill file cannot be read back; the provider is
-  /// then as it was before.
+  /// Throws std::runtime_error when the capture's spill file cannot be read back, and cv::Exception
+  /// (StsNoMem) when there is no memory for the capture; the provider is then as it was before.
   std::shared_ptr<cv::Mat> GetImageAt(size_t index) override;
 
   /// Replaces a capture and deletes the spill file of the one that was there.
@@ -110,8 +110,9 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   /// Reads a matrix that SaveMat wrote. A matrix that already has the size and type of the file's
   /// keeps its buffer.
   ///
-  /// Throws std::runtime_error when the file cannot be opened, is cut short or makes no sense; the
-  /// matrix may have been resized and partly filled by then.
+  /// Throws std::runtime_error when the file cannot be opened, is cut short or makes no sense, and
+  /// cv::Exception (StsNoMem) when there is no memory for the matrix; the matrix may have been
+  /// resized and partly filled by then.
   void LoadMat(cv::Mat& image, const std::string& path);
 
   /// A path for a new spill file, at which there is nothing. The file is not created.

@@ -164,9 +164,15 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesOnDiskWhileThereIsNo
   ASSERT_FALSE(provider.IsMatLoaded(0));
   {
     const FailingAllocator memory(0, FailingAllocator::All);
-    EXPECT_THROW(provider.GetImageAt(0), std::runtime_error);
+    try {
+      provider.GetImageAt(0);
+      ADD_FAILURE() << "was read";
+    } catch (const cv::Exception& error) {
+      EXPECT_EQ(error.code, cv::Error::StsNoMem) << "and not an unreadable file";
+    }
   }
   EXPECT_TRUE(provider.IsMatSaved(0));
+  EXPECT_FALSE(provider.IsMatLoaded(0));
   ExpectCaptures(provider, captures);
 }
 

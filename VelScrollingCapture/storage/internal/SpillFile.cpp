@@ -61,6 +61,25 @@ std::int32_t ElementsToRead(const SpillHeader& header) {
                                    static_cast<std::uint32_t>(header.columns));
 }
 
+/// Whether the file holds all of the matrix, given that what its header announces fits into it.
+bool IsWhole(const SpillHeader& header) {
+  return header.elementSize == static_cast<std::uint64_t>(CV_ELEM_SIZE(header.type));
+}
+
+/// Gives the matrix the size and type that a header announces; false when that makes no sense.
+/// Throws cv::Exception when there is no memory for what the file holds.
+bool Create(cv::Mat& image, const SpillHeader& header) {
+  try {
+    image.create(header.rows, header.columns, header.type);
+    return true;
+  } catch (const cv::Exception& error) {
+    if (error.code == cv::Error::StsNoMem && IsWhole(header)) {
+      throw;
+    }
+    return false;
+  }
+}
+
 /// Reads what follows the header; false when the header announces more than there is, or more than
 /// the matrix can take.
 bool ReadPixels(std::ifstream& file, const SpillHeader& header, cv::Mat& image) {
@@ -68,9 +87,7 @@ bool ReadPixels(std::ifstream& file, const SpillHeader& header, cv::Mat& image) 
   if (elements < 0 || !FitsInto(BytesLeftIn(file), header)) {
     return false;
   }
-  try {
-    image.create(header.rows, header.columns, header.type);
-  } catch (const cv::Exception&) {
+  if (!Create(image, header)) {
     return false;
   }
   const std::uint64_t bytes = static_cast<std::uint64_t>(elements) * header.elementSize;
