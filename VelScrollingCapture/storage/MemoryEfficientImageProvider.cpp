@@ -144,20 +144,18 @@ bool MemoryEfficientImageProvider::IsMatSaved(size_t index) {
 
 bool MemoryEfficientImageProvider::UnloadMat() {
   const Guard guard(lock);
-  if (loadedQueue.empty()) {
+  const auto leastRecent =
+      std::find_if(loadedQueue.begin(), loadedQueue.end(),
+                   [this](size_t index) { return CanLeaveMemory(entries[index]); });
+  if (leastRecent == loadedQueue.end()) {
     return false;
   }
-  const size_t index = loadedQueue.front();
-  Entry& entry = entries[index];
-  if (entry.image == nullptr) {
-    loadedQueue.pop_front();
-    return false;
-  }
-  if (!IsMatSaved(index) && !Spill(entry)) {
+  Entry& entry = entries[*leastRecent];
+  if (entry.filePath.empty() && !Spill(entry)) {
     return false;
   }
   entry.image.reset();
-  loadedQueue.pop_front();
+  loadedQueue.erase(leastRecent);
   return true;
 }
 
@@ -184,11 +182,13 @@ void MemoryEfficientImageProvider::MakeRoomFor(const cv::Mat& image) {
   }
 }
 
+/// What no file could give back has to stay.
+bool MemoryEfficientImageProvider::CanLeaveMemory(const Entry& entry) {
+  return !entry.filePath.empty() || CanBeReadBack(*entry.image);
+}
+
 /// Writes the entry's file; false leaves the entry without one.
 bool MemoryEfficientImageProvider::Spill(Entry& entry) {
-  if (!CanBeReadBack(*entry.image)) {
-    return false;
-  }
   const std::optional<cv::Mat> pixels = MakeContinuous(*entry.image);
   std::string path = GetTempFileName();
   if (!pixels || !WriteSpillFile(*pixels, path, Existing::Refused)) {

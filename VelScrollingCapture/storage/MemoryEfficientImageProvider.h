@@ -91,9 +91,10 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   bool IsMatSaved(size_t index);
 
   /// Spills the capture that was used least recently; one that already has a file is only dropped
-  /// from memory.
-  /// @return false when nothing is loaded or the file could not be written; nothing has changed
-  /// then
+  /// from memory. A matrix that no spill file can give back (one of more than two dimensions, or of
+  /// 2^31 elements or more) is passed over.
+  /// @return false when there is nothing to spill or the file could not be written; nothing has
+  ///         changed then
   bool UnloadMat();
 
  protected:
@@ -125,6 +126,7 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   };
 
   [[gnu::visibility("hidden")]] void MakeRoomFor(const cv::Mat& image);
+  [[gnu::visibility("hidden")]] static bool CanLeaveMemory(const Entry& entry);
   [[gnu::visibility("hidden")]] bool Spill(Entry& entry);
 
   std::uint64_t memoryLimit;

@@ -364,6 +364,22 @@ TEST_F(MemoryEfficientImageProviderTest, KeepsAMatrixOfMoreThanTwoDimensionsInMe
   EXPECT_TRUE(folder.Contents().empty());
 }
 
+TEST_F(MemoryEfficientImageProviderTest, SpillsWhatComesAfterAMatrixThatHasToStayInMemory) {
+  const int sizes[] = {2, 3, 4};
+  cv::Mat cube(3, sizes, CV_8UC4, cv::Scalar::all(5));
+  provider.Add(cube);
+  AddAll(provider, captures);
+  EXPECT_EQ(LoadedCount(provider), 2U);
+  EXPECT_TRUE(provider.IsMatLoaded(0));
+  EXPECT_TRUE(provider.IsMatLoaded(captures.size()));
+  EXPECT_TRUE(provider.UnloadMat());
+  EXPECT_FALSE(provider.UnloadMat());
+  EXPECT_EQ(provider.GetImageAt(0)->data, cube.data);
+  for (size_t i = 0; i < captures.size(); ++i) {
+    EXPECT_TRUE(SameBits(*provider.GetImageAt(i + 1), captures[i])) << i;
+  }
+}
+
 TEST_F(MemoryEfficientImageProviderTest, KeepsAMatrixInMemoryThatIsTooLargeToBeReadBack) {
   constexpr size_t bytes = size_t{1} << 31;
   void* const pixels =
