@@ -128,6 +128,11 @@ size_t MemoryEfficientImageProvider::GetMemoryUsage() const {
   return usage;
 }
 
+bool MemoryEfficientImageProvider::ExceedsMemoryLimit() const {
+  const Guard guard(lock);
+  return loadedQueue.size() > MINIMUM_LOADED_IMAGES && GetMemoryUsage() > memoryLimit;
+}
+
 size_t MemoryEfficientImageProvider::GetMatrixMemory(const cv::Mat& image) const {
   return PixelBytesOf(image);
 }

@@ -80,6 +80,14 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   /// The bytes of pixels of all loaded captures, as GetMatrixMemory counts them.
   size_t GetMemoryUsage() const;
 
+  /// Whether more is loaded than the budget allows, beyond the captures that may always be.
+  ///
+  /// With captures of one size, that is so when one of them could not be spilled: the disk is full,
+  /// or the folder cannot be written. Nothing is lost then, but a host that has promised a limit
+  /// wants to say so; ask after Add and GetImageAt. It ends as soon as enough has been spilled
+  /// after all.
+  bool ExceedsMemoryLimit() const;
+
   /// Rows times columns times the size of an element, in bytes; 0 for a matrix without dimensions.
   /// Takes no lock.
   size_t GetMatrixMemory(const cv::Mat& image) const;

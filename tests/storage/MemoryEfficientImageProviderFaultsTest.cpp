@@ -100,6 +100,18 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesWhenTheDiskIsFullInT
   ExpectCaptures(provider, captures);
 }
 
+TEST_F(MemoryEfficientImageProviderFaultsTest, TellsThatItExceedsItsLimitWhileTheDiskIsFull) {
+  {
+    const Testing::FileSizeLimit limit(4096);
+    AddAll(provider, {captures[0], captures[1]});
+    EXPECT_FALSE(provider.ExceedsMemoryLimit());
+    provider.Add(captures[2]);
+    EXPECT_TRUE(provider.ExceedsMemoryLimit());
+  }
+  EXPECT_TRUE(provider.UnloadMat());
+  EXPECT_FALSE(provider.ExceedsMemoryLimit());
+}
+
 TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsTheOrderOfItsQueueWhenASpillFails) {
   {
     const Testing::FileSizeLimit limit(4096);

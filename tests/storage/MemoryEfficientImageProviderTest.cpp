@@ -83,6 +83,19 @@ TEST_F(MemoryEfficientImageProviderTest, HoldsTwoHundredMebibytesByDefault) {
   EXPECT_EQ(LoadedCount(byDefault), 3U);
 }
 
+TEST_F(MemoryEfficientImageProviderTest, StaysWithinItsLimitHoweverManyCapturesComeAndGo) {
+  for (MemoryEfficientImageProvider* const any : {&provider, &roomy}) {
+    for (cv::Mat& capture : captures) {
+      any->Add(capture);
+      EXPECT_FALSE(any->ExceedsMemoryLimit());
+    }
+    for (size_t i = 0; i < captures.size(); ++i) {
+      any->GetImageAt(i);
+      EXPECT_FALSE(any->ExceedsMemoryLimit());
+    }
+  }
+}
+
 TEST_F(MemoryEfficientImageProviderTest, SharesThePixelsOfACaptureThatIsAdded) {
   provider.Add(captures[0]);
   EXPECT_EQ(provider.GetImageAt(0)->data, captures[0].data);
