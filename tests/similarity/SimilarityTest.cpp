@@ -135,6 +135,29 @@ TEST(Similarity, TakesCapturesOfDifferentChannelCounts) {
   EXPECT_EQ(Utilities::CalculateSimilarity(four, three), 1.0);
 }
 
+TEST(Similarity, OfCapturesOfFractionsIsTheSameDoubleAsOverWholeGreyImages) {
+  for (const int channels : {3, 4}) {
+    cv::Mat first(131, 257, CV_MAKETYPE(CV_32F, channels));
+    cv::Mat second = first.clone();
+    cv::RNG random(1);
+    random.fill(first, cv::RNG::UNIFORM, 0, 1);
+    random.fill(second, cv::RNG::UNIFORM, 0, 1);
+    const double similarity = Utilities::CalculateSimilarity(first, second);
+    EXPECT_EQ(similarity, Testing::ReferenceSimilarity(first, second)) << channels;
+    EXPECT_NE(similarity, 1.0) << channels;
+  }
+}
+
+TEST(Similarity, OfCapturesOf16BitsIsTheSameDoubleAsOverWholeGreyImages) {
+  cv::Mat first(131, 257, CV_16UC4);
+  cv::Mat second = first.clone();
+  cv::RNG random(1);
+  random.fill(first, cv::RNG::UNIFORM, 0, 65536);
+  random.fill(second, cv::RNG::UNIFORM, 0, 65536);
+  EXPECT_EQ(Utilities::CalculateSimilarity(first, second),
+            Testing::ReferenceSimilarity(first, second));
+}
+
 TEST(Similarity, PassesOnWhatOpenCVRejects) {
   const cv::Mat capture = NoiseCapture({30, 20}, 1);
   const cv::Mat shorter = NoiseCapture({30, 19}, 1);

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <testkit/SpillTesting.h>
 #include <testkit/TemporaryFolder.h>
 #include <testkit/faults/FailingAllocator.h>
@@ -99,6 +100,18 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesWhenTheDiskIsFullInT
   ExpectCaptures(provider, captures);
 }
 
+TEST_F(MemoryEfficientImageProviderFaultsTest, TellsThatItExceedsItsLimitWhileTheDiskIsFull) {
+  {
+    const Testing::FileSizeLimit limit(4096);
+    AddAll(provider, {captures[0], captures[1]});
+    EXPECT_FALSE(provider.ExceedsMemoryLimit());
+    provider.Add(captures[2]);
+    EXPECT_TRUE(provider.ExceedsMemoryLimit());
+  }
+  EXPECT_TRUE(provider.UnloadMat());
+  EXPECT_FALSE(provider.ExceedsMemoryLimit());
+}
+
 TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsTheOrderOfItsQueueWhenASpillFails) {
   {
     const Testing::FileSizeLimit limit(4096);
@@ -163,9 +176,15 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesOnDiskWhileThereIsNo
   ASSERT_FALSE(provider.IsMatLoaded(0));
   {
     const FailingAllocator memory(0, FailingAllocator::All);
-    EXPECT_THROW(provider.GetImageAt(0), std::runtime_error);
+    try {
+      provider.GetImageAt(0);
+      ADD_FAILURE() << "was read";
+    } catch (const cv::Exception& error) {
+      EXPECT_EQ(error.code, cv::Error::StsNoMem) << "and not an unreadable file";
+    }
   }
   EXPECT_TRUE(provider.IsMatSaved(0));
+  EXPECT_FALSE(provider.IsMatLoaded(0));
   ExpectCaptures(provider, captures);
 }
 
@@ -216,6 +235,27 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, LeavesFilesAloneThatHaveTheNameIt
   provider.Clear();
   EXPECT_EQ(ReadFile(first), "first");
   EXPECT_EQ(ReadFile(second), "second");
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, LeavesLinksAloneThatHaveTheNameItDraws) {
+  const std::vector<std::string> names = Testing::NextNames(2, 24);
+  const std::string link = folder.Prefix() + names[0];
+  const std::string target = folder.Prefix() + "target";
+  std::filesystem::create_symlink(target, link);
+  AddAll(provider, {captures[0], captures[1], captures[2]});
+  EXPECT_FALSE(std::filesystem::exists(target));
+  EXPECT_THAT(folder.Contents(), testing::UnorderedElementsAre(link, folder.Prefix() + names[1]));
+  ExpectCaptures(provider, {captures[0], captures[1], captures[2]});
+  provider.Clear();
+  EXPECT_THAT(folder.Contents(), testing::ElementsAre(link));
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, MakesFilesThatOnlyTheirOwnerMayReadAndWrite) {
+  const mode_t previous = umask(0);
+  const std::string file = SpillFirst();
+  umask(previous);
+  using std::filesystem::perms;
+  EXPECT_EQ(std::filesystem::status(file).permissions(), perms::owner_read | perms::owner_write);
 }
 
 TEST_F(MemoryEfficientImageProviderFaultsTest, ShareAFolderWithoutTouchingEachOthersFiles) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include <VelScrollingCapture/core/internal/Grey.h>
 #include <VelScrollingCapture/detection/phase/internal/PairDetection.h>
 #include <VelScrollingCapture/detection/phase/internal/SharedSpectra.h>
 #include <VelScrollingCapture/detection/phase/internal/SpectrumColumns.h>

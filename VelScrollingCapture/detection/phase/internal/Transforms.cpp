@@ -1,7 +1,5 @@
 #include <iostream>
 
-#include <opencv2/imgproc.hpp>
-
 #include <VelScrollingCapture/detection/phase/internal/Transforms.h>
 
 namespace ScrollingCapture {
@@ -45,12 +43,6 @@ bool LooksForColumns(ScrollOrientation orientation) {
 cv::Size TransformSize(const cv::Size& image, ScrollOrientation orientation) {
   return {TransformLength(image.width, LooksForColumns(orientation)),
           TransformLength(image.height, LooksForRows(orientation))};
-}
-
-cv::Mat GreyOf(const cv::Mat& capture) {
-  cv::Mat grey;
-  cv::cvtColor(capture, grey, cv::COLOR_RGBA2GRAY);
-  return grey;
 }
 
 void Transform(const cv::Mat& source, cv::Mat& destination, int flags) {
