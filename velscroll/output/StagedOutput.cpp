@@ -1,0 +1,14 @@
+#include <velscroll/output/StagedFile.h>
+#include <velscroll/output/StagedOutput.h>
+#include <velscroll/output/StagedStandardOutput.h>
+
+namespace ScrollingCapture::Program {
+
+std::unique_ptr<StagedOutput> MakeStagedOutput(const std::string& name) {
+  if (name == StagedStandardOutput::Argument) {
+    return std::make_unique<StagedStandardOutput>();
+  }
+  return std::make_unique<StagedFile>(name);
+}
+
+}  // namespace ScrollingCapture::Program
