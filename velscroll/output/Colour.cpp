@@ -5,8 +5,8 @@
 #include <optional>
 #include <utility>
 
-#include <velscroll/Failure.h>
 #include <velscroll/output/Colour.h>
+#include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
 namespace {

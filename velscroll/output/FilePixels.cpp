@@ -1,5 +1,5 @@
 #include <opencv2/imgproc.hpp>
-#include <velscroll/Premultiplication.h>
+#include <velscroll/input/Premultiplication.h>
 #include <velscroll/output/FilePixels.h>
 
 namespace ScrollingCapture::Program {

@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <limits>
 
-#include <velscroll/Failure.h>
 #include <velscroll/output/PictureFormat.h>
-#include <velscroll/output/StagedStandardOutput.h>
+#include <velscroll/output/staging/StagedStandardOutput.h>
+#include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -1,12 +1,12 @@
 #include <algorithm>
 
-#include <velscroll/Failure.h>
-#include <velscroll/Interruption.h>
-#include <velscroll/Premultiplication.h>
+#include <velscroll/input/Premultiplication.h>
 #include <velscroll/output/PictureWriting.h>
 #include <velscroll/output/Pieces.h>
-#include <velscroll/output/StagedStandardOutput.h>
 #include <velscroll/output/Strips.h>
+#include <velscroll/output/staging/StagedStandardOutput.h>
+#include <velscroll/terminal/Failure.h>
+#include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -9,7 +9,7 @@
 #include <opencv2/core.hpp>
 #include <velscroll/output/Picture.h>
 #include <velscroll/output/RowWriter.h>
-#include <velscroll/output/StagedOutput.h>
+#include <velscroll/output/staging/StagedOutput.h>
 
 namespace ScrollingCapture::Program {
 

@@ -2,12 +2,15 @@
 #include <cctype>
 #include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include <velscroll/output/Pieces.h>
 #include <velscroll/output/Strips.h>
 
 namespace ScrollingCapture::Program {
 namespace {
+
+namespace fs = std::filesystem;
 
 bool IsOfOneColour(const cv::Mat& row) {
   // Equal to itself, moved by a pixel.
@@ -38,8 +41,15 @@ int CutFor(const Picture& picture, int top, int mostRows) {
   return row < 0 ? lowest : std::min(row + 1, lowest);
 }
 
-std::filesystem::path StemOf(const std::filesystem::path& path) {
-  return path.parent_path() / path.stem();
+bool IsNumber(const std::string& text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](unsigned char letter) { return std::isdigit(letter) != 0; });
+}
+
+bool IsSameFolder(const fs::path& first, const fs::path& second) {
+  const auto named = [](const fs::path& folder) { return folder.empty() ? "." : folder; };
+  std::error_code error;
+  return fs::equivalent(named(first), named(second), error);
 }
 
 }  // namespace
@@ -57,19 +67,20 @@ std::vector<cv::Range> CutIntoPieces(const Picture& picture, int mostRows) {
 }
 
 std::string PieceName(const std::string& path, size_t number) {
-  const std::filesystem::path whole(path);
-  return StemOf(whole).string() + "-" + std::to_string(number) + whole.extension().string();
+  fs::path piece(path);
+  const std::string extension = piece.extension().string();
+  piece.replace_extension();
+  return piece.string() + "-" + std::to_string(number) + extension;
 }
 
-bool IsPieceName(const std::string& path, const std::string& name) {
-  const std::filesystem::path whole(path);
-  const std::filesystem::path piece(name);
-  const std::string start = StemOf(whole).string() + "-";
-  const std::string stem = StemOf(piece).string();
+bool IsPieceOf(const std::string& path, const std::string& file) {
+  const fs::path whole(path);
+  const fs::path piece(file);
+  const std::string start = whole.stem().string() + "-";
+  const std::string stem = piece.stem().string();
   return piece.extension() == whole.extension() && stem.size() > start.size() &&
-         stem.compare(0, start.size(), start) == 0 &&
-         std::all_of(stem.begin() + static_cast<std::ptrdiff_t>(start.size()), stem.end(),
-                     [](unsigned char letter) { return std::isdigit(letter) != 0; });
+         stem.compare(0, start.size(), start) == 0 && IsNumber(stem.substr(start.size())) &&
+         IsSameFolder(whole.parent_path(), piece.parent_path());
 }
 
 }  // namespace ScrollingCapture::Program

@@ -4,8 +4,8 @@
 
 #include <velscroll/output/FilePixels.h>
 #include <velscroll/output/OrderedWork.h>
-#include <velscroll/output/RowEncoder.h>
 #include <velscroll/output/RowWriter.h>
+#include <velscroll/output/formats/RowEncoder.h>
 
 namespace ScrollingCapture::Program {
 

@@ -1,14 +1,14 @@
 #include <stdexcept>
 
-#include <velscroll/Failure.h>
-#include <velscroll/output/BmpEncoder.h>
 #include <velscroll/output/FilePixels.h>
-#include <velscroll/output/JpegEncoder.h>
 #include <velscroll/output/PipelinedRowWriter.h>
-#include <velscroll/output/PngRowWriter.h>
 #include <velscroll/output/RowWriter.h>
-#include <velscroll/output/TiffEncoder.h>
-#include <velscroll/output/WebPEncoder.h>
+#include <velscroll/output/formats/BmpEncoder.h>
+#include <velscroll/output/formats/JpegEncoder.h>
+#include <velscroll/output/formats/PngRowWriter.h>
+#include <velscroll/output/formats/TiffEncoder.h>
+#include <velscroll/output/formats/WebPEncoder.h>
+#include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -6,9 +6,9 @@
 
 #include <opencv2/core.hpp>
 #include <velscroll/output/Colour.h>
-#include <velscroll/output/ImageMetadata.h>
-#include <velscroll/output/OutputSink.h>
 #include <velscroll/output/PictureFormat.h>
+#include <velscroll/output/metadata/ImageMetadata.h>
+#include <velscroll/output/staging/OutputSink.h>
 
 namespace ScrollingCapture::Program {
 

@@ -2,9 +2,9 @@
 #include <cmath>
 #include <string_view>
 
-#include <velscroll/FileContent.h>
-#include <velscroll/output/ImageMetadata.h>
-#include <velscroll/output/MetadataReaders.h>
+#include <velscroll/input/FileContent.h>
+#include <velscroll/output/metadata/ImageMetadata.h>
+#include <velscroll/output/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include <sys/types.h>
-#include <velscroll/FileDescriptor.h>
+#include <velscroll/terminal/FileDescriptor.h>
 
 namespace ScrollingCapture::Program {
 

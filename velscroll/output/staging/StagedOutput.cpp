@@ -1,6 +1,6 @@
-#include <velscroll/output/StagedFile.h>
-#include <velscroll/output/StagedOutput.h>
-#include <velscroll/output/StagedStandardOutput.h>
+#include <velscroll/output/staging/StagedFile.h>
+#include <velscroll/output/staging/StagedOutput.h>
+#include <velscroll/output/staging/StagedStandardOutput.h>
 
 namespace ScrollingCapture::Program {
 

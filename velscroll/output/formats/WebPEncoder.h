@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include <velscroll/output/RowEncoder.h>
+#include <velscroll/output/formats/RowEncoder.h>
 
 namespace ScrollingCapture::Program {
 

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include <velscroll/output/HiddenFile.h>
-#include <velscroll/output/StagedOutput.h>
+#include <velscroll/output/staging/HiddenFile.h>
+#include <velscroll/output/staging/StagedOutput.h>
 
 namespace ScrollingCapture::Program {
 

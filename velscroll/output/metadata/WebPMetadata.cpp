@@ -1,6 +1,6 @@
 #include <memory>
 
-#include <velscroll/output/MetadataReaders.h>
+#include <velscroll/output/metadata/MetadataReaders.h>
 #include <webp/mux.h>
 
 namespace ScrollingCapture::Program {

@@ -2,7 +2,7 @@
 #include <stdexcept>
 #include <zlib.h>
 
-#include <velscroll/output/DeflatedBlock.h>
+#include <velscroll/output/formats/DeflatedBlock.h>
 
 namespace ScrollingCapture::Program {
 namespace {

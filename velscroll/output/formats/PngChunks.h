@@ -3,9 +3,9 @@
 #include <string>
 
 #include <velscroll/output/FilePixels.h>
-#include <velscroll/output/GuardedSink.h>
-#include <velscroll/output/PngErrors.h>
 #include <velscroll/output/RowWriter.h>
+#include <velscroll/output/formats/PngErrors.h>
+#include <velscroll/output/staging/GuardedSink.h>
 
 namespace ScrollingCapture::Program {
 

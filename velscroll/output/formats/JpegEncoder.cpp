@@ -2,7 +2,7 @@
 #include <cmath>
 #include <new>
 
-#include <velscroll/output/JpegEncoder.h>
+#include <velscroll/output/formats/JpegEncoder.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -4,8 +4,8 @@
 #include <string>
 #include <tiffio.h>
 
-#include <velscroll/output/GuardedSink.h>
-#include <velscroll/output/RowEncoder.h>
+#include <velscroll/output/formats/RowEncoder.h>
+#include <velscroll/output/staging/GuardedSink.h>
 
 namespace ScrollingCapture::Program {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include <velscroll/output/HiddenFile.h>
-#include <velscroll/output/StagedOutput.h>
+#include <velscroll/output/staging/HiddenFile.h>
+#include <velscroll/output/staging/StagedOutput.h>
 
 namespace ScrollingCapture::Program {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <velscroll/output/RowEncoder.h>
+#include <velscroll/output/formats/RowEncoder.h>
 
 namespace ScrollingCapture::Program {
 

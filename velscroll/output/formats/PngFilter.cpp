@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <velscroll/output/DeflatedBlock.h>
-#include <velscroll/output/PngFilter.h>
+#include <velscroll/output/formats/DeflatedBlock.h>
+#include <velscroll/output/formats/PngFilter.h>
 
 namespace ScrollingCapture::Program {
 namespace {

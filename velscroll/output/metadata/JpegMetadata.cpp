@@ -1,8 +1,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include <velscroll/output/JpegErrors.h>
-#include <velscroll/output/MetadataReaders.h>
+#include <velscroll/output/formats/JpegErrors.h>
+#include <velscroll/output/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
-#include <velscroll/output/BmpEncoder.h>
+#include <velscroll/output/formats/BmpEncoder.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -3,9 +3,9 @@
 #include <array>
 #include <string>
 
-#include <velscroll/output/GuardedSink.h>
-#include <velscroll/output/JpegErrors.h>
-#include <velscroll/output/RowEncoder.h>
+#include <velscroll/output/formats/JpegErrors.h>
+#include <velscroll/output/formats/RowEncoder.h>
+#include <velscroll/output/staging/GuardedSink.h>
 
 namespace ScrollingCapture::Program {
 

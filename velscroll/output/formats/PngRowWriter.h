@@ -1,9 +1,9 @@
 #pragma once
 
-#include <velscroll/output/DeflatedBlock.h>
 #include <velscroll/output/OrderedWork.h>
-#include <velscroll/output/PngChunks.h>
 #include <velscroll/output/RowWriter.h>
+#include <velscroll/output/formats/DeflatedBlock.h>
+#include <velscroll/output/formats/PngChunks.h>
 
 namespace ScrollingCapture::Program {
 

@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include <sys/stat.h>
-#include <velscroll/Interruption.h>
-#include <velscroll/output/HiddenFile.h>
+#include <velscroll/output/staging/HiddenFile.h>
+#include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <memory>
 
-#include <velscroll/output/PngFilter.h>
-#include <velscroll/output/PngRowWriter.h>
+#include <velscroll/output/formats/PngFilter.h>
+#include <velscroll/output/formats/PngRowWriter.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include <velscroll/output/OutputSink.h>
+#include <velscroll/output/staging/OutputSink.h>
 
 namespace ScrollingCapture::Program {
 

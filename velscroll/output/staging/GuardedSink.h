@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <exception>
 
-#include <velscroll/output/OutputSink.h>
+#include <velscroll/output/staging/OutputSink.h>
 
 namespace ScrollingCapture::Program {
 

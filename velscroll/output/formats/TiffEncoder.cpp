@@ -5,7 +5,7 @@
 #include <memory>
 #include <new>
 
-#include <velscroll/output/TiffEncoder.h>
+#include <velscroll/output/formats/TiffEncoder.h>
 
 namespace ScrollingCapture::Program {
 namespace {

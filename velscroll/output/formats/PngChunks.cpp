@@ -2,8 +2,8 @@
 #include <cmath>
 #include <new>
 
-#include <velscroll/output/PngChunks.h>
-#include <velscroll/output/RowEncoder.h>
+#include <velscroll/output/formats/PngChunks.h>
+#include <velscroll/output/formats/RowEncoder.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -1,7 +1,7 @@
 #include <cstring>
 
-#include <velscroll/output/MetadataReaders.h>
-#include <velscroll/output/PngErrors.h>
+#include <velscroll/output/formats/PngErrors.h>
+#include <velscroll/output/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {

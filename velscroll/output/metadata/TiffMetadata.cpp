@@ -4,7 +4,7 @@
 #include <memory>
 #include <tiffio.h>
 
-#include <velscroll/output/MetadataReaders.h>
+#include <velscroll/output/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -1,9 +1,9 @@
 #include <memory>
 #include <new>
 
-#include <velscroll/Failure.h>
-#include <velscroll/Interruption.h>
-#include <velscroll/output/WebPEncoder.h>
+#include <velscroll/output/formats/WebPEncoder.h>
+#include <velscroll/terminal/Failure.h>
+#include <velscroll/terminal/Interruption.h>
 #include <webp/encode.h>
 #include <webp/mux.h>
 

@@ -5,9 +5,9 @@
 #include <unistd.h>
 #include <vector>
 
-#include <velscroll/Failure.h>
-#include <velscroll/Interruption.h>
-#include <velscroll/output/StagedStandardOutput.h>
+#include <velscroll/output/staging/StagedStandardOutput.h>
+#include <velscroll/terminal/Failure.h>
+#include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {
 namespace {

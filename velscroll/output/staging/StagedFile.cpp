@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include <sys/stat.h>
-#include <velscroll/Failure.h>
-#include <velscroll/output/StagedFile.h>
+#include <velscroll/output/staging/StagedFile.h>
+#include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
 namespace {

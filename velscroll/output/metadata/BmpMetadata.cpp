@@ -1,6 +1,6 @@
 #include <cstdint>
 
-#include <velscroll/output/MetadataReaders.h>
+#include <velscroll/output/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {
