@@ -70,13 +70,14 @@ CaptureOutcome VelScrollingCapture::addCapture(const std::optional<PlatformImage
   const cv::Mat capture = image ? image->CVMat() : cv::Mat();
   makePreviewWhenAbsent();
   if (!_stitcherAdapter) {
-    return {CaptureOutcome::State::Unusable, "has no adapter to be added to"};
+    return {CaptureOutcome::State::Unusable, "has no adapter to be added to", {}};
   }
   constexpr bool KeepRepeats = false;
   return CaptureIntake(*_stitcherAdapter, _previewImageCreator.get(), KeepRepeats).Add(capture);
 } catch (const cv::Exception&) {
   return {CaptureOutcome::State::Unusable,
-          "cannot be compared with the last one, or finds no memory"};
+          "cannot be compared with the last one, or finds no memory",
+          {}};
 }
 
 std::optional<PlatformImage> VelScrollingCapture::currentImagePreview() try {

@@ -31,10 +31,10 @@ CaptureOutcome CaptureIntake::Add(cv::Mat capture) {
   if (!captures.IsEmpty()) {
     std::string reason = WhyUnlike(*captures.GetLastImage(), capture);
     if (!reason.empty()) {
-      return {CaptureOutcome::State::Unusable, std::move(reason)};
+      return {CaptureOutcome::State::Unusable, std::move(reason), {}};
     }
     if (!keepRepeats && RepeatsLastCapture(captures, capture)) {
-      return {CaptureOutcome::State::Repeated, {}};
+      return {CaptureOutcome::State::Repeated, {}, {}};
     }
   }
   captures.Add(capture);

@@ -1,6 +1,5 @@
 #include <utility>
 
-#include <VelScrollingCapture/preview/PreviewImage.h>
 #include <VelScrollingCapture/session/CaptureIntake.h>
 #include <VelScrollingCapture/session/CaptureSession.h>
 #include <VelScrollingCapture/session/internal/CaptureStore.h>
@@ -8,18 +7,46 @@
 #include <VelScrollingCapture/session/internal/SessionEngine.h>
 
 namespace ScrollingCapture {
+namespace {
+
+CaptureOutcome::State StateOf(const Join& join) {
+  switch (join.verdict) {
+    case Verdict::Doubtful:
+      return CaptureOutcome::State::Doubtful;
+    case Verdict::None:
+      return CaptureOutcome::State::TooFast;
+    default:
+      return CaptureOutcome::State::Placed;
+  }
+}
+
+}  // namespace
 
 class CaptureSession::State {
  public:
   explicit State(const SessionSettings& settings)
       : settings(settings),
-        engine(MakeSessionEngine(settings)),
-        captures(MakeCaptureStore(settings)),
+        store(settings),
+        engine(MakeSessionEngine(settings, store.Captures())),
         preview(settings.previewBox ? MakeHostPreview(*settings.previewBox) : nullptr) {}
 
+  CaptureOutcome Add(const IncomingCapture& capture) {
+    CaptureOutcome outcome =
+        CaptureIntake(*store.Captures(), preview.get(), settings.keepRepeats).Add(capture.pixels);
+    if (outcome.state != CaptureOutcome::State::Placed) {
+      return outcome;
+    }
+    const bool isFirst = store.Captures()->Count() == 1;
+    outcome.placed = engine->Join(capture);
+    if (outcome.placed && !isFirst) {
+      outcome.state = StateOf(outcome.placed->join);
+    }
+    return outcome;
+  }
+
   const SessionSettings settings;
+  const CaptureStore store;
   const std::unique_ptr<SessionEngine> engine;
-  const std::shared_ptr<IImageProvider> captures;
   const std::unique_ptr<PreviewImage> preview;
 };
 
@@ -28,18 +55,29 @@ CaptureSession::CaptureSession(const SessionSettings& settings)
 
 CaptureSession::~CaptureSession() = default;
 
-CaptureOutcome CaptureSession::Add(const cv::Mat& capture) {
-  std::string reason = WhyUnusable(capture);
-  if (!reason.empty()) {
-    return {CaptureOutcome::State::Unusable, std::move(reason)};
+IncomingCapture CaptureSession::Prepare(const cv::Mat& capture) const {
+  IncomingCapture incoming = {capture, {}, {}};
+  if (state->engine->JoinsAtOnce() && WhyUnusable(capture).empty()) {
+    incoming.prepared = PreparedCapture(capture);
   }
-  return CaptureIntake(*state->captures, state->preview.get(), state->settings.keepRepeats)
-      .Add(capture);
+  return incoming;
 }
 
-IImageProvider& CaptureSession::Captures() { return *state->captures; }
+CaptureOutcome CaptureSession::Add(const IncomingCapture& capture) {
+  std::string reason = WhyUnusable(capture.pixels);
+  if (!reason.empty()) {
+    return {CaptureOutcome::State::Unusable, std::move(reason), {}};
+  }
+  return state->Add(capture);
+}
 
-cv::Mat CaptureSession::Preview() try {
+CaptureOutcome CaptureSession::Add(const cv::Mat& capture) {
+  return Add(IncomingCapture{capture, {}, {}});
+}
+
+bool CaptureSession::ExceedsMemoryLimit() const { return state->store.ExceedsMemoryLimit(); }
+
+cv::Mat CaptureSession::Preview() const try {
   if (!state->preview) {
     return {};
   }
@@ -53,7 +91,7 @@ cv::Mat CaptureSession::Preview() try {
 }
 
 std::optional<SessionResult> CaptureSession::Stitch(IStitcherListener* listener) {
-  return state->engine->Stitch(state->captures, listener);
+  return state->engine->Stitch(listener);
 }
 
 }  // namespace ScrollingCapture

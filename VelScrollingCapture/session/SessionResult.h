@@ -8,8 +8,8 @@
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/core/Place.h>
-#include <VelScrollingCapture/core/Translation.h>
-#include <VelScrollingCapture/session/Picture.h>
+#include <VelScrollingCapture/matching/Join.h>
+#include <VelScrollingCapture/session/StitchedPicture.h>
 
 namespace ScrollingCapture {
 
@@ -24,19 +24,28 @@ struct FixedBorders {
 
 /// Where a capture has gone.
 struct CaptureInPicture {
-  /// How far the content moved since the capture that was added before; zero for the first one.
-  Translation translation;
+  /// The part of the result that shows it, from 0 on.
+  std::size_t part = 0;
 
-  /// Where its first pixel lies in the picture.
+  /// Where its first pixel lies in that part's picture.
   Place place;
 
-  /// Whether it was left out of the picture since it did not move.
+  /// How it is joined; its motion is that since the capture that was added before. Means nothing
+  /// for the first capture.
+  Join join;
+
+  /// The earlier capture that the join was proven against; empty for the first one of a part.
+  std::optional<std::size_t> joinedTo;
+
+  /// With phase correlation: whether it was left out of the picture since it did not move.
   bool leftOut = false;
 };
 
 /// What came of a stitch.
 struct SessionResult {
-  std::shared_ptr<const Picture> picture;
+  /// One picture, or several where captures are missing in between, in the order in which they
+  /// begin.
+  std::vector<std::shared_ptr<const StitchedPicture>> parts;
 
   /// One element for each capture that was added, in that order.
   std::vector<CaptureInPicture> captures;

@@ -20,14 +20,14 @@ namespace {
 
 using ::testing::Each;
 using ::testing::IsEmpty;
-using ::testing::SizeIs;
-using ::testing::StartsWith;
 using Testing::NoiseCapture;
 using Testing::RecordingListener;
 using Testing::SameBits;
 using Testing::ScrolledCaptures;
 using Testing::ScrolledPage;
 using Testing::ScrolledStep;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
 using State = CaptureOutcome::State;
 
 constexpr int CaptureCount = 4;
@@ -38,22 +38,26 @@ void AddAll(CaptureSession& session, const std::vector<cv::Mat>& captures) {
   }
 }
 
-cv::Mat Whole(const Picture& picture) { return picture.Area({{0, 0}, picture.Size()}); }
+/// The only part of a result, as a whole.
+cv::Mat WholePicture(const SessionResult& result) {
+  EXPECT_EQ(result.parts.size(), 1U);
+  const StitchedPicture& picture = *result.parts.at(0);
+  return picture.Area({{0, 0}, picture.Size()});
+}
 
 TEST(CaptureSession, GivesThePictureAndWhereEveryCaptureLies) {
   CaptureSession session({});
   AddAll(session, ScrolledCaptures(CaptureCount));
   const auto result = session.Stitch(nullptr);
   ASSERT_TRUE(result.has_value());
-  EXPECT_TRUE(SameBits(Whole(*result->picture), ScrolledPage(CaptureCount)));
+  EXPECT_TRUE(SameBits(WholePicture(*result), ScrolledPage(CaptureCount)));
   EXPECT_FALSE(result->borders.has_value());
   ASSERT_THAT(result->captures, SizeIs(CaptureCount));
-  EXPECT_EQ(result->captures[0].translation, Translation());
   for (int i = 0; i < CaptureCount; ++i) {
     EXPECT_EQ(result->captures[static_cast<size_t>(i)].place, (Place{i * ScrolledStep, 0}));
     EXPECT_FALSE(result->captures[static_cast<size_t>(i)].leftOut);
   }
-  EXPECT_EQ(result->captures[2].translation, Translation(-ScrolledStep, 0));
+  EXPECT_EQ(result->captures[2].join.motion, Translation(-ScrolledStep, 0));
 }
 
 TEST(CaptureSession, GivesAnyAreaOfThePicture) {
@@ -62,8 +66,8 @@ TEST(CaptureSession, GivesAnyAreaOfThePicture) {
   const auto result = session.Stitch(nullptr);
   ASSERT_TRUE(result.has_value());
   const cv::Rect area(10, 90, 50, 60);
-  EXPECT_TRUE(SameBits(result->picture->Area(area).clone(), ScrolledPage(CaptureCount)(area)));
-  EXPECT_THROW(result->picture->Area({0, 0, 10000, 1}), cv::Exception);
+  EXPECT_TRUE(SameBits(result->parts[0]->Area(area).clone(), ScrolledPage(CaptureCount)(area)));
+  EXPECT_THROW(result->parts[0]->Area({0, 0, 10000, 1}), cv::Exception);
 }
 
 TEST(CaptureSession, RefusesWhatNoStitcherTakes) {
@@ -73,7 +77,7 @@ TEST(CaptureSession, RefusesWhatNoStitcherTakes) {
     EXPECT_EQ(outcome.state, State::Unusable);
     EXPECT_NE(outcome.reason, "");
   }
-  EXPECT_TRUE(session.Captures().IsEmpty());
+  EXPECT_EQ(session.Add(ScrolledCaptures(1)[0]).state, State::Placed);
 }
 
 TEST(CaptureSession, RefusesACaptureOfAnotherSizeAndStitchesTheOthers) {
@@ -84,7 +88,7 @@ TEST(CaptureSession, RefusesACaptureOfAnotherSizeAndStitchesTheOthers) {
   AddAll(session, {captures[2], captures[3]});
   const auto result = session.Stitch(nullptr);
   ASSERT_TRUE(result.has_value());
-  EXPECT_TRUE(SameBits(Whole(*result->picture), ScrolledPage(CaptureCount)));
+  EXPECT_TRUE(SameBits(WholePicture(*result), ScrolledPage(CaptureCount)));
 }
 
 TEST(CaptureSession, DropsRepeatsUnlessAskedToKeepThem) {
@@ -109,7 +113,7 @@ TEST(CaptureSession, LooksForMotionInTheAskedDirectionsOnly) {
   AddAll(session, ScrolledCaptures(2));
   const auto result = session.Stitch(nullptr);
   ASSERT_TRUE(result.has_value());
-  EXPECT_EQ(result->captures[1].translation.GetRows(), 0);
+  EXPECT_EQ(result->captures[1].join.motion.GetRows(), 0);
 }
 
 TEST(CaptureSession, TellsProgressUpToTheEndAndNoCompletion) {
@@ -193,7 +197,7 @@ TEST(CaptureSession, FindsBordersWhereAskedTo) {
   ASSERT_TRUE(StitcherFactory::CreateStitcherWithBasicBorderDetection(
                   Both, false, 1, thresholds.difference, thresholds.neighbors)
                   ->Stitch(provider, expected, nullptr, 0, 100, false));
-  EXPECT_TRUE(SameBits(Whole(*result->picture), expected));
+  EXPECT_TRUE(SameBits(WholePicture(*result), expected));
 }
 
 class SpillingSession : public testing::Test {
@@ -225,7 +229,7 @@ TEST_F(SpillingSession, GivesTheSamePicture) {
   AddAll(session, ScrolledCaptures(CaptureCount));
   const auto result = session.Stitch(nullptr);
   ASSERT_TRUE(result.has_value());
-  EXPECT_TRUE(SameBits(Whole(*result->picture), ScrolledPage(CaptureCount)));
+  EXPECT_TRUE(SameBits(WholePicture(*result), ScrolledPage(CaptureCount)));
 }
 
 TEST_F(SpillingSession, TellsThatAFileIsLost) {

@@ -1,12 +1,13 @@
 #include <algorithm>
 #include <charconv>
 #include <iostream>
+#include <limits>
 #include <thread>
 
 #include <CLI/CLI.hpp>
 #include <velscroll/arguments/Arguments.h>
 #include <velscroll/arguments/SettingNames.h>
-#include <velscroll/output/OutputFormat.h>
+#include <velscroll/output/PictureFormat.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
@@ -76,10 +77,13 @@ std::string Footer() {
          "10;\nfiles are taken in the order given. All captures must have the same size.\n"
          "\n"
          "The output's format follows its extension: " +
-         FormatList() +
-         ".\nJPEG and BMP have no transparency: what no capture shows is white there.\n"
+         PictureFormatList() +
+         ".\n- is standard output, in PNG for images; messages then go to standard error only.\n"
+         "JPEG and BMP have no transparency: what no capture shows is white there, or of\n"
+         "the colour that --background tells.\n"
          "\n"
-         "Exit status: 0 done, 1 failed, 2 wrong usage or bad input, 130 cancelled.\n"
+         "Exit status: 0 done, 1 failed, 2 wrong usage or bad input, 3 written in several\n"
+         "parts since captures are missing in between, 130 cancelled.\n"
          "\n"
          "Examples:\n"
          "  velscroll capture-*.png -o page.png\n"
@@ -109,12 +113,14 @@ class CommandLine {
         ->capture_default_str();
     app.add_flag("--keep-repeats", arguments.session.keepRepeats,
                  "Do not drop captures that show the same as the one before");
+    AddJoinOptions();
     AddBorderOptions();
+    AddOutputOptions();
     AddMemoryOptions();
     AddPreviewOptions();
     app.add_option(
            "--report", arguments.outputs.report,
-           "Write what was found to a JSON file: motion and place of\nevery capture, and more")
+           "Write what was found to a JSON file: join and place of\nevery capture, and more")
         ->type_name("FILE");
     quietFlag = app.add_flag("-q,--quiet",
                              "Print nothing but warnings and errors; twice, as -qq,\n"
@@ -156,6 +162,7 @@ class CommandLine {
     if (memoryLimitOption->count() > 0) {
       arguments.session.memoryLimit = ParseMemorySize(memoryLimit);
     }
+    CheckOutputOptions();
     const cv::Size previewBox = ParsePreviewSize(previewSize);
     if (!arguments.outputs.preview.empty()) {
       arguments.session.previewBox = previewBox;
@@ -165,6 +172,20 @@ class CommandLine {
   }
 
  private:
+  void CheckOutputOptions() {
+    EncodingSettings& encoding = arguments.outputs.encoding;
+    encoding.threads = arguments.session.threadCount;
+    encoding.jpegQuality = static_cast<int>(ParseNumber("--jpeg-quality", jpegQuality, 1, 100));
+    encoding.pngLevel = static_cast<int>(ParseNumber("--png-level", pngLevel, 0, 9));
+    if (backgroundOption->count() > 0) {
+      encoding.background = ParseColour("--background", background);
+    }
+    if (splitOption->count() > 0) {
+      arguments.outputs.mostRowsPerFile =
+          static_cast<int>(ParseNumber("--split", split, 1, std::numeric_limits<int>::max()));
+    }
+  }
+
   void AddBorderOptions() {
     CLI::Option* const switchOn = app.add_flag(
         "--borders", borders,
@@ -183,6 +204,30 @@ class CommandLine {
         ->type_name("N")
         ->capture_default_str()
         ->needs(switchOn);
+  }
+
+  void AddJoinOptions() {
+    app.add_flag("--strict", arguments.strict,
+                 "Fail, and write nothing, when a join is doubtful or\nmissing");
+    app.add_option("--joins", arguments.joins,
+                   "Take the motions from a report that was corrected by\nhand, and prove them")
+        ->type_name("FILE");
+  }
+
+  void AddOutputOptions() {
+    splitOption = app.add_option("--split", split,
+                                 "Cut the image into files of at most that many rows:\n"
+                                 "page-1.png, page-2.png, ...; next to plain rows if it can")
+                      ->type_name("ROWS");
+    backgroundOption = app.add_option("--background", background,
+                                      "What shows where no capture does: #rrggbb or a basic name")
+                           ->type_name("COLOUR");
+    app.add_option("--jpeg-quality", jpegQuality, "1 to 100")
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--png-level", pngLevel, "0 (fast) to 9 (small)")
+        ->type_name("N")
+        ->capture_default_str();
   }
 
   void AddMemoryOptions() {
@@ -222,6 +267,12 @@ class CommandLine {
   std::string memoryLimit;
   CLI::Option* memoryLimitOption = nullptr;
   std::string previewSize = "250x250";
+  std::string split;
+  CLI::Option* splitOption = nullptr;
+  std::string background;
+  CLI::Option* backgroundOption = nullptr;
+  std::string jpegQuality = std::to_string(EncodingSettings().jpegQuality);
+  std::string pngLevel = std::to_string(EncodingSettings().pngLevel);
   CLI::Option* quietFlag = nullptr;
   std::string threads = std::to_string(DefaultThreadCount());
 };

@@ -14,7 +14,9 @@ namespace ScrollingCapture::Program {
 /// What the command line asks for.
 struct Arguments {
   std::vector<std::string> captures;  ///< files, folders and globs, as given
-  OutputPaths outputs;
+  std::string joins;                  ///< a report whose motions are taken; empty: none
+  bool strict = false;                ///< whether a join that is not sure is a failure
+  OutputSettings outputs;
   SessionSettings session;
   Loudness loudness = Loudness::All;
 };

@@ -14,14 +14,26 @@ const std::array<std::pair<const char*, ScrollOrientation>, 3> Orientations = {{
     {"both", ScrollOrientation::Both},
 }};
 
+const std::array<std::pair<const char*, Verdict>, 4> Verdicts = {{
+    {"proven", Verdict::Proven},
+    {"likely", Verdict::Likely},
+    {"doubtful", Verdict::Doubtful},
+    {"none", Verdict::None},
+}};
+
+/// Every value is in its table.
+template <typename Names, typename Value>
+std::string NameIn(const Names& names, Value value) {
+  return std::find_if(names.begin(), names.end(),
+                      [value](const auto& entry) { return entry.second == value; })
+      ->first;
+}
+
 }  // namespace
 
-std::string NameOf(ScrollOrientation orientation) {
-  const auto* const found =
-      std::find_if(Orientations.begin(), Orientations.end(),
-                   [orientation](const auto& entry) { return entry.second == orientation; });
-  return found->first;
-}
+std::string NameOf(ScrollOrientation orientation) { return NameIn(Orientations, orientation); }
+
+std::string NameOf(Verdict verdict) { return NameIn(Verdicts, verdict); }
 
 ScrollOrientation ParseOrientation(const std::string& name) {
   for (const auto& [known, orientation] : Orientations) {

@@ -4,17 +4,23 @@
 #include <string>
 #include <vector>
 
-#include <opencv2/core.hpp>
+#include <velscroll/input/ImageFile.h>
 
 namespace ScrollingCapture::Program {
 
-/// Takes the capture that was read from a file.
-using TakeCapture = std::function<void(const std::string& file, const cv::Mat& capture)>;
+/// What is done with a capture once all those before it have been taken, on one thread at a time.
+using TakeCapture = std::function<void()>;
 
-/// Reads capture files one after another, as ReadCapture does, and hands each over.
+/// What is done with a capture beforehand, on any thread.
+/// @param index of its file, from 0
+using PrepareCapture = std::function<TakeCapture(size_t index, CaptureImage image)>;
+
+/// Reads capture files, as ReadCapture does, on some threads, and hands them over in their order.
+/// At most twice as many captures as threads are in memory at once.
 ///
-/// Throws BadInput when a file is no usable capture, Cancelled when the user stops the work, and
-/// what `take` throws.
-void ReadCaptures(const std::vector<std::string>& files, const TakeCapture& take);
+/// Throws what reading, preparing and taking throw, the first one in the order of the files.
+/// @param threads at least 1
+void ReadCaptures(const std::vector<std::string>& files, unsigned int threads,
+                  const PrepareCapture& prepare);
 
 }  // namespace ScrollingCapture::Program

@@ -5,9 +5,10 @@
 
 namespace ScrollingCapture::Program {
 
-cv::Mat ReadCapture(const std::string& path) {
+CaptureImage ReadCapture(const std::string& path) {
   try {
-    return DecodeCapture(ReadFile(path));
+    const std::vector<unsigned char> file = ReadFile(path);
+    return {DecodeCapture(file), MetadataOf(file)};
   } catch (const UnusableImage& unusable) {
     throw BadInput(Quoted(path) + " " + unusable.what());
   } catch (const cv::Exception& error) {

@@ -3,11 +3,18 @@
 #include <string>
 
 #include <opencv2/core.hpp>
+#include <velscroll/output/metadata/ImageMetadata.h>
 
 namespace ScrollingCapture::Program {
 
-/// Reads an image file as a capture, see DecodeCapture. Throws BadInput when it cannot be read or
-/// is no usable image, Failed when memory runs out, and Cancelled when the user stops the work.
-cv::Mat ReadCapture(const std::string& path);
+/// What an image file holds.
+struct CaptureImage {
+  cv::Mat pixels;  ///< as DecodeCapture gives them
+  ImageMetadata metadata;
+};
+
+/// Reads an image file as a capture. Throws BadInput when it cannot be read or is no usable image,
+/// Failed when memory runs out, and Cancelled when the user stops the work.
+CaptureImage ReadCapture(const std::string& path);
 
 }  // namespace ScrollingCapture::Program

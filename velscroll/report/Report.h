@@ -20,10 +20,16 @@ struct StageSeconds {
   double writing = 0;
 };
 
+/// A part of the picture as it was written.
+struct ReportedPart {
+  std::string file;
+  cv::Size size;
+  std::vector<std::string> pieces;  ///< the files it was cut into; only itself unless it was cut
+};
+
 /// All that the report tells.
 struct ReportContent {
-  std::string resultFile;
-  cv::Size resultSize;
+  std::vector<ReportedPart> parts;
   SessionSettings settings;
   std::optional<FixedBorders> borders;
   std::vector<ReportedCapture> captures;

@@ -1,14 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <velscroll/report/Overlap.h>
-
-#include <VelScrollingCapture/core/IImageProvider.h>
 #include <VelScrollingCapture/core/Place.h>
-#include <VelScrollingCapture/core/Translation.h>
+#include <VelScrollingCapture/matching/Join.h>
 #include <VelScrollingCapture/session/SessionResult.h>
 
 namespace ScrollingCapture::Program {
@@ -16,7 +14,9 @@ namespace ScrollingCapture::Program {
 /// A capture file that was read.
 struct CaptureFile {
   std::string path;
-  bool repeated;  ///< shows the same as the last one that was kept, and was dropped
+
+  /// When it shows the same as the last one that was kept, and was dropped: how alike both are.
+  std::optional<Join> repeat;
 };
 
 /// What has become of one capture file.
@@ -29,20 +29,26 @@ struct ReportedCapture {
 
   std::string file;
   State state = Kept;
-  Place place;
-  Translation translation;  ///< from the file before; zero for a repeat and for the first file
-  std::optional<Overlap> overlap;  ///< with the last capture that was not a repeat, if there is one
+  std::size_t part = 0;  ///< of the picture, from 0 on
+  Place place;           ///< in that part
+
+  /// How it is joined to the files before; nothing for the first one.
+  std::optional<Join> join;
+
+  /// Whether captures are missing before this one, so that nothing joins its part to those before.
+  bool beginsPart = false;
+
+  /// Whether it was laid by a motion that the pixels contradict.
+  bool contradicted = false;
 };
 
 /// Puts together what is known of every file after a stitch.
-/// @param files    the files in the order they were read; the first one is no repeat
-/// @param captures the captures that were not repeats, as the stitch has left them
-/// @param placed   where those have gone
+/// @param files  the files in the order they were read; the first one is no repeat
+/// @param placed where those have gone that are no repeats
 std::vector<ReportedCapture> DescribeCaptures(const std::vector<CaptureFile>& files,
-                                              IImageProvider& captures,
                                               const std::vector<CaptureInPicture>& placed);
 
-/// One line for each pair of captures whose overlap does not agree.
+/// One line for each join that is not sure.
 std::vector<std::string> WarningsAbout(const std::vector<ReportedCapture>& captures);
 
 }  // namespace ScrollingCapture::Program

@@ -1,20 +1,19 @@
-#include <iostream>
+#include <algorithm>
 #include <optional>
 
-#include <velscroll/input/CaptureReading.h>
+#include <velscroll/files/SameFile.h>
 #include <velscroll/input/InputFiles.h>
-#include <velscroll/output/Outputs.h>
+#include <velscroll/input/JoinsFile.h>
 #include <velscroll/report/Report.h>
 #include <velscroll/report/Summary.h>
+#include <velscroll/stitch/PictureStaging.h>
+#include <velscroll/stitch/SessionReading.h>
 #include <velscroll/stitch/SpillFolder.h>
 #include <velscroll/stitch/StageClock.h>
 #include <velscroll/stitch/StitchCommand.h>
 #include <velscroll/stitch/StitchRun.h>
-#include <velscroll/terminal/Console.h>
-#include <velscroll/terminal/Failure.h>
-#include <velscroll/terminal/StreamHold.h>
 
-#include <VelScrollingCapture/session/CaptureSession.h>
+#include <VelScrollingCapture/session/SpillFileLost.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -35,29 +34,24 @@ class PrivateSettings {
   std::optional<SpillFolder> folder;
 };
 
-void RequireUsable(const std::string& file, const CaptureOutcome& outcome) {
-  if (outcome.state == CaptureOutcome::State::Unusable) {
-    throw BadInput(Quoted(file) + " " + outcome.reason);
+/// What it takes to make the results.
+struct Task {
+  SessionSettings settings;
+  bool strict;
+  CaptureFiles captures;
+};
+
+Task TaskOf(const Arguments& arguments, const std::vector<std::string>& outputs) {
+  Task task = {arguments.session, arguments.strict, {}};
+  task.captures.paths = FindCaptureFiles(arguments.captures, outputs);
+  if (!arguments.joins.empty()) {
+    task.captures.motions = ReadJoins(arguments.joins, task.captures.paths);
   }
+  return task;
 }
 
-std::vector<CaptureFile> ReadInto(CaptureSession& session, const std::vector<std::string>& files,
-                                  Console& console) {
-  std::vector<CaptureFile> read;
-  console.ShowProgress("Reading", 0);
-  ReadCaptures(files, [&](const std::string& file, const cv::Mat& capture) {
-    // The preview goes on without a capture that it cannot place, and without telling of it.
-    const StreamHold standardError(std::cerr);
-    const CaptureOutcome outcome = session.Add(capture);
-    RequireUsable(file, outcome);
-    read.push_back({file, outcome.state == CaptureOutcome::State::Repeated});
-    console.ShowProgress("Reading", static_cast<int>(100 * read.size() / files.size()));
-  });
-  return read;
-}
-
-cv::Mat PreviewOf(CaptureSession& session) {
-  const cv::Mat preview = session.Preview();
+cv::Mat PreviewOf(const CaptureSession& session) {
+  cv::Mat preview = session.Preview();
   if (preview.empty()) {
     throw BadInput(
         "--preview-size leaves less than one pixel of the preview's shorter side; choose a larger "
@@ -66,15 +60,20 @@ cv::Mat PreviewOf(CaptureSession& session) {
   return preview;
 }
 
+void RequireSureJoins(const std::vector<std::string>& warnings) {
+  if (!warnings.empty()) {
+    throw Failed(warnings.front() + "; nothing was written, as --strict asks");
+  }
+}
+
 /// Reads, stitches and stages everything; only what the report tells outlives it.
-ReportContent StageEverything(const SessionSettings& asked, const std::vector<std::string>& files,
-                              Outputs& outputs, Console& console) {
+ReportContent StageEverything(const Task& task, Outputs& outputs, Console& console) {
   ReportContent content;
-  content.settings = asked;
+  content.settings = task.settings;
   StageClock clock;
-  const PrivateSettings settings(asked);
+  const PrivateSettings settings(task.settings);
   CaptureSession session(settings.Get());
-  const std::vector<CaptureFile> read = ReadInto(session, files, console);
+  const ReadFiles read = ReadInto(session, task.captures, task.settings.threadCount, console);
   // Before the long work, since the box may turn out too small.
   const cv::Mat preview = outputs.TakesPreview() ? PreviewOf(session) : cv::Mat();
   content.seconds.reading = clock.Lap();
@@ -84,15 +83,14 @@ ReportContent StageEverything(const SessionSettings& asked, const std::vector<st
   content.seconds.composing = stitched.composingSeconds;
   content.remarks = stitched.remarks;
   content.borders = stitched.result.borders;
-  content.captures = DescribeCaptures(read, session.Captures(), stitched.result.captures);
+  content.captures = DescribeCaptures(read.files, stitched.result.captures);
   content.warnings = WarningsAbout(content.captures);
-  session.Captures().Clear();
+  if (task.strict) {
+    RequireSureJoins(content.warnings);
+  }
 
-  console.ShowProgress("Writing", 0);
   clock.Lap();
-  const Picture& picture = *stitched.result.picture;
-  content.resultSize = picture.Size();
-  outputs.StageImage(picture.Area({{0, 0}, picture.Size()}));
+  content.parts = StageParts(stitched.result.parts, read.metadata, outputs, console);
   if (outputs.TakesPreview()) {
     outputs.StagePreview(preview);
   }
@@ -100,20 +98,41 @@ ReportContent StageEverything(const SessionSettings& asked, const std::vector<st
   return content;
 }
 
+/// Pieces and parts have names that nobody has typed.
+void RequireNoCaptureOverwritten(const std::vector<ReportedPart>& parts,
+                                 const std::vector<std::string>& captures) {
+  for (const ReportedPart& part : parts) {
+    for (const std::string& piece : part.pieces) {
+      const auto isPiece = [&piece](const std::string& file) { return IsSameFile(file, piece); };
+      if (std::any_of(captures.begin(), captures.end(), isPiece)) {
+        throw Failed("the result would be written over the capture " + Quoted(piece) +
+                     "; choose another name to write to");
+      }
+    }
+  }
+}
+
 }  // namespace
 
-void RunStitchCommand(const Arguments& arguments) {
+ExitStatus RunStitchCommand(const Arguments& arguments) try {
   Outputs outputs(arguments.outputs);
-  const std::vector<std::string> files = FindCaptureFiles(arguments.captures, outputs.Names());
-  Console console(arguments.loudness, true);
-  ReportContent content = StageEverything(arguments.session, files, outputs, console);
-  content.resultFile = arguments.outputs.image;
-  outputs.StageReport(ReportText(content));
+  const Task task = TaskOf(arguments, outputs.Names());
+  Console console(arguments.loudness, !outputs.UseStandardOutput());
+  const ReportContent content = StageEverything(task, outputs, console);
+  RequireNoCaptureOverwritten(content.parts, task.captures.paths);
+  if (outputs.TakesReport()) {
+    outputs.StageReport(ReportText(content));
+  }
   outputs.Commit();
   for (const std::string& warning : content.warnings) {
     console.Warn(warning);
   }
   console.Summarize(SummaryOf(content));
+  return content.parts.size() == 1 ? Done : DoneInParts;
+} catch (const SpillFileLost&) {
+  throw Failed(
+      "a capture that was spilled to a file cannot be read back; leave the spill folder "
+      "alone, or choose another with --spill-folder");
 }
 
 }  // namespace ScrollingCapture::Program

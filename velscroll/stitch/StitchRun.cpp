@@ -1,4 +1,3 @@
-#include <iostream>
 #include <optional>
 #include <thread>
 #include <utility>
@@ -6,11 +5,10 @@
 #include <velscroll/stitch/StageClock.h>
 #include <velscroll/stitch/StitchRun.h>
 #include <velscroll/terminal/Failure.h>
+#include <velscroll/terminal/HeldMessages.h>
 #include <velscroll/terminal/Interruption.h>
-#include <velscroll/terminal/StreamHold.h>
 
 #include <VelScrollingCapture/core/IStitcherListener.h>
-#include <VelScrollingCapture/session/SpillFileLost.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -63,35 +61,20 @@ class RunListener : public IStitcherListener {
                (remarks.empty() ? std::string() : ": " + remarks.front()));
 }
 
-/// The library's messages meanwhile go to the remarks.
-std::optional<SessionResult> StitchQuietly(CaptureSession& session, RunListener& listener,
-                                           std::vector<std::string>& remarks) {
-  StreamHold standardError(std::cerr);
-  StreamHold standardOutput(std::cout);
-  std::optional<SessionResult> result = session.Stitch(&listener);
-  remarks = standardError.Lines();
-  for (const std::string& line : standardOutput.Lines()) {
-    remarks.push_back(line);
-  }
-  return result;
-}
-
 }  // namespace
 
-Stitched RunStitch(CaptureSession& session, Console& console) try {
+Stitched RunStitch(CaptureSession& session, Console& console) {
   Stitched stitched;
   RunListener listener(console);
-  std::optional<SessionResult> result = StitchQuietly(session, listener, stitched.remarks);
+  const HeldMessages messages;
+  std::optional<SessionResult> result = session.Stitch(&listener);
+  stitched.remarks = messages.Lines();
   if (!result) {
     ExplainFailure(listener, stitched.remarks);
   }
   listener.FillTimes(stitched);
   stitched.result = std::move(*result);
   return stitched;
-} catch (const SpillFileLost&) {
-  throw Failed(
-      "a capture that was spilled to a file cannot be read back; leave the spill folder alone, or "
-      "choose another with --spill-folder");
 }
 
 }  // namespace ScrollingCapture::Program

@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include <velscroll/terminal/Console.h>
+#include <velscroll/terminal/Silence.h>
 
 namespace ScrollingCapture::Program {
 
@@ -14,14 +15,20 @@ void Console::ShowProgress(const std::string& stage, int percent) { progress.Sho
 void Console::Warn(const std::string& warning) {
   if (loudness != Loudness::Nothing) {
     progress.Hide();
-    std::cerr << "velscroll: warning: " << warning << "\n" << std::flush;
+    const std::string line = "velscroll: warning: " + warning + "\n";
+    TellUser(line.data(), line.size());
   }
 }
 
 void Console::Summarize(const std::string& summary) {
   if (loudness == Loudness::All) {
     progress.Hide();
-    (usesStandardOutput ? std::cout : std::cerr) << summary << "\n";
+    const std::string line = summary + "\n";
+    if (usesStandardOutput) {
+      std::cout << line;
+    } else {
+      TellUser(line.data(), line.size());
+    }
   }
 }
 

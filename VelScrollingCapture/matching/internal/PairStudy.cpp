@@ -196,8 +196,7 @@ class PairStudyRun {
     for (const cv::Point& rival : rivals) {
       match.join.alternatives.push_back(ToTranslation(rival));
     }
-    const bool isProven =
-        finding.IsClean() && !isDrawnAnew && finding.agreeing >= StrongEvidence;
+    const bool isProven = finding.IsClean() && !isDrawnAnew && finding.agreeing >= StrongEvidence;
     match.join.verdict = !rivals.empty() ? Verdict::Doubtful
                          : isProven      ? Verdict::Proven
                                          : Verdict::Likely;
@@ -259,8 +258,7 @@ PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& lat
 }
 
 Join PreferRepetition(Join join, const Translation& stepBefore) {
-  const auto repeated =
-      std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
+  const auto repeated = std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
   if (join.verdict == Verdict::Doubtful && repeated != join.alternatives.end()) {
     std::swap(join.motion, *repeated);
   }

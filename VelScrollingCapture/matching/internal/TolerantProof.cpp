@@ -107,9 +107,8 @@ TolerantProof::TolerantProof(const cv::Mat& earlier, const cv::Mat& later)
 float TolerantProof::ResidueOf(const cv::Rect& tile, const cv::Point& motion) const {
   const cv::Rect all({0, 0}, later.size());
   const cv::Mat one = later(tile);
-  const double variance =
-      std::max(DeviationsOf(one).Variance(tile.area()),
-               DeviationsOf(earlier(tile - motion)).Variance(tile.area()));
+  const double variance = std::max(DeviationsOf(one).Variance(tile.area()),
+                                   DeviationsOf(earlier(tile - motion)).Variance(tile.area()));
   if (variance < LeastVariance) {
     return Silent;
   }
@@ -149,9 +148,9 @@ TolerantFinding TolerantProof::Examine(const cv::Point& motion) const {
     for (int column = 0; column < still.cols; ++column) {
       const float residue = finding.residues.at<float>(row, column);
       const cv::Rect tile(column * tileSide, row * tileSide, tileSide, tileSide);
-      const bool standsStill =
-          motion != cv::Point() && (Agrees(still.at<float>(row, column)) ||
-                                    (residue != Silent && Agrees(At(still, tile - motion, tileSide))));
+      const bool standsStill = motion != cv::Point() &&
+                               (Agrees(still.at<float>(row, column)) ||
+                                (residue != Silent && Agrees(At(still, tile - motion, tileSide))));
       if (residue == Silent || standsStill) {
         continue;
       }

@@ -9,7 +9,7 @@ namespace ScrollingCapture {
 /// What the tiles of two captures say about one motion, noise aside.
 struct TolerantFinding {
   cv::Point motion;
-  cv::Mat residues;    ///< for each tile, how much of its variance is left unexplained (CV_32FC1)
+  cv::Mat residues;  ///< for each tile, how much of its variance is left unexplained (CV_32FC1)
   int tilesFor = 0;
   int tilesAgainst = 0;
   int tilesExact = 0;  ///< of those for the motion, the tiles that agree in every pixel

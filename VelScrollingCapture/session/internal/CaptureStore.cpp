@@ -32,12 +32,16 @@ std::string FolderPrefix(const std::string& folder) {
 
 }  // namespace
 
-std::shared_ptr<IImageProvider> MakeCaptureStore(const SessionSettings& settings) {
-  if (!settings.memoryLimit) {
-    return std::make_shared<BasicImageProvider>();
+CaptureStore::CaptureStore(const SessionSettings& settings) {
+  if (settings.memoryLimit) {
+    limited = std::make_shared<SpilledCaptures>(FolderPrefix(settings.spillFolder),
+                                                *settings.memoryLimit);
+    captures = limited;
+  } else {
+    captures = std::make_shared<BasicImageProvider>();
   }
-  return std::make_shared<SpilledCaptures>(FolderPrefix(settings.spillFolder),
-                                           *settings.memoryLimit);
 }
+
+bool CaptureStore::ExceedsMemoryLimit() const { return limited && limited->ExceedsMemoryLimit(); }
 
 }  // namespace ScrollingCapture

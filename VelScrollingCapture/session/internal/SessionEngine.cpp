@@ -3,8 +3,9 @@
 
 namespace ScrollingCapture {
 
-std::unique_ptr<SessionEngine> MakeSessionEngine(const SessionSettings& settings) {
-  return std::make_unique<PhaseCorrelationEngine>(settings);
+std::unique_ptr<SessionEngine> MakeSessionEngine(const SessionSettings& settings,
+                                                 const std::shared_ptr<IImageProvider>& captures) {
+  return std::make_unique<PhaseCorrelationEngine>(settings, captures);
 }
 
 }  // namespace ScrollingCapture

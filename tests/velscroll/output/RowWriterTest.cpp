@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
-#include <velscroll/input/Premultiplication.h>
 #include <velscroll/output/RowWriter.h>
+#include <velscroll/pixels/Premultiplication.h>
 #include <velscroll/terminal/Failure.h>
 
 #include "ColourProfile.h"
