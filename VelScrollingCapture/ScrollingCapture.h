@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Every exported C++ class of the library.
+/// Everything that the library exports in C++.
 
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>
 #include <VelScrollingCapture/borders/BorderDetection.h>
@@ -37,6 +37,8 @@
 #include <VelScrollingCapture/session/SessionSettings.h>
 #include <VelScrollingCapture/session/SpillFileLost.h>
 #include <VelScrollingCapture/session/StitchedPicture.h>
+#include <VelScrollingCapture/seams/Layout.h>
+#include <VelScrollingCapture/seams/Seam.h>
 #include <VelScrollingCapture/similarity/RepeatFilter.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/stitching/StitcherFactory.h>
