@@ -5,7 +5,7 @@
 
 #include <VelScrollingCapture/core/internal/Grey.h>
 #include <VelScrollingCapture/detection/phase/internal/PairDetection.h>
-#include <VelScrollingCapture/detection/phase/internal/SharedSpectra.h>
+#include <VelScrollingCapture/detection/phase/internal/PairInSequence.h>
 #include <VelScrollingCapture/detection/phase/internal/SpectrumColumns.h>
 #include <VelScrollingCapture/detection/phase/internal/SurfaceRows.h>
 #include <VelScrollingCapture/detection/phase/internal/Transforms.h>
@@ -93,8 +93,8 @@ bool PairDetection::Search(const cv::Mat& first, const cv::Mat& second, PeakSear
 std::shared_ptr<const cv::Mat> PairDetection::Correlate(const cv::Mat& firstGrey,
                                                         const cv::Mat& secondGrey) const {
   const cv::Size dftSize = SizeOfTransform(firstGrey);
-  return sharedSpectra != nullptr
-             ? sharedSpectra->CorrelateImages(firstGrey, secondGrey, dftSize)
+  return pair != nullptr
+             ? pair->CorrelateImages(firstGrey, secondGrey, dftSize)
              : std::make_shared<const cv::Mat>(CorrelateImages(firstGrey, secondGrey, dftSize));
 }
 
