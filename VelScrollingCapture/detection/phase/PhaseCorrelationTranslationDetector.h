@@ -34,10 +34,8 @@ class VEL_EXPORT PhaseCorrelationTranslationDetector : public ITranslationDetect
   ///        that repeats the previous pair's
   /// @param threadCount
   ///        the most worker threads that sequence detection runs at once; at least 1, which is not
-  ///        checked: with 0 sequence detection waits for ever, so hand over std::max(count, 1U)
-  ///        where the count comes from elsewhere, such as std::thread::hardware_concurrency(),
-  ///        which may be
-  ///        0
+  ///        checked: with 0 sequence detection waits for ever. Hand over std::max(count, 1U) where
+  ///        the count comes from elsewhere; std::thread::hardware_concurrency() may be 0.
   PhaseCorrelationTranslationDetector(ScrollOrientation orientation,
                                       bool expectConsistentTranslations, unsigned int threadCount);
 
