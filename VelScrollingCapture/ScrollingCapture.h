@@ -10,6 +10,7 @@
 #include <VelScrollingCapture/core/IStitcher.h>
 #include <VelScrollingCapture/core/IStitcherListener.h>
 #include <VelScrollingCapture/core/ITranslationDetector.h>
+#include <VelScrollingCapture/core/Messages.h>
 #include <VelScrollingCapture/core/ScrollOrientation.h>
 #include <VelScrollingCapture/core/Translation.h>
 #include <VelScrollingCapture/core/Utilities.h>

@@ -13,9 +13,13 @@
 namespace ScrollingCapture {
 namespace {
 
-const cv::Size DefaultCanvas(750, 750);
+constexpr int DefaultCanvasSide = 750;
 constexpr int DefaultOrigin = 250;
 constexpr int ShrunkWidth = 250;
+
+/// PreviewBackground, for previews that are made before it is: by static initialisers of a host
+/// that contains the library.
+cv::Scalar Background() { return {0, 0, 0, 255}; }
 
 /// What AddCapture and UpdatePreview answer.
 enum AddResult : int { Laid = 0, NotMoved = 1, Failed = 3 };
@@ -55,14 +59,15 @@ struct AxisGrowth {
 };
 
 cv::Mat Grown(const cv::Mat& canvas, const AxisGrowth& rows, const AxisGrowth& columns) {
-  cv::Mat grown(Narrowed(rows.length), Narrowed(columns.length), CV_8UC4, PreviewBackground);
+  cv::Mat grown(Narrowed(rows.length), Narrowed(columns.length), CV_8UC4, Background());
   cv::Mat block(grown, rows.OldCanvas(canvas.rows), columns.OldCanvas(canvas.cols));
   canvas.copyTo(block);
   return grown;
 }
 
-/// The canvas with further rows at its end. Most pages grow this way, capture after capture: room
-/// is made for more rows than are asked for, so that the canvas is not copied for each of them.
+/// The canvas, which has pixels, with further rows at its end. Most pages grow this way, capture
+/// after capture: room is made for more rows than are asked for, so that the canvas is not copied
+/// for each of them.
 cv::Mat GrownDown(const cv::Mat& canvas, int rows) {
   cv::Size allocated;
   cv::Point origin;
@@ -74,7 +79,7 @@ cv::Mat GrownDown(const cv::Mat& canvas, int rows) {
     canvas.copyTo(grown);
   }
   grown.adjustROI(0, rows - canvas.rows, 0, 0);
-  grown.rowRange(canvas.rows, rows) = PreviewBackground;
+  grown.rowRange(canvas.rows, rows) = Background();
   return grown;
 }
 
@@ -100,10 +105,11 @@ cv::Mat ResizeImage(const cv::Mat& image, const cv::Size& size) {
   return resized;
 }
 
-PreviewImage::PreviewImage() : PreviewImage(DefaultCanvas, DefaultOrigin, DefaultOrigin) {}
+PreviewImage::PreviewImage()
+    : PreviewImage({DefaultCanvasSide, DefaultCanvasSide}, DefaultOrigin, DefaultOrigin) {}
 
 PreviewImage::PreviewImage(cv::Size size, int row, int column)
-    : preview(std::make_shared<cv::Mat>(size, CV_8UC4, PreviewBackground)),
+    : preview(std::make_shared<cv::Mat>(size, CV_8UC4, Background())),
       detector(ScrollOrientation::Both, false, 1),
       placement(std::make_shared<cv::Rect>(column, row, 0, 0)) {}
 
@@ -149,7 +155,8 @@ int PreviewImage::UpdatePreview(cv::Mat& capture, cv::Rect placement,
   CV_Assert(capture.type() == preview->type());
   const AxisGrowth rows(placement.y, placement.height, preview->rows);
   const AxisGrowth columns(placement.x, placement.width, preview->cols);
-  if (rows.grows && rows.shift == 0 && !columns.grows) {
+  const bool growsDownOnly = rows.grows && rows.shift == 0 && !columns.grows;
+  if (growsDownOnly && !preview->empty()) {
     *preview = GrownDown(*preview, Narrowed(rows.length));
   } else if (rows.grows || columns.grows) {
     *preview = Grown(*preview, rows, columns);

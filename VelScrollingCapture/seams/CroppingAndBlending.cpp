@@ -2,10 +2,10 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <vector>
 
 #include <VelScrollingCapture/core/Utilities.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -117,9 +117,15 @@ class SlantedCut {
     }
   }
 
+  /// Where single precision has no odd numbers any more, a walk may come out one past the last row
+  /// or column.
   void Reach(int x, int y) {
+    if (x > lastPoint.x) {
+      return;
+    }
+    const int row = std::min(y, lastPoint.y);
     int& cutRow = cutRows[static_cast<size_t>(x)];
-    cutRow = towardsOrigin ? std::max(cutRow, y) : std::min(cutRow, y);
+    cutRow = towardsOrigin ? std::max(cutRow, row) : std::min(cutRow, row);
   }
 
   cv::Point lastPoint;
@@ -130,24 +136,30 @@ class SlantedCut {
 /// The four bytes of a pixel as one word, which compilers turn into vector code.
 using PixelWord = std::uint32_t;
 
-PixelWord WordOf(const cv::Vec4b& pixel) {
+/// The word at `index`, which may begin at any address.
+PixelWord WordAt(const uchar* pixels, int index) {
   PixelWord word = 0;
-  std::memcpy(&word, pixel.val, sizeof(word));
+  std::memcpy(&word, pixels + sizeof(word) * static_cast<size_t>(index), sizeof(word));
   return word;
 }
 
+void SetWordAt(uchar* pixels, int index, PixelWord word) {
+  std::memcpy(pixels + sizeof(word) * static_cast<size_t>(index), &word, sizeof(word));
+}
+
 /// Rows are mostly wholly visible or wholly transparent, which is worth finding out first.
-void BlendRow(const PixelWord* source, PixelWord* target, int count) {
-  const PixelWord alphaBits = WordOf(cv::Vec4b(0, 0, 0, 255));
+void BlendRow(const uchar* source, uchar* target, int count) {
+  const PixelWord alphaBits = WordAt(cv::Vec4b(0, 0, 0, 255).val, 0);
   int visible = 0;
   for (int i = 0; i < count; ++i) {
-    visible += static_cast<int>((source[i] & alphaBits) != 0);
+    visible += static_cast<int>((WordAt(source, i) & alphaBits) != 0);
   }
   if (visible == count) {
-    std::copy_n(source, count, target);
+    std::memmove(target, source, sizeof(PixelWord) * static_cast<size_t>(count));
   } else if (visible > 0) {
     for (int i = 0; i < count; ++i) {
-      target[i] = (source[i] & alphaBits) != 0 ? source[i] : target[i];
+      const PixelWord word = WordAt(source, i);
+      SetWordAt(target, i, (word & alphaBits) != 0 ? word : WordAt(target, i));
     }
   }
 }
@@ -178,7 +190,7 @@ void Utilities::MakeColumnTransparent(cv::Mat& image, const cv::Point& start,
 void Utilities::ClipCorner(cv::Mat& image, const cv::Point& first, const cv::Point& second,
                            bool towardsOrigin) {
   if (!IsInside(image, first) || !IsInside(image, second)) {
-    std::cerr << "Points given are out of the bounds for the given matrix\n";
+    TellErrorWithoutFlush("Points given are out of the bounds for the given matrix");
     return;
   }
   if (first.x == second.x) {
@@ -238,12 +250,13 @@ void Utilities::CropCaptureImage(cv::Mat& capture, const Translation& translatio
 void Utilities::BlendImages(const cv::Mat& source, cv::Mat& target, const cv::Range& targetRows,
                             const cv::Range& targetColumns) {
   if (Length(targetRows) != source.rows || Length(targetColumns) != source.cols) {
-    std::cerr << "The Ranges provided must be the same width and heigh as the source image\n";
+    TellErrorWithoutFlush(
+        "The Ranges provided must be the same width and heigh as the source image");
     return;
   }
   if (targetRows.start < 0 || targetColumns.start < 0 || targetRows.end > target.rows ||
       targetColumns.end > target.cols) {
-    std::cerr << "The Ranges provided must be within the bounds of the target image\n";
+    TellErrorWithoutFlush("The Ranges provided must be within the bounds of the target image");
     return;
   }
   if (source.type() != CV_8UC4 || target.type() != CV_8UC4) {
@@ -251,8 +264,7 @@ void Utilities::BlendImages(const cv::Mat& source, cv::Mat& target, const cv::Ra
     return;
   }
   for (int row = 0; row < source.rows; ++row) {
-    BlendRow(source.ptr<PixelWord>(row),
-             target.ptr<PixelWord>(targetRows.start + row, targetColumns.start), source.cols);
+    BlendRow(source.ptr(row), target.ptr(targetRows.start + row, targetColumns.start), source.cols);
   }
 }
 

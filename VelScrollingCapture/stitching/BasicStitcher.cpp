@@ -1,8 +1,9 @@
 #include <cstdint>
-#include <iostream>
 #include <utility>
 
 #include <VelScrollingCapture/core/Utilities.h>
+#include <VelScrollingCapture/core/internal/Completion.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/core/internal/Narrowing.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
@@ -11,12 +12,6 @@ namespace ScrollingCapture {
 namespace {
 
 constexpr double DetectionShareOfProgress = 0.9;
-
-void NotifyCompletion(IStitcherListener* listener, bool notifyCompletion, bool success) {
-  if (listener != nullptr && notifyCompletion) {
-    listener->StitchingComplete(success);
-  }
-}
 
 void NotifyError(IStitcherListener* listener, int code) {
   if (listener != nullptr) {
@@ -50,6 +45,19 @@ int BuildProgress(size_t index, size_t count, int progressStart, int progressEnd
   const float step =
       static_cast<float>(Distance(progressStart, progressEnd)) / static_cast<float>(count);
   return TruncateToInt(static_cast<float>(index) * step + static_cast<float>(progressStart));
+}
+
+/// The stitch of a single capture. It is fetched first: the listener hears of the end of the work
+/// only when there is a result.
+bool ShareOnlyCapture(IImageProvider& provider, cv::Mat& result, IStitcherListener* listener,
+                      int progressEnd) {
+  const cv::Mat capture = *provider.GetImageAt(0);
+  if (listener != nullptr && !listener->ProgressCallback(progressEnd)) {
+    NotifyError(listener, IStitcherListener::Cancelled);
+    return false;
+  }
+  result = capture;
+  return true;
 }
 
 /// How far the captures reach along one axis, as they are placed one after another. Wider than any
@@ -102,43 +110,33 @@ BasicStitcher::BasicStitcher(std::shared_ptr<ITranslationDetector> detector)
 
 bool BasicStitcher::Stitch(IImageProvider& provider, cv::Mat& result, IStitcherListener* listener,
                            int progressStart, int progressEnd, bool notifyCompletion) {
-  const size_t count = provider.Count();
-  if (count == 0) {
-    std::cerr << "Error: No images in provider passed to Stitch()." << std::endl;
-    NotifyError(listener, IStitcherListener::NoImages);
-    NotifyCompletion(listener, notifyCompletion, false);
-    return false;
-  }
-  if (count == 1) {
-    const bool accepted = listener == nullptr || listener->ProgressCallback(progressEnd);
-    if (accepted) {
-      result = *provider.GetImageAt(0);
-    } else {
-      NotifyError(listener, IStitcherListener::Cancelled);
+  return AnnounceCompletion(listener, notifyCompletion, [&] {
+    const size_t count = provider.Count();
+    if (count == 0) {
+      TellError("Error: No images in provider passed to Stitch().");
+      NotifyError(listener, IStitcherListener::NoImages);
+      return false;
     }
-    NotifyCompletion(listener, notifyCompletion, accepted);
-    return accepted;
-  }
+    if (count == 1) {
+      return ShareOnlyCapture(provider, result, listener, progressEnd);
+    }
 
-  captureSize = std::make_shared<cv::Size>(provider.GetImageAt(0)->size());
-  imageType = provider.GetImageAt(0)->type();
-  const int middle = DetectionEnd(progressStart, progressEnd);
-  translations = detector->DetectTranslation(provider, listener, progressStart, middle);
-  if (translations.empty()) {
-    std::cerr << "Error: Failed to detect translations." << std::endl;
-    NotifyCompletion(listener, notifyCompletion, false);
-    return false;
-  }
-
-  cv::Mat composed;
-  const bool built = BuildResultImage(provider, composed, listener, middle, progressEnd);
-  if (built) {
+    captureSize = std::make_shared<cv::Size>(provider.GetImageAt(0)->size());
+    imageType = provider.GetImageAt(0)->type();
+    const int middle = DetectionEnd(progressStart, progressEnd);
+    translations = detector->DetectTranslation(provider, listener, progressStart, middle);
+    if (translations.empty()) {
+      TellError("Error: Failed to detect translations.");
+      return false;
+    }
+    cv::Mat composed;
+    if (!BuildResultImage(provider, composed, listener, middle, progressEnd)) {
+      TellError("Error: Failed to build the Result image.");
+      return false;
+    }
     result = composed;
-  } else {
-    std::cerr << "Error: Failed to build the Result image." << std::endl;
-  }
-  NotifyCompletion(listener, notifyCompletion, built);
-  return built;
+    return true;
+  });
 }
 
 std::vector<Translation> BasicStitcher::GetTranslations() const { return translations; }
@@ -150,7 +148,7 @@ bool BasicStitcher::BuildResultImage(IImageProvider& provider, cv::Mat& result,
   cv::Rect placement;
   const int code = SizeResultImage(canvas, placement);
   if (code != 0) {
-    std::cerr << "Error: Failed to size the resulting image." << std::endl;
+    TellError("Error: Failed to size the resulting image.");
     NotifyError(listener, code);
     return false;
   }
@@ -191,7 +189,7 @@ int BasicStitcher::SizeResultImage(cv::Mat& image, cv::Rect& placement) {
 
 bool BasicStitcher::CalcResultImage(cv::Rect& placement, cv::Size& size) {
   if (translations.empty()) {
-    std::cerr << "Error: No translations in list." << std::endl;
+    TellError("Error: No translations in list.");
     return false;
   }
   AxisExtent rows(captureSize->height);

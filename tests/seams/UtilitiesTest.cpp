@@ -1,8 +1,10 @@
+#include <cstdint>
 #include <cstdlib>
 #include <iostream>
 #include <limits>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <testkit/MatrixTesting.h>
@@ -160,6 +162,15 @@ TEST(ClipCorner, EndsWhereStepsAreTooSmallForSinglePrecision) {
   EXPECT_EQ(image.at<uchar>(row - 1, 50), 9);
 }
 
+TEST(ClipCorner, StaysInsideOfColumnsThatSinglePrecisionRoundsUp) {
+  // The last column is 2^24 + 3, and the number of columns is the nearest in single precision.
+  constexpr int Columns = (1 << 24) + 4;
+  cv::Mat image(2, Columns, CV_8UC1, cv::Scalar(9));
+  Utilities::ClipCorner(image, {Columns - 1, 0}, {0, 1}, true);
+  EXPECT_EQ(image.at<uchar>(0, Columns - 1), 0);
+  EXPECT_EQ(image.at<uchar>(1, Columns - 1), 9);
+}
+
 TEST(ClipCorner, WritesIntoTheRegionOfALargerImageOnly) {
   cv::Mat whole = NoiseCapture({40, 30}, 8);
   cv::Mat expected = whole.clone();
@@ -272,6 +283,36 @@ TEST(BlendImages, EqualsAMaskedCopyForRandomAlpha) {
     Utilities::BlendImages(source, target, rows, columns);
     Testing::ReferenceBlendImages(source, expected, rows, columns);
     ASSERT_TRUE(SameBits(target, expected));
+  }
+}
+
+/// A copy of `image` whose first pixel lies `offset` bytes behind an address for words.
+class UnalignedCopy {
+ public:
+  UnalignedCopy(const cv::Mat& image, size_t offset)
+      : bytes(image.total() * image.elemSize() + offset),
+        view(image.rows, image.cols, image.type(), bytes.data() + offset) {
+    image.copyTo(view);
+  }
+
+  cv::Mat& View() { return view; }
+
+ private:
+  std::vector<uchar> bytes;
+  cv::Mat view;
+};
+
+TEST(BlendImages, TakesPixelsAtAnyAddress) {
+  cv::Mat source = NoiseCapture({9, 5}, 17);
+  source(cv::Rect(2, 1, 3, 2)).setTo(cv::Scalar(0, 0, 0, 0));
+  const cv::Mat target = NoiseCapture({12, 8}, 18);
+  cv::Mat expected = target.clone();
+  Testing::ReferenceBlendImages(source, expected, {2, 7}, {1, 10});
+  for (size_t offset = 0; offset < sizeof(std::uint32_t); ++offset) {
+    UnalignedCopy unalignedSource(source, offset);
+    UnalignedCopy unalignedTarget(target, sizeof(std::uint32_t) - offset);
+    Utilities::BlendImages(unalignedSource.View(), unalignedTarget.View(), {2, 7}, {1, 10});
+    EXPECT_TRUE(SameBits(unalignedTarget.View(), expected)) << offset;
   }
 }
 
