@@ -1,10 +1,10 @@
 #include <cstdint>
-#include <iostream>
 #include <memory>
 #include <utility>
 
 #include <opencv2/core.hpp>
 
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/detection/internal/SequenceDetection.h>
 
@@ -37,7 +37,7 @@ SequenceDetection::SequenceDetection(DetectPair detectPair, IImageProvider& imag
 std::vector<Translation> SequenceDetection::Run() {
   const size_t count = images.Count();
   if (count < 2) {
-    std::cerr << "Error: Not enough images in the IImageProvider." << std::endl;
+    TellError("Error: Not enough images in the IImageProvider.");
     return {};
   }
   const size_t pairs = count - 1;

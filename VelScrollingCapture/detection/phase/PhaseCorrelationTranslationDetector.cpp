@@ -1,5 +1,4 @@
-#include <iostream>
-
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/detection/internal/SequenceDetection.h>
 #include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
 #include <VelScrollingCapture/detection/phase/internal/PairDetection.h>
@@ -62,7 +61,7 @@ bool PhaseCorrelationTranslationDetector::PerformDFT(const cv::Mat& source, cv::
     spectrum = FullSpectrum(source, dftSize);
     return true;
   } catch (const FailedTransform&) {
-    std::cerr << "Error: PerformDFT failed." << std::endl;
+    TellError("Error: PerformDFT failed.");
     return false;
   }
 }
@@ -73,7 +72,7 @@ bool PhaseCorrelationTranslationDetector::PerformIDFT(const cv::Mat& spectrum,
     surface = InverseOfFullSpectrum(spectrum);
     return true;
   } catch (const FailedTransform&) {
-    std::cerr << "Error: PerformIDFT failed." << std::endl;
+    TellError("Error: PerformIDFT failed.");
     return false;
   }
 }

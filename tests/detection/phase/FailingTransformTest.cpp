@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <opencv2/core.hpp>
 #include <testkit/MatrixTesting.h>
+#include <testkit/MessageCapture.h>
 #include <testkit/OpenDetector.h>
 #include <testkit/RecordingListener.h>
 #include <testkit/StreamCapture.h>
@@ -70,6 +71,18 @@ TEST_P(FailingTransform, LeavesTheAlternativeUntouched) {
             Translation(0, 0));
   EXPECT_EQ(alternative, Translation(7, 9));
   EXPECT_EQ(errors.Text(), GetParam().lines + NoSurfaceLine);
+}
+
+TEST_P(FailingTransform, IsToldToAHostThatTakesTheMessages) {
+  const Testing::MessageCapture messages;
+  detector.DetectTranslation(first, second);
+  std::string lines;
+  for (const auto& [kind, text] : messages.Messages()) {
+    EXPECT_EQ(kind, MessageKind::Error);
+    lines += text + "\n";
+  }
+  EXPECT_EQ(lines, GetParam().lines + NoSurfaceLine);
+  EXPECT_EQ(errors.Text(), "");
 }
 
 TEST_P(FailingTransform, DoesNotHideACaptureThatCannotBeTurnedToGrey) {

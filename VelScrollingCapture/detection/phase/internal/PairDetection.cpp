@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <iostream>
 #include <memory>
 #include <vector>
 
 #include <VelScrollingCapture/core/internal/Grey.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/detection/phase/internal/PairDetection.h>
 #include <VelScrollingCapture/detection/phase/internal/PairInSequence.h>
 #include <VelScrollingCapture/detection/phase/internal/SpectrumColumns.h>
@@ -85,7 +85,7 @@ bool PairDetection::Search(const cv::Mat& first, const cv::Mat& second, PeakSear
     return true;
   } catch (const FailedTransform& failure) {
     ReportFailedTransform(failure);
-    std::cerr << "Failed to create correlation matrix." << std::endl;
+    TellError("Failed to create correlation matrix.");
     return false;
   }
 }
