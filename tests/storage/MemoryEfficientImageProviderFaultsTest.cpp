@@ -8,13 +8,13 @@
 #include <sys/stat.h>
 #include <testkit/SpillTesting.h>
 #include <testkit/TemporaryFolder.h>
-#include <testkit/faults/FailingAllocator.h>
+#include <testkit/faults/FailingMemory.h>
 
 namespace ScrollingCapture {
 namespace {
 
 using Testing::AddAll;
-using Testing::FailingAllocator;
+using Testing::FailingMemory;
 using Testing::LoadedCount;
 using Testing::NoiseCaptures;
 using Testing::ReadFile;
@@ -175,7 +175,7 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesOnDiskWhileThereIsNo
   AddAll(provider, captures);
   ASSERT_FALSE(provider.IsMatLoaded(0));
   {
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingMemory memory;
     try {
       provider.GetImageAt(0);
       ADD_FAILURE() << "was read";
@@ -194,7 +194,7 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesLoadedThatCannotBeCo
   MemoryEfficientImageProvider provider(folder.Prefix(), 0);
   provider.Add(withGaps);
   {
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingMemory memory;
     EXPECT_FALSE(provider.UnloadMat());
   }
   EXPECT_TRUE(provider.IsMatLoaded(0));

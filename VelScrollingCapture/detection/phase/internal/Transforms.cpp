@@ -1,5 +1,4 @@
-#include <iostream>
-
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/detection/phase/internal/Transforms.h>
 
 namespace ScrollingCapture {
@@ -24,11 +23,11 @@ void ReduceToSigns(cv::Mat& spectrum) {
 
 void ReportFailedTransform(const FailedTransform& failure) {
   if (failure.inverse) {
-    std::cerr << "Error: PerformIDFT failed." << std::endl;
-    std::cerr << "Error: Failed to perform IDFT." << std::endl;
+    TellError("Error: PerformIDFT failed.");
+    TellError("Error: Failed to perform IDFT.");
   } else {
-    std::cerr << "Error: PerformDFT failed." << std::endl;
-    std::cerr << "Error: Failed to perform DFT." << std::endl;
+    TellError("Error: PerformDFT failed.");
+    TellError("Error: Failed to perform DFT.");
   }
 }
 
