@@ -7,7 +7,14 @@ namespace ScrollingCapture {
 namespace {
 
 /// The least number of cells that say anything at all.
-constexpr int LeastAgreeing = 12;
+constexpr int LeastUnique = 12;
+
+/// A contradiction may outweigh what is unique so many times, when what agrees outweighs it.
+constexpr int MostTilesAgainst = 3;
+
+/// Where nothing is unique, contradictions are a smaller part of what agrees.
+constexpr int LeastContradiction = 64;
+constexpr int LeastPossible = 24;
 
 /// Parts that stand still may outweigh the content that moves so many times.
 constexpr int MostStanding = 16;
@@ -17,6 +24,9 @@ constexpr int SmallContradiction = 8;
 
 /// The least number of cells by which a motion explains more than another one.
 constexpr int LeastWin = 4;
+
+/// Bars at an edge take at most one of so many parts of a window.
+constexpr int EdgeParts = 6;
 
 constexpr int MostTileCells = 4;
 
@@ -39,7 +49,7 @@ bool IsMarkedInEarlier(const cv::Mat& marks, const cv::Rect& pixels) {
   return false;
 }
 
-cv::Mat AgreeingCells(const std::vector<Match>& matches, const cv::Point& motion,
+cv::Mat UniqueCells(const std::vector<Match>& matches, const cv::Point& motion,
                       const cv::Size& cells) {
   cv::Mat agreeing = cv::Mat::zeros(cells, CV_8UC1);
   for (const Match& match : matches) {
@@ -73,30 +83,59 @@ cv::Mat ContradictingCells(const Comparison& comparison, const cv::Point& motion
   return contradicting;
 }
 
-void CountTiles(const cv::Mat& agreeing, const cv::Mat& contradicting, int tileCells,
-                Finding& finding) {
-  const cv::Rect all({0, 0}, agreeing.size());
-  for (int row = 0; row < all.height; row += tileCells) {
-    for (int column = 0; column < all.width; column += tileCells) {
-      const cv::Rect tile = cv::Rect(column, row, tileCells, tileCells) & all;
-      const int pro = cv::countNonZero(agreeing(tile));
-      const int contra = cv::countNonZero(contradicting(tile));
-      finding.agreeing += pro;
-      finding.contradicting += contra;
-      finding.tilesFor += static_cast<int>(pro > contra);
-      finding.tilesAgainst += static_cast<int>(contra > 0 && contra >= pro);
+/// The cells with detail that agree and do not stand still.
+cv::Mat AgreeingCells(const Comparison& comparison, const cv::Mat& detailed,
+                      const StandingParts& parts) {
+  cv::Mat agreeing = cv::Mat::zeros(detailed.size(), CV_8UC1);
+  const cv::Point first =
+      (comparison.overlap.tl() + cv::Point(CellSide - 1, CellSide - 1)) / CellSide;
+  const cv::Point end = comparison.overlap.br() / CellSide;
+  if (first.x < end.x && first.y < end.y) {
+    const cv::Rect whole(first, end);
+    agreeing(whole) = detailed(whole) & (comparison.unequal(whole) == 0) & (parts.later(whole) == 0);
+  }
+  return agreeing;
+}
+
+/// Squares of cells where one kind of cell outweighs another one, and the other way round.
+struct Tiles {
+  int more = 0;
+  int notMore = 0;
+};
+
+Tiles CompareTiles(const cv::Mat& one, const cv::Mat& other, int tileCells, const cv::Rect& part) {
+  Tiles tiles;
+  for (int row = part.y; row < part.br().y; row += tileCells) {
+    for (int column = part.x; column < part.br().x; column += tileCells) {
+      const cv::Rect tile = cv::Rect(column, row, tileCells, tileCells) & part;
+      const int left = cv::countNonZero(one(tile));
+      const int right = cv::countNonZero(other(tile));
+      tiles.more += static_cast<int>(left > right);
+      tiles.notMore += static_cast<int>(right > 0 && right >= left);
     }
   }
+  return tiles;
 }
+
+cv::Rect AllOf(const cv::Mat& cells) { return {{0, 0}, cells.size()}; }
 
 }  // namespace
 
-bool Finding::IsPlausible() const {
-  return agreeing >= LeastAgreeing && tilesFor >= tilesAgainst &&
-         agreeing * MostStanding >= standing;
+bool Finding::IsClean() const { return contradicting * SmallContradiction <= unique; }
+
+bool Finding::IsPossible() const {
+  return agreeing >= LeastPossible && standing <= agreeing &&
+         contradicting * LeastContradiction <= agreeing;
 }
 
-bool Finding::IsClean() const { return contradicting * SmallContradiction <= agreeing; }
+const cv::Mat& ExactProof::Detailed() const {
+  if (detailed.empty()) {
+    const cv::Mat across = Compare(later, later, {1, 0}, Vectors::Widest).unequal;
+    const cv::Mat down = Compare(later, later, {0, 1}, Vectors::Widest).unequal;
+    detailed = (across > 0) & (down > 0);
+  }
+  return detailed;
+}
 
 Finding ExactProof::Examine(const cv::Point& motion) const {
   Finding finding;
@@ -105,9 +144,42 @@ Finding ExactProof::Examine(const cv::Point& motion) const {
   const StandingParts parts = FindStandingParts(matches, motion, later.size());
   const cv::Mat contradicting =
       ContradictingCells(finding.comparison, motion, parts, finding.standing);
-  CountTiles(AgreeingCells(matches, motion, contradicting.size()), contradicting,
-             TileCells(later.size()), finding);
+  cv::Mat unique = UniqueCells(matches, motion, contradicting.size());
+  finding.unique = cv::countNonZero(unique);
+  finding.contradicting = cv::countNonZero(contradicting);
+  if (finding.unique * MostStanding < finding.standing) {
+    return finding;
+  }
+  const int tileCells = TileCells(later.size());
+  const Tiles first = CompareTiles(unique, contradicting, tileCells, AllOf(unique));
+  finding.isPlausible = finding.unique >= LeastUnique && first.more >= first.notMore;
+  if (!finding.isPlausible) {
+    const cv::Mat agreeing = AgreeingCells(finding.comparison, Detailed(), parts);
+    finding.agreeing = cv::countNonZero(agreeing);
+    unique &= agreeing;
+    const Tiles byUnique = CompareTiles(unique, contradicting, tileCells, AllOf(unique));
+    const Tiles byAgreeing = CompareTiles(agreeing, contradicting, tileCells, AllOf(unique));
+    finding.isPlausible = cv::countNonZero(unique) >= LeastUnique &&
+                          byAgreeing.more >= 2 * byAgreeing.notMore &&
+                          byUnique.more * MostTilesAgainst >= byAgreeing.notMore;
+  }
   return finding;
+}
+
+bool ExactProof::StandsStill() const {
+  const Comparison comparison = Compare(earlier, later, {}, Vectors::Widest);
+  const StandingParts none = FindStandingParts({}, {}, later.size());
+  int standing = 0;
+  const cv::Mat contradicting = ContradictingCells(comparison, {}, none, standing);
+  const cv::Mat agreeing = AgreeingCells(comparison, Detailed(), none);
+  const auto agreesEnough = [&](const cv::Rect& part) {
+    const Tiles tiles = CompareTiles(agreeing, contradicting, TileCells(later.size()), part);
+    return 2 * tiles.more >= 3 * tiles.notMore;
+  };
+  const cv::Point margin(agreeing.cols / EdgeParts, agreeing.rows / EdgeParts);
+  const cv::Rect interior(margin, cv::Point(agreeing.size()) - margin);
+  return cv::countNonZero(UniqueCells(matches, {}, agreeing.size())) >= LeastUnique &&
+         agreesEnough(AllOf(agreeing)) && agreesEnough(interior);
 }
 
 bool ExactProof::Beats(const cv::Point& motion, const cv::Point& rival) const {
@@ -118,8 +190,8 @@ bool ExactProof::Beats(const cv::Point& motion, const cv::Point& rival) const {
   std::copy_if(matches.begin(), matches.end(), std::back_inserter(shared), [&](const Match& match) {
     return (overlap & cv::Rect(match.place, patch)).size() == patch;
   });
-  const int wins = cv::countNonZero(AgreeingCells(shared, motion, cells));
-  const int losses = cv::countNonZero(AgreeingCells(shared, rival, cells));
+  const int wins = cv::countNonZero(UniqueCells(shared, motion, cells));
+  const int losses = cv::countNonZero(UniqueCells(shared, rival, cells));
   return wins >= LeastWin && wins >= 2 * losses;
 }
 

@@ -13,17 +13,19 @@ namespace ScrollingCapture {
 struct Finding {
   cv::Point motion;
   Comparison comparison;
-  int agreeing = 0;       ///< cells whose content is seen once in either capture, and moved so
+  int unique = 0;         ///< cells whose content is seen once in either capture, and moved so
+  int agreeing = 0;       ///< cells with detail that agree, unique or not
   int contradicting = 0;  ///< cells that disagree without an excuse
   int standing = 0;       ///< cells that disagree since a part stands still there
-  int tilesFor = 0;       ///< squares of cells where agreement outweighs contradiction
-  int tilesAgainst = 0;   ///< and the others of those that say anything
 
   /// Whether the motion may be the content's.
-  bool IsPlausible() const;
+  bool isPlausible = false;
 
   /// Whether what disagrees is small beside what agrees.
   bool IsClean() const;
+
+  /// Whether hardly anything disagrees, so that the motion is possible where nothing is unique.
+  bool IsPossible() const;
 };
 
 /// Tries motions on the pixels of two captures.
@@ -35,13 +37,19 @@ class ExactProof {
 
   Finding Examine(const cv::Point& motion) const;
 
+  /// Whether nothing moved: what agrees is not only bars at the window's edges.
+  bool StandsStill() const;
+
   /// Whether `motion` explains clearly more than `rival` of what both might explain.
   bool Beats(const cv::Point& motion, const cv::Point& rival) const;
 
  private:
+  const cv::Mat& Detailed() const;
+
   const cv::Mat& earlier;
   const cv::Mat& later;
   const std::vector<Match>& matches;
+  mutable cv::Mat detailed;  ///< the cells that have detail, once they are asked for
 };
 
 }  // namespace ScrollingCapture

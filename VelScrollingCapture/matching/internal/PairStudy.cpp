@@ -68,17 +68,15 @@ class PairStudyRun {
     const auto same = std::find(join.alternatives.begin(), join.alternatives.end(), prescribed);
     if (same != join.alternatives.end()) {
       *same = join.motion;
-    } else if (proof.Examine(motion).IsPlausible()) {
+    } else if (proof.Examine(motion).isPlausible) {
       join.alternatives.assign(join.verdict == Verdict::None ? 0 : 1, join.motion);
       join.verdict = join.alternatives.empty() ? Verdict::Likely : Verdict::Doubtful;
     } else {
       join.alternatives.clear();
       join.verdict = Verdict::None;
     }
-    const Comparison comparison = Compare(earlierKeys, laterKeys, motion, Vectors::Widest);
     join.motion = prescribed;
-    join.compared = comparison.Compared();
-    join.equal = comparison.equal;
+    Measure(motion, join);
     found.evidence.clear();
     return found;
   }
@@ -100,32 +98,76 @@ class PairStudyRun {
     const TolerantProof tolerant(earlierGrey, laterGrey);
     std::vector<TolerantFinding> plausible;
     for (const cv::Point& motion : TolerantCandidates(earlierGrey, laterGrey)) {
+      AddPlausible(tolerant, motion, plausible);
+    }
+    if (plausible.empty()) {
+      return {};
+    }
+    AddPeriods(tolerant, laterGrey, plausible);
+    const std::size_t best = BestOf(plausible);
+    PairMatch match;
+    match.join.verdict = Verdict::Likely;
+    match.join.motion = ToTranslation(plausible[best].motion);
+    for (const TolerantFinding& rival : plausible) {
+      if (!IsExcused(rival.motion, plausible[best].motion) &&
+          !TolerantProof::Beats(plausible[best], rival)) {
+        match.join.verdict = Verdict::Doubtful;
+        match.join.alternatives.push_back(ToTranslation(rival.motion));
+      }
+    }
+    Measure(plausible[best].motion, match.join);
+    return match;
+  }
+
+  static void AddPlausible(const TolerantProof& tolerant, const cv::Point& motion,
+                           std::vector<TolerantFinding>& plausible) {
+    const bool isKnown = std::any_of(plausible.begin(), plausible.end(),
+                                     [&](const auto& known) { return known.motion == motion; });
+    if (!isKnown) {
       TolerantFinding finding = tolerant.Examine(motion);
       if (finding.IsPlausible()) {
         plausible.push_back(std::move(finding));
       }
     }
-    if (plausible.empty()) {
-      return {};
+  }
+
+  /// Where content repeats itself within a capture, the next repetitions are tried as well.
+  void AddPeriods(const TolerantProof& tolerant, const cv::Mat& laterGrey,
+                  std::vector<TolerantFinding>& plausible) const {
+    const cv::Point motion = plausible[BestOf(plausible)].motion;
+    for (const cv::Point& period :
+         CorrelationCandidates(laterGrey, laterGrey, settings.orientation)) {
+      AddPlausible(tolerant, motion + period, plausible);
     }
+  }
+
+  /// The finding that beats most of the others, and of equal ones that which explains most.
+  static std::size_t BestOf(const std::vector<TolerantFinding>& findings) {
+    const auto wins = [&](const TolerantFinding& one) {
+      return std::count_if(findings.begin(), findings.end(), [&](const TolerantFinding& other) {
+        return AreClose(one.motion, other.motion) ? one.explained > other.explained
+                                                  : TolerantProof::Beats(one, other);
+      });
+    };
     const auto best = std::max_element(
-        plausible.begin(), plausible.end(),
-        [](const auto& left, const auto& right) { return left.tilesFor < right.tilesFor; });
-    PairMatch match;
-    match.join.verdict = Verdict::Likely;
-    match.join.motion = ToTranslation(best->motion);
-    for (const TolerantFinding& rival : plausible) {
-      const cv::Point distance = rival.motion - best->motion;
-      if (std::max(std::abs(distance.x), std::abs(distance.y)) > 2 &&
-          !IsPartOf(rival.motion, best->motion) && !TolerantProof::Beats(*best, rival)) {
-        match.join.verdict = Verdict::Doubtful;
-        match.join.alternatives.push_back(ToTranslation(rival.motion));
-      }
-    }
-    const Comparison comparison = Compare(earlierKeys, laterKeys, best->motion, Vectors::Widest);
-    match.join.compared = comparison.Compared();
-    match.join.equal = comparison.equal;
-    return match;
+        findings.begin(), findings.end(), [&](const auto& left, const auto& right) {
+          return std::pair(wins(left), left.explained) < std::pair(wins(right), right.explained);
+        });
+    return static_cast<std::size_t>(best - findings.begin());
+  }
+
+  static bool AreClose(const cv::Point& one, const cv::Point& other) {
+    return std::max(std::abs(one.x - other.x), std::abs(one.y - other.y)) <= 2;
+  }
+
+  static bool IsExcused(const cv::Point& rival, const cv::Point& motion) {
+    return AreClose(rival, motion) || IsPartOf(rival, motion);
+  }
+
+  void Measure(const cv::Point& motion, Join& join) const {
+    const Comparison comparison = Compare(earlierKeys, laterKeys, motion, Vectors::Widest);
+    join.compared = comparison.Compared();
+    join.equal = comparison.equal;
   }
 
   std::vector<cv::Point> TolerantCandidates(const cv::Mat& earlierGrey,
@@ -151,21 +193,20 @@ class PairStudyRun {
     }
     if (!candidates.empty() && candidates.front().motion == cv::Point()) {
       const Finding still = proof.Examine({});
-      if (still.IsPlausible() && still.IsClean()) {
+      if (still.isPlausible && still.IsClean()) {
         return Accept(still, {}, false);
       }
     }
     for (const CountedMotion& candidate : candidates) {
       if (candidate.motion != cv::Point()) {
         const Finding finding = proof.Examine(candidate.motion);
-        if (finding.IsPlausible()) {
+        if (finding.isPlausible) {
           return Judge(finding, candidates);
         }
       }
     }
-    const Finding still = proof.Examine({});
-    if (still.IsPlausible() && still.tilesFor >= 2 * still.tilesAgainst) {
-      return Accept(still, {}, false);
+    if (proof.StandsStill()) {
+      return Accept(proof.Examine({}), {}, false);
     }
     return std::nullopt;
   }
@@ -181,7 +222,7 @@ class PairStudyRun {
       }
       if (AreNeighbours(rival, finding.motion)) {
         isDrawnAnew = true;
-      } else if (proof.Examine(rival).IsPlausible()) {
+      } else if (proof.Examine(rival).isPlausible) {
         rivals.push_back(rival);
       }
     }
@@ -196,7 +237,8 @@ class PairStudyRun {
     for (const cv::Point& rival : rivals) {
       match.join.alternatives.push_back(ToTranslation(rival));
     }
-    const bool isProven = finding.IsClean() && !isDrawnAnew && finding.agreeing >= StrongEvidence;
+    const bool isProven =
+        finding.IsClean() && !isDrawnAnew && finding.unique >= StrongEvidence;
     match.join.verdict = !rivals.empty() ? Verdict::Doubtful
                          : isProven      ? Verdict::Proven
                                          : Verdict::Likely;
@@ -215,7 +257,7 @@ class PairStudyRun {
     std::vector<Finding> survivors;
     for (std::size_t i = 0; i < std::min(candidates.size(), MostRepeatedCandidates); ++i) {
       Finding finding = proof.Examine(candidates[i].motion);
-      if (finding.comparison.equal * 100 >= finding.comparison.Compared() * 99) {
+      if (finding.IsPossible()) {
         survivors.push_back(std::move(finding));
       }
     }
@@ -226,7 +268,7 @@ class PairStudyRun {
       return IsSmaller(left.motion, right.motion);
     });
     PairMatch match;
-    match.join.verdict = Verdict::Doubtful;
+    match.join.verdict = survivors.size() > 1 ? Verdict::Doubtful : Verdict::Likely;
     match.join.motion = ToTranslation(survivors.front().motion);
     match.join.compared = survivors.front().comparison.Compared();
     match.join.equal = survivors.front().comparison.equal;
@@ -258,7 +300,8 @@ PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& lat
 }
 
 Join PreferRepetition(Join join, const Translation& stepBefore) {
-  const auto repeated = std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
+  const auto repeated =
+      std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
   if (join.verdict == Verdict::Doubtful && repeated != join.alternatives.end()) {
     std::swap(join.motion, *repeated);
   }

@@ -102,9 +102,13 @@ bool TolerantFinding::IsPlausible() const {
 }
 
 TolerantProof::TolerantProof(const cv::Mat& earlier, const cv::Mat& later)
-    : earlier(earlier), later(later), tileSide(TileSide(later.size())), still(Residues({0, 0})) {}
+    : earlier(earlier), later(later), tileSide(TileSide(later.size())) {
+  double explained = 0;
+  still = Residues({0, 0}, explained);
+}
 
-float TolerantProof::ResidueOf(const cv::Rect& tile, const cv::Point& motion) const {
+float TolerantProof::ResidueOf(const cv::Rect& tile, const cv::Point& motion,
+                               double& explained) const {
   const cv::Rect all({0, 0}, later.size());
   const cv::Mat one = later(tile);
   const double variance = std::max(DeviationsOf(one).Variance(tile.area()),
@@ -117,6 +121,7 @@ float TolerantProof::ResidueOf(const cv::Rect& tile, const cv::Point& motion) co
                               variance);
   };
   float least = residueAt(tile - motion);
+  explained += std::max(0.0F, MostResidue - least);
   for (int jitter = 0; jitter < 9 && least > MostResidue; ++jitter) {
     const cv::Rect place = tile - motion + cv::Point(jitter % 3 - 1, jitter / 3 - 1);
     if ((place & all) == place) {
@@ -126,14 +131,14 @@ float TolerantProof::ResidueOf(const cv::Rect& tile, const cv::Point& motion) co
   return least;
 }
 
-cv::Mat TolerantProof::Residues(const cv::Point& motion) const {
+cv::Mat TolerantProof::Residues(const cv::Point& motion, double& explained) const {
   cv::Mat residues(later.rows / tileSide, later.cols / tileSide, CV_32FC1, cv::Scalar(Silent));
   const cv::Rect overlap = OverlapOf(later.size(), motion);
   for (int row = 0; row < residues.rows; ++row) {
     for (int column = 0; column < residues.cols; ++column) {
       const cv::Rect tile(column * tileSide, row * tileSide, tileSide, tileSide);
       if ((tile & overlap) == tile) {
-        residues.at<float>(row, column) = ResidueOf(tile, motion);
+        residues.at<float>(row, column) = ResidueOf(tile, motion, explained);
       }
     }
   }
@@ -143,7 +148,7 @@ cv::Mat TolerantProof::Residues(const cv::Point& motion) const {
 TolerantFinding TolerantProof::Examine(const cv::Point& motion) const {
   TolerantFinding finding;
   finding.motion = motion;
-  finding.residues = motion == cv::Point() ? still : Residues(motion);
+  finding.residues = Residues(motion, finding.explained);
   for (int row = 0; row < still.rows; ++row) {
     for (int column = 0; column < still.cols; ++column) {
       const float residue = finding.residues.at<float>(row, column);

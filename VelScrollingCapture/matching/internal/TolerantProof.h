@@ -9,7 +9,8 @@ namespace ScrollingCapture {
 /// What the tiles of two captures say about one motion, noise aside.
 struct TolerantFinding {
   cv::Point motion;
-  cv::Mat residues;  ///< for each tile, how much of its variance is left unexplained (CV_32FC1)
+  cv::Mat residues;    ///< for each tile, how much of its variance is left unexplained (CV_32FC1)
+  double explained = 0;  ///< the variance that is explained without jitter, summed up over tiles
   int tilesFor = 0;
   int tilesAgainst = 0;
   int tilesExact = 0;  ///< of those for the motion, the tiles that agree in every pixel
@@ -32,8 +33,8 @@ class TolerantProof {
   static bool Beats(const TolerantFinding& one, const TolerantFinding& other);
 
  private:
-  cv::Mat Residues(const cv::Point& motion) const;
-  float ResidueOf(const cv::Rect& tile, const cv::Point& motion) const;
+  cv::Mat Residues(const cv::Point& motion, double& explained) const;
+  float ResidueOf(const cv::Rect& tile, const cv::Point& motion, double& explained) const;
 
   const cv::Mat& earlier;
   const cv::Mat& later;
