@@ -9,12 +9,11 @@
 
 #include <gmock/gmock.h>
 #include <testkit/TemporaryFolder.h>
+#include <testkit/output/ColourProfile.h>
+#include <testkit/output/DrawnPicture.h>
+#include <testkit/output/MemorySink.h>
 #include <velscroll/output/PictureWriting.h>
 #include <velscroll/terminal/Failure.h>
-
-#include "ColourProfile.h"
-#include "DrawnPicture.h"
-#include "MemorySink.h"
 
 namespace ScrollingCapture {
 namespace {
