@@ -49,7 +49,7 @@ std::unique_ptr<RowWriter> MakeRowWriter(const PictureFormat& format, const Pict
                                          const EncodingSettings& settings, OutputSink& sink) {
   const FilePixels pixels(format, header, settings);
   if (format.kind == PictureFormat::Png) {
-    return std::make_unique<PngRowWriter>(header, settings, pixels, sink);
+    return std::make_unique<PngRowWriter>(format, header, settings, pixels, sink);
   }
   return std::make_unique<PipelinedRowWriter>(
       header.size, pixels, MakeEncoder({format, header, settings, pixels.Channels(), sink}),

@@ -4,13 +4,12 @@
 
 #include <gmock/gmock.h>
 #include <testkit/TemporaryFolder.h>
+#include <testkit/output/ColourProfile.h>
+#include <testkit/output/DrawnPicture.h>
+#include <testkit/output/MemorySink.h>
 #include <velscroll/output/RowWriter.h>
 #include <velscroll/output/metadata/ImageMetadata.h>
 #include <velscroll/terminal/Failure.h>
-
-#include "ColourProfile.h"
-#include "DrawnPicture.h"
-#include "MemorySink.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -8,11 +8,10 @@
 #include <opencv2/imgproc.hpp>
 #include <testkit/TemporaryFolder.h>
 #include <testkit/faults/FailingAllocator.h>
+#include <testkit/output/DrawnPicture.h>
 #include <velscroll/output/PictureWriting.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Interruption.h>
-
-#include "DrawnPicture.h"
 
 namespace ScrollingCapture {
 namespace {

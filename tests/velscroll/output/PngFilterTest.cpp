@@ -1,8 +1,7 @@
 #include <gmock/gmock.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/output/DrawnPicture.h>
 #include <velscroll/output/formats/PngFilter.h>
-
-#include "DrawnPicture.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -3,13 +3,12 @@
 #include <gmock/gmock.h>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
-#include <velscroll/output/RowWriter.h>
+#include <testkit/output/ColourProfile.h>
+#include <testkit/output/DrawnPicture.h>
+#include <testkit/output/MemorySink.h>
 #include <velscroll/pixels/Premultiplication.h>
+#include <velscroll/output/RowWriter.h>
 #include <velscroll/terminal/Failure.h>
-
-#include "ColourProfile.h"
-#include "DrawnPicture.h"
-#include "MemorySink.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -4,9 +4,8 @@
 #include <gmock/gmock.h>
 #include <opencv2/core.hpp>
 #include <testkit/TemporaryFolder.h>
+#include <testkit/output/DrawnPicture.h>
 #include <velscroll/output/PictureWriting.h>
-
-#include "DrawnPicture.h"
 
 namespace ScrollingCapture {
 namespace {

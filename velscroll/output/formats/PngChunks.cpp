@@ -24,8 +24,10 @@ void SetColourProfile(png_structp png, png_infop info, const std::vector<unsigne
 
 }  // namespace
 
-PngChunks::PngChunks(const PictureHeader& header, const FilePixels& pixels, OutputSink& sink)
-    : name(header.name),
+PngChunks::PngChunks(const PictureFormat& format, const PictureHeader& header,
+                     const FilePixels& pixels, OutputSink& sink)
+    : format(format),
+      name(header.name),
       sink(sink),
       png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, LeavePng, IgnorePngWarning)),
       info(png == nullptr ? nullptr : png_create_info_struct(png)) {
@@ -76,7 +78,7 @@ template <typename Call>
 void PngChunks::Attempt(const Call& call) {
   if (!AttemptPng(png, call)) {
     sink.ThrowFailure();
-    ThrowEncodingFailure(PictureFormatOf(".png"), name);
+    ThrowEncodingFailure(format, name);
   }
 }
 

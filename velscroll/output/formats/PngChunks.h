@@ -15,7 +15,8 @@ namespace ScrollingCapture::Program {
 class PngChunks {
  public:
   /// Writes everything up to the pixels. Throws Failed or Cancelled, as the others do.
-  PngChunks(const PictureHeader& header, const FilePixels& pixels, OutputSink& sink);
+  PngChunks(const PictureFormat& format, const PictureHeader& header, const FilePixels& pixels,
+            OutputSink& sink);
   PngChunks(const PngChunks&) = delete;
   PngChunks& operator=(const PngChunks&) = delete;
   ~PngChunks();
@@ -35,6 +36,7 @@ class PngChunks {
 
   static void Store(png_structp png, png_bytep bytes, size_t length);
 
+  const PictureFormat& format;
   const std::string name;
   GuardedSink sink;
   png_structp png;

@@ -17,14 +17,15 @@ int RowsPerBlock(int width, int channels) {
 
 }  // namespace
 
-PngRowWriter::PngRowWriter(const PictureHeader& header, const EncodingSettings& settings,
-                           const FilePixels& pixels, OutputSink& sink)
+PngRowWriter::PngRowWriter(const PictureFormat& format, const PictureHeader& header,
+                           const EncodingSettings& settings, const FilePixels& pixels,
+                           OutputSink& sink)
     : RowWriter(header.size),
       pixels(pixels),
       level(settings.pngLevel),
       rowsPerBlock(
           std::min(RowsPerBlock(header.size.width, pixels.Channels()), header.size.height)),
-      chunks(header, pixels, sink),
+      chunks(format, header, pixels, sink),
       work(settings.threads) {}
 
 void PngRowWriter::Take(const cv::Mat& rows) {

@@ -12,8 +12,8 @@ namespace ScrollingCapture::Program {
 /// threads and whatever rows come at a time.
 class PngRowWriter : public RowWriter {
  public:
-  PngRowWriter(const PictureHeader& header, const EncodingSettings& settings,
-               const FilePixels& pixels, OutputSink& sink);
+  PngRowWriter(const PictureFormat& format, const PictureHeader& header,
+               const EncodingSettings& settings, const FilePixels& pixels, OutputSink& sink);
 
  private:
   void Take(const cv::Mat& rows) override;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdint>
+#include <fcntl.h>
 #include <limits>
 #include <memory>
 #include <new>
@@ -49,22 +50,15 @@ TiffEncoder::TiffEncoder(const EncodingTask& task)
   const char* const mode = NeedsBigTiff(task.header.size, task.channels) ? "w8" : "w";
   tiff = TIFFClientOpenExt(name.c_str(), mode, this, RefuseToRead, Store, Seek, KeepOpen, SizeOf,
                            nullptr, nullptr, options.get());
-  try {
-    Require(tiff != nullptr && Describe(task));
-  } catch (...) {
-    Abandon();
-    throw;
-  }
+  // Only a lack of memory lets this fail. What libtiff holds is then left alone, since closing can
+  // crash: a field that there was no room for is counted all the same.
+  Require(tiff != nullptr && Describe(task));
 }
 
-TiffEncoder::~TiffEncoder() { Abandon(); }
-
-/// Closing writes what is left, which is of no use any more.
-void TiffEncoder::Abandon() {
-  sink.Close();
-  if (tiff != nullptr) {
-    TIFFClose(tiff);
-  }
+/// Without writing what is left, which is of no use any more.
+TiffEncoder::~TiffEncoder() {
+  TIFFSetMode(tiff, O_RDONLY);
+  TIFFClose(tiff);
 }
 
 bool TiffEncoder::Describe(const EncodingTask& task) {

@@ -23,7 +23,6 @@ class TiffEncoder : public RowEncoder {
   bool Describe(const EncodingTask& task);
   bool DescribeColours(int channels);
   bool DescribeMetadata(const ImageMetadata& metadata);
-  void Abandon();
   void Require(bool succeeded) const;
 
   static tmsize_t Store(thandle_t handle, void* bytes, tmsize_t length);

@@ -21,22 +21,18 @@ class GuardedSink {
 
   /// @return false when this or an earlier call has failed
   bool WriteAt(std::uint64_t offset, const void* bytes, size_t length) noexcept {
-    if (closed) {
+    if (failure) {
       return false;
     }
     try {
       sink.WriteAt(offset, bytes, length);
     } catch (...) {
       failure = std::current_exception();
-      closed = true;
     }
-    return !closed;
+    return !failure;
   }
 
   std::uint64_t Size() const { return sink.Size(); }
-
-  /// Lets nothing through any more.
-  void Close() { closed = true; }
 
   /// Throws what the sink has thrown.
   void ThrowFailure() const {
@@ -47,7 +43,6 @@ class GuardedSink {
 
  private:
   OutputSink& sink;
-  bool closed = false;
   std::exception_ptr failure;
 };
 
