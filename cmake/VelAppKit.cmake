@@ -53,7 +53,7 @@ else()
   list(REMOVE_ITEM VEL_GNUSTEP_LIBRARIES -lm)
   list(TRANSFORM VEL_GNUSTEP_INCLUDES REPLACE "^-I" "")
   target_compile_options(vel_appkit INTERFACE
-    "$<$<COMPILE_LANGUAGE:OBJCXX>:${VEL_GNUSTEP_OPTIONS}>"
+    "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:${VEL_GNUSTEP_OPTIONS}>"
     $<$<COMPILE_LANG_AND_ID:OBJCXX,GNU>:-Wno-subobject-linkage>)
   target_include_directories(vel_appkit SYSTEM INTERFACE ${VEL_GNUSTEP_INCLUDES})
   target_link_libraries(vel_appkit INTERFACE ${VEL_GNUSTEP_LIBRARIES})

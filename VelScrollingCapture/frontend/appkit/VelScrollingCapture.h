@@ -1,13 +1,14 @@
 #pragma once
 
+// OpenCV's headers come first: AppKit defines macros that they do not expect.
+#ifdef __cplusplus
+#include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+#endif
+
 #import <AppKit/AppKit.h>
 
 #import <VelScrollingCapture/frontend/Version.h>
 #import <VelScrollingCapture/frontend/appkit/ScrollingProgressDelegate.h>
-
-#ifdef __cplusplus
-#include <VelScrollingCapture/frontend/VelScrollingCapture.h>
-#endif
 
 /// GCC knows no weak properties; see progressDelegate.
 #ifdef __clang__
