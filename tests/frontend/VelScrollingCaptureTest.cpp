@@ -397,6 +397,17 @@ INSTANTIATE_TEST_SUITE_P(VelScrollingCapture, Ownership,
                                          Ending{"Failed", 0, 1000}, Ending{"OneCapture", 1, 1000}),
                          [](const auto& test) { return test.param.name; });
 
+TEST(OwnershipWithoutAStitch, OutlastsBeingSetUpAgain) {
+  auto capture = VelScrollingCapture::init();
+  VelScrollingCapture* const object = capture.get();
+  const std::weak_ptr<VelScrollingCapture> watch = capture;
+  capture.reset();
+  object->setupStitcher();
+  ASSERT_FALSE(watch.expired()) << "The new listener holds the capture object as the old one did";
+  object->cleanupListener();
+  EXPECT_TRUE(watch.expired());
+}
+
 TEST(OwnershipWithoutAStitch, KeepsItselfAliveUntilTheListenerIsCleanedUp) {
   auto capture = VelScrollingCapture::init();
   VelScrollingCapture* const object = capture.get();

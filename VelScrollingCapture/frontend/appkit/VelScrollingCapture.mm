@@ -109,6 +109,8 @@ NSImage* ImageOf(const PlatformImage& image) {
 }
 
 - (void)setupStitcher {
+  // The listener before may hold the last reference.
+  const Retained held(self);
   _state->capture->setupStitcher();
   _state->capture->cleanupListener();
   auto listener = std::make_unique<RetainingListener>(self, _state->capture);

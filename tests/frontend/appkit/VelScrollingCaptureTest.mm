@@ -290,6 +290,16 @@ TEST_F(ObjectiveCOwnership, EndsWithAStitchThatAnExceptionStops) {
   EXPECT_TRUE(gone);
 }
 
+TEST_F(ObjectiveCOwnership, OutlastsBeingSetUpAgainAfterTheHostHasLetGo) {
+  Start();
+  [capture release];
+  [capture setupStitcher];
+  ASSERT_FALSE(gone) << "The new listener retains the capture object as the old one did";
+  AddAll(capture, ScrolledCaptures(2));
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] != nil);
+  EXPECT_TRUE(gone);
+}
+
 TEST_F(ObjectiveCOwnership, EndsWithTheListenerWhenNothingIsStitched) {
   Start();
   [capture release];
