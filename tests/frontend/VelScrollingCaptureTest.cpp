@@ -302,6 +302,52 @@ TEST_F(CaptureObject, SwapsItsLibraryObjectsWithoutFreeingThem) {
   EXPECT_TRUE(listener->ProgressCallback(1));
 }
 
+TEST_F(CaptureObject, StitchesForTheAdaptersListenerWithoutOneOfItsOwn) {
+  const auto delegate = std::make_shared<Delegate>();
+  capture->setProgressDelegate(delegate);
+  AddAll(ScrolledCaptures(2));
+  const std::unique_ptr<ProgressListener> listener(capture->progressListener());
+  capture->setProgressListener(nullptr);
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(delegate->heard.back(), 100) << "The adapter still tells the listener it was given";
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+}
+
+TEST_F(CaptureObject, LeavesTheHostsListenerToTheAdapterUntilTheStitch) {
+  AddAll(ScrolledCaptures(2));
+  ProgressListener own(VelScrollingCapture::init());
+  capture->stitcherAdapter()->setProgressListener(&own);
+  capture->cleanupListener();
+  EXPECT_EQ(capture->stitcherAdapter()->progressListener(), &own);
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(capture->stitcherAdapter()->progressListener(), nullptr);
+}
+
+/// Has parts of its own.
+class CaptureWithOwnParts : public VelScrollingCapture {
+ public:
+  StitcherAdapter* stitcherAdapter() const override { return &ownAdapter; }
+  PreviewImage* previewImageCreator() const override { return &ownPreview; }
+
+ private:
+  mutable StitcherAdapter ownAdapter;
+  mutable PreviewImage ownPreview{{40, 30}, 1, 0};
+};
+
+TEST(DerivedCaptureObject, WorksOnPartsOfItsOwn) {
+  const auto own = std::make_shared<CaptureWithOwnParts>();
+  own->setupStitcher();
+  for (const int index : {0, 1, 1}) {
+    own->addImageToAdapter(PlatformImage::imageWithCVMat(ScrolledCaptures(2)[index]));
+  }
+  EXPECT_EQ(own->stitcherAdapter()->Count(), 2U) << "A repeat of the own last capture is dropped";
+  own->setPreviewImageSize({50, 60});
+  const cv::Mat preview = own->previewImageCreator()->GetPreview(50, 60);
+  EXPECT_TRUE(SameBits(own->currentImagePreview()->CVMat(), preview));
+  EXPECT_TRUE(SameBits(own->stitchAndReturnFinalImage()->CVMat(), ScrolledPage(2)));
+  EXPECT_EQ(own.use_count(), 1);
+}
+
 TEST_F(CaptureObject, DoesNothingWithoutAnAdapter) {
   const std::unique_ptr<StitcherAdapter> adapter(capture->stitcherAdapter());
   capture->setStitcherAdapter(nullptr);

@@ -54,13 +54,15 @@ struct VelScrollingCaptureState;
 
 #ifdef __cplusplus
 /// The captures, the stitcher and the result. Setting neither copies nor frees: the object takes
-/// over the new adapter, and the one before belongs to the caller.
+/// over the new adapter, and the one before belongs to the caller. All operations ask here, so that
+/// a subclass can give its own.
 @property(nonatomic, assign) StitcherAdapter* stitcherAdapter;
 
-/// The relay to this object, null after the stitch; set like stitcherAdapter.
+/// The relay to this object, null after the stitch; set like stitcherAdapter. The stitch tells the
+/// adapter's listener, which is this one unless the host sets another there.
 @property(nonatomic, assign) ScrollingCapture::ProgressListener* progressListener;
 
-/// The live preview, null before the first capture; set like stitcherAdapter.
+/// The live preview, null before the first capture; set and asked like stitcherAdapter.
 @property(nonatomic, assign) ScrollingCapture::PreviewImage* previewImageCreator;
 #endif
 
@@ -99,7 +101,8 @@ struct VelScrollingCaptureState;
 - (void)stitchingComplete:(BOOL)success;
 
 /// Destroys the progress listener and with it the reference by which this object keeps itself
-/// alive. Captures can be added and previewed further, but not stitched.
+/// alive. Captures can be added and previewed further, but not stitched, unless the adapter was
+/// given a listener of the host's own.
 - (void)cleanupListener;
 
 /// `image` rendered as red, green, blue, alpha at its size in whole points; nil without a point.

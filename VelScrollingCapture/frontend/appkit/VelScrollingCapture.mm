@@ -12,8 +12,27 @@
 using CaptureObject = ScrollingCapture::VelScrollingCapture;
 using ScrollingCapture::PlatformImage;
 
+namespace {
+
+/// Asks the Objective-C object that it is the inside of for its parts, whose class may have its
+/// own.
+class InnerCapture : public CaptureObject {
+ public:
+  explicit InnerCapture(::VelScrollingCapture* outside) : outside(outside) {}
+
+  StitcherAdapter* stitcherAdapter() const override { return [outside stitcherAdapter]; }
+  ScrollingCapture::PreviewImage* previewImageCreator() const override {
+    return [outside previewImageCreator];
+  }
+
+ private:
+  ::VelScrollingCapture* outside;
+};
+
+}  // namespace
+
 struct __attribute__((visibility("hidden"))) VelScrollingCaptureState {
-  std::shared_ptr<CaptureObject> capture;
+  std::shared_ptr<InnerCapture> capture;
   ScrollingCapture::AppKit::WeakReference delegate;
 };
 
@@ -79,25 +98,26 @@ NSImage* ImageOf(const PlatformImage& image) {
 }  // namespace
 
 @interface VelScrollingCapture ()
-- (id)initWithCaptureObject:(const std::shared_ptr<CaptureObject>&)capture;
+- (id)initWithAdapter:(std::unique_ptr<StitcherAdapter>&&)adapter;
 @end
 
 @implementation VelScrollingCapture
 
 - (id)init {
-  return [self initWithCaptureObject:CaptureObject::init()];
+  return [self initWithAdapter:std::make_unique<StitcherAdapter>()];
 }
 
 - (id)initWithExpectConsistentTranslations:(BOOL)expect andThreadCount:(int)threads {
-  return [self initWithCaptureObject:CaptureObject::initWithExpectConsistentTranslations(
-                                         static_cast<bool>(expect), threads)];
+  return [self initWithAdapter:std::make_unique<StitcherAdapter>(
+                                   ScrollingCapture::Both, static_cast<bool>(expect), threads)];
 }
 
-- (id)initWithCaptureObject:(const std::shared_ptr<CaptureObject>&)capture {
+- (id)initWithAdapter:(std::unique_ptr<StitcherAdapter>&&)adapter {
   self = [super init];
   if (self != nil) {
     _state = new VelScrollingCaptureState;
-    _state->capture = capture;
+    _state->capture = std::make_shared<InnerCapture>(self);
+    _state->capture->setStitcherAdapter(adapter.release());
     [self setupStitcher];
   }
   return self;
@@ -114,7 +134,9 @@ NSImage* ImageOf(const PlatformImage& image) {
   _state->capture->setupStitcher();
   _state->capture->cleanupListener();
   auto listener = std::make_unique<RetainingListener>(self, _state->capture);
-  _state->capture->stitcherAdapter()->setProgressListener(listener.get());
+  if (StitcherAdapter* const adapter = [self stitcherAdapter]) {
+    adapter->setProgressListener(listener.get());
+  }
   _state->capture->setProgressListener(listener.release());
 }
 
@@ -201,7 +223,7 @@ NSImage* ImageOf(const PlatformImage& image) {
 }
 
 - (StitcherAdapter*)stitcherAdapter {
-  return _state->capture->stitcherAdapter();
+  return _state->capture->CaptureObject::stitcherAdapter();
 }
 
 - (void)setStitcherAdapter:(StitcherAdapter*)adapter {
@@ -217,7 +239,7 @@ NSImage* ImageOf(const PlatformImage& image) {
 }
 
 - (ScrollingCapture::PreviewImage*)previewImageCreator {
-  return _state->capture->previewImageCreator();
+  return _state->capture->CaptureObject::previewImageCreator();
 }
 
 - (void)setPreviewImageCreator:(ScrollingCapture::PreviewImage*)preview {

@@ -70,6 +70,23 @@
 }
 @end
 
+/// Has parts of its own.
+@interface CaptureWithOwnParts : VelScrollingCapture {
+ @public
+  StitcherAdapter* ownAdapter;
+  ScrollingCapture::PreviewImage* ownPreview;
+}
+@end
+
+@implementation CaptureWithOwnParts
+- (StitcherAdapter*)stitcherAdapter {
+  return ownAdapter;
+}
+- (ScrollingCapture::PreviewImage*)previewImageCreator {
+  return ownPreview;
+}
+@end
+
 namespace ScrollingCapture {
 namespace {
 
@@ -163,6 +180,64 @@ TEST_F(ObjectiveCCapture, GivesNilWithoutCapturesAndForASecondStitch) {
   AddAll(capture, ScrolledCaptures(2));
   EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
   EXPECT_EQ([capture progressListener], nullptr);
+}
+
+/// Counts what it is told, and lets everything go on.
+class CountingListener : public IStitcherListener {
+ public:
+  bool ProgressCallback(int /*progress*/) override { return ++reports > 0; }
+  void StitchingComplete(bool /*success*/) override { ++completions; }
+  bool StitchingError(StitcherErrorCodes /*code*/, bool /*fatal*/) override { return false; }
+
+  int reports = 0;
+  int completions = 0;
+};
+
+TEST_F(ObjectiveCCapture, StitchesForTheAdaptersListenerWithoutOneOfItsOwn) {
+  Listen(1000);
+  AddAll(capture, ScrolledCaptures(2));
+  const std::unique_ptr<ProgressListener> listener([capture progressListener]);
+  [capture setProgressListener:nullptr];
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] != nil);
+  EXPECT_EQ(delegate->heard->back(), 100) << "The adapter still tells the listener it was given";
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+}
+
+TEST_F(ObjectiveCCapture, StitchesForAListenerOfTheHostsOwn) {
+  Listen(1000);
+  AddAll(capture, ScrolledCaptures(2));
+  CountingListener own;
+  [capture stitcherAdapter]->setProgressListener(&own);
+  [capture cleanupListener];
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] != nil);
+  EXPECT_GT(own.reports, 0);
+  EXPECT_EQ(own.completions, 1);
+  EXPECT_TRUE(delegate->heard->empty());
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+}
+
+TEST_F(ObjectiveCCapture, StitchesWhatASetAdapterHolds) {
+  const std::unique_ptr<StitcherAdapter> before([capture stitcherAdapter]);
+  [capture setStitcherAdapter:new StitcherAdapter];
+  AddAll(capture, ScrolledCaptures(3));
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), ScrolledPage(3)));
+  EXPECT_TRUE(before->IsEmpty());
+}
+
+TEST_F(ObjectiveCCapture, WorksOnThePartsOfItsSubclass) {
+  StitcherAdapter adapter;
+  PreviewImage preview({40, 30}, 1, 0);
+  CaptureWithOwnParts* const own = [[[CaptureWithOwnParts alloc] init] autorelease];
+  own->ownAdapter = &adapter;
+  own->ownPreview = &preview;
+  [own setupStitcher];
+  AddAll(own, ScrolledCaptures(2));
+  AddAll(own, {ScrolledCaptures(2)[1]});
+  EXPECT_EQ(adapter.Count(), 2U) << "A repeat of the subclass's last capture is dropped";
+  [own setPreviewImageSize:NSMakeSize(50, 60)];
+  EXPECT_TRUE(SameBits(PixelsOf([own currentImagePreview]), preview.GetPreview(50, 60)));
+  EXPECT_TRUE(SameBits(PixelsOf([own stitchAndReturnFinalImage]), ScrolledPage(2)));
+  EXPECT_TRUE(SameBits(adapter.getResult(), ScrolledPage(2)));
 }
 
 TEST_F(ObjectiveCCapture, GivesNoPreviewBeforeACapture) {
