@@ -2,13 +2,14 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/frontend/PlatformImage.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/internal/BitmapRendering.h>
+#import <VelScrollingCapture/frontend/appkit/internal/Conversion.h>
 
 using ScrollingCapture::PlatformImage;
-using ScrollingCapture::TruncateToInt;
+using ScrollingCapture::AppKit::OrEmpty;
+using ScrollingCapture::AppKit::WholeSize;
 
 namespace {
 
@@ -101,11 +102,6 @@ cv::Mat PixelsOf(NSBitmapImageRep* bitmap) {
   return pixels;
 }
 
-cv::Size WholeSize(NSImage* image) {
-  return {std::max(TruncateToInt([image size].width), 0),
-          std::max(TruncateToInt([image size].height), 0)};
-}
-
 /// A bitmap may have more or fewer pixels than its image has points.
 cv::Mat Fitted(const cv::Mat& pixels, const cv::Size& size) {
   if (pixels.size() == size) {
@@ -114,6 +110,25 @@ cv::Mat Fitted(const cv::Mat& pixels, const cv::Size& size) {
   cv::Mat fitted;
   cv::resize(pixels, fitted, size, 0, 0, cv::INTER_AREA);
   return fitted;
+}
+
+/// Without a bitmap, an image counts as transparent.
+cv::Mat ColourOf(NSImage* image) {
+  NSBitmapImageRep* const bitmap = FirstBitmapOf(image);
+  const cv::Size size = WholeSize(image);
+  if (bitmap == nil || size.empty()) {
+    return cv::Mat(size, CV_8UC4, cv::Scalar::all(0));
+  }
+  return Fitted(PixelsOf(bitmap), size);
+}
+
+cv::Mat GreyOf(NSImage* image) {
+  NSBitmapImageRep* const bitmap = FirstBitmapOf(image);
+  const cv::Size size = WholeSize(image);
+  if (bitmap != nil && !size.empty() && IsPlainGrey(bitmap)) {
+    return Fitted(SamplesOf(bitmap), size).clone();
+  }
+  return PlatformImage::imageWithCVMat(ColourOf(image)).CVGrayscaleMat();
 }
 
 NSBitmapImageRep* NewBitmap(const PlatformImage& image) {
@@ -138,9 +153,13 @@ NSBitmapImageRep* NewBitmap(const PlatformImage& image) {
 
 namespace ScrollingCapture::AppKit {
 
-void RenderIntoBitmap(NSImage* image, NSBitmapImageRep* bitmap) {
+bool RenderIntoBitmap(NSImage* image, NSBitmapImageRep* bitmap) {
   const cv::Mat pixels = [image CVMat];
+  if (pixels.empty() || [bitmap bitmapData] == NULL) {
+    return false;
+  }
   pixels.copyTo(SamplesOf(bitmap));
+  return true;
 }
 
 }  // namespace ScrollingCapture::AppKit
@@ -148,21 +167,11 @@ void RenderIntoBitmap(NSImage* image, NSBitmapImageRep* bitmap) {
 @implementation NSImage (NSImage_OpenCV)
 
 - (cv::Mat)CVMat {
-  NSBitmapImageRep* const bitmap = FirstBitmapOf(self);
-  const cv::Size size = WholeSize(self);
-  if (bitmap == nil || size.empty()) {
-    return cv::Mat(size, CV_8UC4, cv::Scalar::all(0));
-  }
-  return Fitted(PixelsOf(bitmap), size);
+  return OrEmpty([self] { return ColourOf(self); });
 }
 
 - (cv::Mat)CVGrayscaleMat {
-  NSBitmapImageRep* const bitmap = FirstBitmapOf(self);
-  const cv::Size size = WholeSize(self);
-  if (bitmap != nil && !size.empty() && IsPlainGrey(bitmap)) {
-    return Fitted(SamplesOf(bitmap), size).clone();
-  }
-  return PlatformImage::imageWithCVMat([self CVMat]).CVGrayscaleMat();
+  return OrEmpty([self] { return GreyOf(self); });
 }
 
 - (id)initWithCVMat:(const cv::Mat&)matrix {

@@ -30,8 +30,8 @@
 @interface NSImage (NSImage_OpenCV)
 
 #ifdef __cplusplus
-/// The image as CV_8UC4, with as many rows and columns as its size has whole points. Without a
-/// whole point, the matrix is empty.
+/// The image as CV_8UC4, with as many rows and columns as its size has whole points. The matrix is
+/// empty without a whole point, for more than 2^30 of them, and where memory runs out.
 @property(nonatomic, readonly) cv::Mat CVMat;
 
 /// The image as CV_8UC1, otherwise like CVMat.
@@ -39,7 +39,7 @@
 #endif
 
 #if VEL_COREGRAPHICS
-/// A new CoreGraphics image of the receiver, which the caller releases.
+/// A new CoreGraphics image of the receiver, which the caller releases; NULL where CVMat is empty.
 - (CGImageRef)CGImage;
 #endif
 

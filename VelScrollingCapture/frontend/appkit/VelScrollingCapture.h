@@ -82,15 +82,18 @@ struct VelScrollingCaptureState;
 
 /// Adds the next capture and brings the preview up to date. The first capture is always kept, even
 /// when it is nil, which counts as empty. A later one is dropped silently when it shows the same as
-/// the last one kept, or cannot be compared with it because their sizes differ.
+/// the last one kept, or cannot be compared with it because their sizes differ. Any capture is
+/// dropped that has more than 2^30 points or that there is no memory for.
 - (void)addImageToAdapter:(NSImage*)image;
 
 /// The preview as it stands, scaled down to fit into previewImageSize; nil before the first
-/// capture, and when that size leaves no pixel.
+/// capture, when that size leaves no pixel, and when memory runs out.
 - (NSBitmapImageRep*)currentImagePreview;
 
 /// Stitches all captures on the calling thread, with progress to the delegate. Nil when there is
-/// no capture, the delegate stopped the work or the stitch failed, and for any further stitch.
+/// no capture, the delegate stopped the work, the stitch failed (with a message on the standard
+/// error stream, as for an image of more than 2^30 pixels) or memory ran out, and for any further
+/// stitch.
 - (NSBitmapImageRep*)stitchAndReturnFinalImage;
 
 /// Relays progress to the delegate. The delegate's answer to continueScrolling; YES without a
@@ -105,7 +108,8 @@ struct VelScrollingCaptureState;
 /// given a listener of the host's own.
 - (void)cleanupListener;
 
-/// `image` rendered as red, green, blue, alpha at its size in whole points; nil without a point.
+/// `image` rendered as red, green, blue, alpha at its size in whole points; nil for nil, without a
+/// point, for more than 2^30 of them, and when memory runs out.
 - (NSBitmapImageRep*)bitmapImageRepresentation:(NSImage*)image;
 
 @end

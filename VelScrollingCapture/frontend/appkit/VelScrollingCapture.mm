@@ -1,16 +1,18 @@
+#include <iostream>
 #include <memory>
 #include <optional>
 #include <utility>
 
-#include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/internal/BitmapRendering.h>
+#import <VelScrollingCapture/frontend/appkit/internal/Conversion.h>
 #import <VelScrollingCapture/frontend/appkit/internal/WeakReference.h>
 
 using CaptureObject = ScrollingCapture::VelScrollingCapture;
 using ScrollingCapture::PlatformImage;
+using ScrollingCapture::AppKit::HasPoints;
 
 namespace {
 
@@ -81,18 +83,22 @@ class RetainingListener : public ScrollingCapture::ProgressListener {
   VelScrollingCapture* receiver;
 };
 
-std::optional<PlatformImage> PlatformImageOf(NSImage* image) {
-  if (image == nil) {
-    return std::nullopt;
-  }
-  return PlatformImage::imageWithCVMat([image CVMat]);
+/// The image's pixels; nothing where they cannot be had.
+std::optional<PlatformImage> PixelsOf(NSImage* image) try {
+  const PlatformImage pixels = PlatformImage::imageWithCVMat([image CVMat]);
+  return pixels.width() > 0 ? std::optional(pixels) : std::nullopt;
+} catch (const cv::Exception&) {
+  return std::nullopt;
 }
 
-NSImage* ImageOf(const PlatformImage& image) {
+/// Nil when memory runs out.
+NSImage* ImageOf(const PlatformImage& image) try {
   // Only a header: the pixels are copied once, into the image.
   const cv::Mat pixels(image.height(), image.width(), CV_8UC4,
                        const_cast<std::uint8_t*>(image.pixels()), image.bytesPerRow());
   return [NSImage imageWithCVMat:pixels];
+} catch (const cv::Exception&) {
+  return nil;
 }
 
 }  // namespace
@@ -141,7 +147,11 @@ NSImage* ImageOf(const PlatformImage& image) {
 }
 
 - (void)addImageToAdapter:(NSImage*)image {
-  _state->capture->addImageToAdapter(PlatformImageOf(image));
+  if (!HasPoints(image)) {
+    _state->capture->addImageToAdapter(std::nullopt);
+  } else if (const std::optional<PlatformImage> pixels = PixelsOf(image)) {
+    _state->capture->addImageToAdapter(pixels);
+  }
 }
 
 - (NSBitmapImageRep*)currentImagePreview {
@@ -153,7 +163,11 @@ NSImage* ImageOf(const PlatformImage& image) {
   // The completion notice drops the listener's reference, which may be the last one.
   const Retained held(self);
   const std::optional<PlatformImage> image = _state->capture->stitchAndReturnFinalImage();
-  return image ? [self bitmapImageRepresentation:ImageOf(*image)] : nil;
+  NSBitmapImageRep* const bitmap = image ? [self bitmapImageRepresentation:ImageOf(*image)] : nil;
+  if (image && bitmap == nil) {
+    std::cerr << "Error: The stitched image does not fit into a bitmap." << std::endl;
+  }
+  return bitmap;
 }
 
 - (BOOL)setCurrentProgress:(int)progress {
@@ -185,24 +199,22 @@ NSImage* ImageOf(const PlatformImage& image) {
 }
 
 - (NSBitmapImageRep*)bitmapImageRepresentation:(NSImage*)image {
-  const int width = ScrollingCapture::TruncateToInt([image size].width);
-  const int height = ScrollingCapture::TruncateToInt([image size].height);
-  if (width <= 0 || height <= 0) {
+  const cv::Size size = ScrollingCapture::AppKit::WholeSize(image);
+  if (size.empty()) {
     return nil;
   }
   NSBitmapImageRep* const bitmap =
       [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
-                                               pixelsWide:width
-                                               pixelsHigh:height
+                                               pixelsWide:size.width
+                                               pixelsHigh:size.height
                                             bitsPerSample:8
                                           samplesPerPixel:4
                                                  hasAlpha:YES
                                                  isPlanar:NO
                                            colorSpaceName:NSDeviceRGBColorSpace
-                                              bytesPerRow:static_cast<NSInteger>(width) * 4
+                                              bytesPerRow:static_cast<NSInteger>(size.width) * 4
                                              bitsPerPixel:32] autorelease];
-  ScrollingCapture::AppKit::RenderIntoBitmap(image, bitmap);
-  return bitmap;
+  return ScrollingCapture::AppKit::RenderIntoBitmap(image, bitmap) ? bitmap : nil;
 }
 
 - (id<ScrollingProgressDelegate>)progressDelegate {

@@ -4,12 +4,15 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/faults/FailingAllocator.h>
 #include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/ScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
 
+#include "AbsurdSizes.h"
 #include "PoolTest.h"
 
 /// Remembers the progress it is told, and goes on until it has been told `limit` times.
@@ -298,6 +301,80 @@ TEST_F(ObjectiveCCapture, RendersNothingWithoutAWholePoint) {
     NSImage* const image = [[[NSImage alloc] initWithSize:size] autorelease];
     EXPECT_TRUE([capture bitmapImageRepresentation:image] == nil);
   }
+}
+
+TEST_F(ObjectiveCCapture, RendersNothingForNilOrAnAbsurdSize) {
+  EXPECT_TRUE([capture bitmapImageRepresentation:nil] == nil);
+  for (const NSSize& size : Testing::AbsurdSizes()) {
+    NSImage* const image = [[[NSImage alloc] initWithSize:size] autorelease];
+    EXPECT_TRUE([capture bitmapImageRepresentation:image] == nil)
+        << size.width << " x " << size.height;
+  }
+}
+
+TEST_F(ObjectiveCCapture, DropsCapturesOfAnAbsurdSize) {
+  for (const NSSize& size : Testing::AbsurdSizes()) {
+    NSImage* const image = [NSImage imageWithCVMat:ScrolledCaptures(1)[0]];
+    [image setSize:size];
+    [capture addImageToAdapter:image];
+    EXPECT_TRUE([capture stitcherAdapter]->IsEmpty()) << size.width << " x " << size.height;
+  }
+  AddAll(capture, ScrolledCaptures(2));
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), ScrolledPage(2)));
+}
+
+TEST_F(ObjectiveCCapture, KeepsACaptureOrLeavesItToBeAddedAgainWhereMemoryRunsOut) {
+  const std::vector<cv::Mat> captures = ScrolledCaptures(2);
+  AddAll(capture, {captures[0]});
+  NSImage* const second = [NSImage imageWithCVMat:captures[1]];
+  const auto add = [&](size_t passing) {
+    const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::All);
+    [capture addImageToAdapter:second];
+    return memory.HasFailed();
+  };
+  EXPECT_GT(Testing::CountFailingAttempts(add), 0);
+  EXPECT_EQ([capture stitcherAdapter]->Count(), 2U);
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), ScrolledPage(2)));
+}
+
+TEST_F(ObjectiveCCapture, GivesTheWholeImageOrNilWhereMemoryRunsOut) {
+  NSImage* const image = [NSImage imageWithCVMat:ScrolledCaptures(1)[0]];
+  AddAll(capture, ScrolledCaptures(2));
+  const auto show = [&](size_t passing) {
+    NSBitmapImageRep *rendered = nil, *preview = nil;
+    bool failed = false;
+    {
+      const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::First);
+      rendered = [capture bitmapImageRepresentation:image];
+      preview = [capture currentImagePreview];
+      failed = memory.HasFailed();
+    }
+    EXPECT_EQ(rendered == nil || preview == nil, failed);
+    return failed;
+  };
+  EXPECT_GT(Testing::CountFailingAttempts(show), 0);
+}
+
+TEST_F(ObjectiveCCapture, SaysSoWhenTheStitchedImageDoesNotFitIntoABitmap) {
+  const auto stitch = [&](size_t passing) {
+    ::VelScrollingCapture* const other = [[[::VelScrollingCapture alloc] init] autorelease];
+    AddAll(other, ScrolledCaptures(1));
+    NSBitmapImageRep* image = nil;
+    std::string messages;
+    bool failed = false;
+    {
+      const Testing::StreamCapture errors(std::cerr);
+      const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::First);
+      image = [other stitchAndReturnFinalImage];
+      failed = memory.HasFailed();
+      messages = errors.Text();
+    }
+    EXPECT_EQ(image == nil, failed);
+    return failed && messages == "Error: The stitched image does not fit into a bitmap.\n";
+  };
+  // The first allocation is the inner object's own copy of the image.
+  EXPECT_FALSE(stitch(0));
+  EXPECT_TRUE(stitch(1));
 }
 
 TEST_F(ObjectiveCCapture, RendersGreyIntoColour) {
