@@ -2,9 +2,8 @@
 
 #include <cstdint>
 
-#include <opencv2/core.hpp>
-
 #import <AppKit/AppKit.h>
+#include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/core/internal/Truncation.h>
 
