@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include <VelScrollingCapture/core/internal/Truncation.h>
@@ -47,7 +48,7 @@ std::shared_ptr<VelScrollingCapture> VelScrollingCapture::initWithExpectConsiste
     bool expectConsistentTranslations, int threadCount) {
   std::shared_ptr<VelScrollingCapture> captureObject(new VelScrollingCapture);
   captureObject->_stitcherAdapter = std::make_unique<StitcherAdapter>(
-      ScrollOrientation::Both, expectConsistentTranslations, threadCount);
+      ScrollOrientation::Both, expectConsistentTranslations, std::max(threadCount, 1));
   captureObject->setupStitcher();
   return captureObject;
 }

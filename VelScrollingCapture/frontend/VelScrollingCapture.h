@@ -39,7 +39,7 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   /// @param expectConsistentTranslations
   ///        whether a pair of captures may be given its second-best translation when that repeats
   ///        the previous pair's
-  /// @param threadCount the most detections that run at once; at least 1, not checked
+  /// @param threadCount the most detections that run at once; less than 1 counts as 1
   static std::shared_ptr<VelScrollingCapture> initWithExpectConsistentTranslations(
       bool expectConsistentTranslations, int threadCount);
 

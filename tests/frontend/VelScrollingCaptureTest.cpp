@@ -399,6 +399,19 @@ TEST(ProgressListener, MayDropTheLastReferenceInItsCompletionNotice) {
   EXPECT_TRUE(watch.expired());
 }
 
+class ThreadCounts : public testing::TestWithParam<int> {};
+
+TEST_P(ThreadCounts, CountAsOneWhenLess) {
+  const auto capture = VelScrollingCapture::initWithExpectConsistentTranslations(false, GetParam());
+  for (const cv::Mat& matrix : ScrolledCaptures(3)) {
+    capture->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
+  }
+  EXPECT_TRUE(SameBits(capture->stitchAndReturnFinalImage()->CVMat(), ScrolledPage(3)));
+}
+
+INSTANTIATE_TEST_SUITE_P(CaptureObject, ThreadCounts,
+                         testing::Values(0, -1, std::numeric_limits<int>::min()));
+
 struct Ending {
   const char* name;
   int captures;

@@ -73,7 +73,7 @@ struct VelScrollingCaptureState;
 /// A capture object that looks for motion in both directions.
 /// @param expect  whether a pair of captures may be given its second-best translation when that
 ///                repeats the previous pair's
-/// @param threads the most detections that run at once; at least 1, not checked
+/// @param threads the most detections that run at once; less than 1 counts as 1
 - (id)initWithExpectConsistentTranslations:(BOOL)expect andThreadCount:(int)threads;
 
 /// Makes what is needed for a stitch: an adapter when there is none, and a new progress listener in

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -114,8 +115,9 @@ NSImage* ImageOf(const PlatformImage& image) try {
 }
 
 - (id)initWithExpectConsistentTranslations:(BOOL)expect andThreadCount:(int)threads {
-  return [self initWithAdapter:std::make_unique<StitcherAdapter>(
-                                   ScrollingCapture::Both, static_cast<bool>(expect), threads)];
+  return [self
+      initWithAdapter:std::make_unique<StitcherAdapter>(
+                          ScrollingCapture::Both, static_cast<bool>(expect), std::max(threads, 1))];
 }
 
 - (id)initWithAdapter:(std::unique_ptr<StitcherAdapter>&&)adapter {

@@ -33,18 +33,18 @@ struct Layout {
 void PrintTo(const Layout& layout, std::ostream* stream) { *stream << layout.name; }
 
 NSBitmapImageRep* BitmapOf(const cv::Size& size, const Layout& layout) {
-  return [[[NSBitmapImageRep alloc]
-      initWithBitmapDataPlanes:NULL
-                    pixelsWide:size.width
-                    pixelsHigh:size.height
-                 bitsPerSample:layout.bitsPerSample
-               samplesPerPixel:layout.samplesPerPixel
-                      hasAlpha:layout.hasAlpha
-                      isPlanar:layout.isPlanar
-                colorSpaceName:layout.space
-                  bitmapFormat:static_cast<NSBitmapFormat>(layout.format)
-                   bytesPerRow:0
-                  bitsPerPixel:layout.bitsPerPixel] autorelease];
+  return
+      [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+                                               pixelsWide:size.width
+                                               pixelsHigh:size.height
+                                            bitsPerSample:layout.bitsPerSample
+                                          samplesPerPixel:layout.samplesPerPixel
+                                                 hasAlpha:layout.hasAlpha
+                                                 isPlanar:layout.isPlanar
+                                           colorSpaceName:layout.space
+                                             bitmapFormat:static_cast<NSBitmapFormat>(layout.format)
+                                              bytesPerRow:0
+                                             bitsPerPixel:layout.bitsPerPixel] autorelease];
 }
 
 void FillWithNoise(NSBitmapImageRep* bitmap) {
@@ -73,12 +73,12 @@ cv::Mat ColoursOf(NSBitmapImageRep* bitmap) {
                  CV_8UC4);
   for (int row = 0; row < pixels.rows; ++row) {
     for (int column = 0; column < pixels.cols; ++column) {
-      NSColor* const colour = [[bitmap colorAtX:column
-                                              y:row] colorUsingColorSpaceName:NSDeviceRGBColorSpace];
+      NSColor* const colour =
+          [[bitmap colorAtX:column y:row] colorUsingColorSpaceName:NSDeviceRGBColorSpace];
       const double alpha = 255 * [colour alphaComponent];
-      pixels.at<cv::Vec4b>(row, column) = cv::Vec4b(cv::Vec4d(
-          alpha * [colour redComponent], alpha * [colour greenComponent],
-          alpha * [colour blueComponent], alpha));
+      pixels.at<cv::Vec4b>(row, column) =
+          cv::Vec4b(cv::Vec4d(alpha * [colour redComponent], alpha * [colour greenComponent],
+                              alpha * [colour blueComponent], alpha));
     }
   }
   return pixels;
@@ -149,8 +149,9 @@ TEST_F(BitmapPixels, ComeFromTheBitmapThatHasAPixelForEachPoint) {
   NSBitmapImageRep* const thumbnail = BitmapWith(NoiseCapture({1, 1}, 2));
   NSBitmapImageRep* const real = BitmapWith(matrix);
   NSBitmapImageRep* const detailed = BitmapWith(NoiseCapture({60, 40}, 3));
-  for (const auto& bitmaps : {std::vector{thumbnail, real, detailed},
-                              std::vector{detailed, thumbnail, real}, std::vector{real, detailed}}) {
+  for (const auto& bitmaps :
+       {std::vector{thumbnail, real, detailed}, std::vector{detailed, thumbnail, real},
+        std::vector{real, detailed}}) {
     EXPECT_TRUE(SameBits([ImageWith({30, 20}, bitmaps) CVMat], matrix));
   }
 }

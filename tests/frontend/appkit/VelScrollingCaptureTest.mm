@@ -1,4 +1,4 @@
-#include <functional>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <vector>
@@ -169,6 +169,16 @@ TEST_F(ObjectiveCCapture, StitchesOnSeveralThreads) {
   AddAll(threaded, ScrolledCaptures(5));
   EXPECT_TRUE(SameBits(PixelsOf([threaded stitchAndReturnFinalImage]), ScrolledPage(5)));
   [threaded setProgressDelegate:nil];
+}
+
+TEST_F(ObjectiveCCapture, TakesAThreadCountOfLessThanOneForOne) {
+  for (const int threads : {0, -1, std::numeric_limits<int>::min()}) {
+    ::VelScrollingCapture* const other =
+        [[[::VelScrollingCapture alloc] initWithExpectConsistentTranslations:NO
+                                                              andThreadCount:threads] autorelease];
+    AddAll(other, ScrolledCaptures(3));
+    EXPECT_TRUE(SameBits(PixelsOf([other stitchAndReturnFinalImage]), ScrolledPage(3)));
+  }
 }
 
 TEST_F(ObjectiveCCapture, GivesNilWhenTheDelegateStopsAtTheFirstReport) {

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <opencv2/core.hpp>
-
 #import <AppKit/AppKit.h>
+#include <opencv2/core.hpp>
 
 namespace ScrollingCapture::AppKit {
 
-/// The bitmap of an image from which its pixels are taken: the smallest that has a pixel for each of
-/// the image's points, otherwise the one of the most pixels; nil when there is none.
+/// The bitmap of an image from which its pixels are taken: the smallest that has a pixel for each
+/// of the image's points, otherwise the one of the most pixels; nil when there is none.
 __attribute__((visibility("hidden"))) NSBitmapImageRep* BestBitmapOf(NSImage* image);
 
 /// Whether the bitmap's samples are grey pixels of 8 bits as they stand.

@@ -138,8 +138,8 @@ bool HasAlphaFirst(NSBitmapImageRep* bitmap) {
 
 /// Whether `samples` of the bitmap are red, green, blue, alpha.
 bool AreInOrder(const cv::Mat& samples, NSBitmapImageRep* bitmap) {
-  return ColourSamplesOf(bitmap) == ColourSamples && samples.channels() == 4 &&
-         [bitmap hasAlpha] && !HasAlphaFirst(bitmap);
+  return ColourSamplesOf(bitmap) == ColourSamples && samples.channels() == 4 && [bitmap hasAlpha] &&
+         !HasAlphaFirst(bitmap);
 }
 
 /// `samples` of the bitmap in the order red, green, blue, alpha; opaque without an alpha.
