@@ -2,20 +2,24 @@
 # against AppKit takes: the frameworks on macOS, GNUstep elsewhere.
 include(CheckLanguage)
 
-if(APPLE)
-  set(VEL_APPKIT_FOUND ON)
-else()
-  find_program(VEL_GNUSTEP_CONFIG gnustep-config)
-  mark_as_advanced(VEL_GNUSTEP_CONFIG)
+# Only a project of its own builds it unasked: a host that has this as a subproject does not get another
+# language along with it.
+set(VEL_APPKIT_FOUND OFF)
+if(VEL_BUILD_APPKIT OR (PROJECT_IS_TOP_LEVEL AND NOT DEFINED VEL_BUILD_APPKIT))
+  if(NOT APPLE)
+    find_program(VEL_GNUSTEP_CONFIG gnustep-config)
+    mark_as_advanced(VEL_GNUSTEP_CONFIG)
+  endif()
   # C++ and Objective-C++ meet in one library, so one compiler makes both unless told otherwise.
   if(NOT DEFINED ENV{OBJCXX})
     set(ENV{OBJCXX} "${CMAKE_CXX_COMPILER}")
   endif()
   check_language(OBJCXX)
-  if(VEL_GNUSTEP_CONFIG AND CMAKE_OBJCXX_COMPILER)
+  if(CMAKE_OBJCXX_COMPILER AND (APPLE OR VEL_GNUSTEP_CONFIG))
     set(VEL_APPKIT_FOUND ON)
+  elseif(VEL_BUILD_APPKIT)
+    message(FATAL_ERROR "The Objective-C front needs an Objective-C++ compiler, and AppKit or GNUstep")
   else()
-    set(VEL_APPKIT_FOUND OFF)
     message(STATUS "No GNUstep or no Objective-C++ compiler: the Objective-C front is left out")
   endif()
 endif()
