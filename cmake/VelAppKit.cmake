@@ -2,8 +2,8 @@
 # against AppKit takes: the frameworks on macOS, GNUstep elsewhere.
 include(CheckLanguage)
 
-# Only a project of its own builds it unasked: a host that has this as a subproject does not get another
-# language along with it.
+# Only a project of its own builds it unasked: a host that has this as a subproject does not get
+# another language along with it.
 set(VEL_APPKIT_FOUND OFF)
 if(VEL_BUILD_APPKIT OR (PROJECT_IS_TOP_LEVEL AND NOT DEFINED VEL_BUILD_APPKIT))
   if(NOT APPLE)
@@ -30,6 +30,12 @@ if(NOT VEL_BUILD_APPKIT)
   return()
 endif()
 
+# On macOS everything is in one framework; see VelFramework.
+if(APPLE)
+  set(VEL_FRAMEWORK_FOLDER Library/Frameworks)
+  list(APPEND CMAKE_INSTALL_RPATH "@loader_path/../${VEL_FRAMEWORK_FOLDER}")
+endif()
+
 enable_language(OBJCXX)
 set(CMAKE_OBJCXX_STANDARD 17)
 set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
@@ -37,10 +43,8 @@ set(CMAKE_OBJCXX_EXTENSIONS OFF)
 
 add_library(vel_appkit INTERFACE)
 if(APPLE)
-  target_compile_options(vel_appkit INTERFACE
-    $<$<COMPILE_LANGUAGE:OBJCXX>:-fno-objc-arc> $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-weak>)
-  target_link_libraries(vel_appkit INTERFACE
-    "-framework AppKit" "-framework ApplicationServices")
+  set(VEL_APPKIT_FRAMEWORKS "-framework AppKit" "-framework ApplicationServices")
+  target_link_libraries(vel_appkit INTERFACE ${VEL_APPKIT_FRAMEWORKS})
 else()
   # gnustep-config mixes what the library needs with choices of its own, such as the optimisation.
   function(vel_gnustep_flags result question pattern)
