@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include <VelScrollingCapture/core/internal/Truncation.h>
@@ -20,14 +21,18 @@ void ReplaceWithoutFreeing(std::unique_ptr<Object>& owner, Object* object) {
 /// drops the listener's reference to the capture object, which may be the last one but for this.
 class EndOfStitch {
  public:
-  explicit EndOfStitch(std::shared_ptr<VelScrollingCapture> captureObject)
-      : captureObject(std::move(captureObject)) {}
+  EndOfStitch(std::shared_ptr<VelScrollingCapture> captureObject, StitcherAdapter& adapter)
+      : captureObject(std::move(captureObject)), adapter(adapter) {}
   EndOfStitch(const EndOfStitch&) = delete;
   EndOfStitch& operator=(const EndOfStitch&) = delete;
-  ~EndOfStitch() { captureObject->cleanupListener(); }
+  ~EndOfStitch() {
+    adapter.setProgressListener(nullptr);
+    captureObject->cleanupListener();
+  }
 
  private:
   const std::shared_ptr<VelScrollingCapture> captureObject;
+  StitcherAdapter& adapter;
 };
 
 }  // namespace
@@ -42,7 +47,7 @@ std::shared_ptr<VelScrollingCapture> VelScrollingCapture::initWithExpectConsiste
     bool expectConsistentTranslations, int threadCount) {
   std::shared_ptr<VelScrollingCapture> captureObject(new VelScrollingCapture);
   captureObject->_stitcherAdapter = std::make_unique<StitcherAdapter>(
-      ScrollOrientation::Both, expectConsistentTranslations, threadCount);
+      ScrollOrientation::Both, expectConsistentTranslations, std::max(threadCount, 1));
   captureObject->setupStitcher();
   return captureObject;
 }
@@ -54,11 +59,13 @@ VelScrollingCapture::~VelScrollingCapture() {
 }
 
 void VelScrollingCapture::setupStitcher() {
-  if (!_stitcherAdapter) {
+  if (stitcherAdapter() == nullptr) {
     _stitcherAdapter = std::make_unique<StitcherAdapter>();
   }
   _progressListener = std::make_unique<ProgressListener>(shared_from_this());
-  _stitcherAdapter->setProgressListener(_progressListener.get());
+  if (StitcherAdapter* const adapter = stitcherAdapter()) {
+    adapter->setProgressListener(_progressListener.get());
+  }
   setPreviewImageSize(DefaultPreviewSize);
 }
 
@@ -69,11 +76,12 @@ void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& 
 CaptureOutcome VelScrollingCapture::addCapture(const std::optional<PlatformImage>& image) try {
   const cv::Mat capture = image ? image->CVMat() : cv::Mat();
   makePreviewWhenAbsent();
-  if (!_stitcherAdapter) {
+  StitcherAdapter* const adapter = stitcherAdapter();
+  if (adapter == nullptr) {
     return {CaptureOutcome::State::Unusable, "has no adapter to be added to", {}};
   }
   constexpr bool KeepRepeats = false;
-  return CaptureIntake(*_stitcherAdapter, _previewImageCreator.get(), KeepRepeats).Add(capture);
+  return CaptureIntake(*adapter, previewImageCreator(), KeepRepeats).Add(capture);
 } catch (const cv::Exception&) {
   return {CaptureOutcome::State::Unusable,
           "cannot be compared with the last one, or finds no memory",
@@ -81,26 +89,28 @@ CaptureOutcome VelScrollingCapture::addCapture(const std::optional<PlatformImage
 }
 
 std::optional<PlatformImage> VelScrollingCapture::currentImagePreview() try {
-  if (!_previewImageCreator) {
+  PreviewImage* const preview = previewImageCreator();
+  if (preview == nullptr) {
     return std::nullopt;
   }
   const cv::Size size = wholePreviewSize();
   return bitmapImageRepresentation(
-      PlatformImage::imageWithCVMat(_previewImageCreator->GetPreview(size.width, size.height)));
+      PlatformImage::imageWithCVMat(preview->GetPreview(size.width, size.height)));
 } catch (const cv::Exception&) {
   return std::nullopt;
 }
 
 std::optional<PlatformImage> VelScrollingCapture::stitchAndReturnFinalImage() {
-  if (!_progressListener || !_stitcherAdapter) {
+  StitcherAdapter* const adapter = stitcherAdapter();
+  if (adapter == nullptr || (adapter->progressListener() == nullptr && !_progressListener)) {
     return std::nullopt;
   }
-  const EndOfStitch end(shared_from_this());
+  const EndOfStitch end(shared_from_this(), *adapter);
   try {
-    if (!_stitcherAdapter->stitchImages()) {
+    if (!adapter->stitchImages()) {
       return std::nullopt;
     }
-    return bitmapImageRepresentation(PlatformImage::imageWithCVMat(_stitcherAdapter->getResult()));
+    return bitmapImageRepresentation(PlatformImage::imageWithCVMat(adapter->getResult()));
   } catch (const cv::Exception&) {
     return std::nullopt;
   }
@@ -128,8 +138,9 @@ void VelScrollingCapture::stitchingComplete(bool /*success*/) { cleanupListener(
 
 void VelScrollingCapture::cleanupListener() {
   const std::shared_ptr<VelScrollingCapture> self = weak_from_this().lock();
-  if (_stitcherAdapter) {
-    _stitcherAdapter->setProgressListener(nullptr);
+  StitcherAdapter* const adapter = stitcherAdapter();
+  if (adapter != nullptr && adapter->progressListener() == _progressListener.get()) {
+    adapter->setProgressListener(nullptr);
   }
   _progressListener.reset();
 }
@@ -187,7 +198,7 @@ void VelScrollingCapture::setPreviewImageCreator(PreviewImage* preview) {
 
 /// A preview that cannot be made must not cost the capture; the next capture tries again.
 void VelScrollingCapture::makePreviewWhenAbsent() try {
-  if (!_previewImageCreator) {
+  if (previewImageCreator() == nullptr) {
     _previewImageCreator = MakeHostPreview(wholePreviewSize());
   }
 } catch (const cv::Exception&) {
