@@ -7,11 +7,15 @@
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/core/ScrollOrientation.h>
+#include <VelScrollingCapture/mosaic/Mosaic.h>
 
 namespace ScrollingCapture {
 
 /// How captures are joined.
 enum class Engine {
+  /// Joins that are proven on the pixels, against everything seen before, and a mosaic of what is
+  /// uncovered: see CapturePlacer and Mosaic.
+  Exact,
   /// Phase correlation of neighbouring captures, and hard seams: see BasicStitcher.
   PhaseCorrelation,
 };
@@ -24,7 +28,7 @@ struct BorderThresholds {
 
 /// What a CaptureSession is asked to do.
 struct SessionSettings {
-  Engine engine = Engine::PhaseCorrelation;
+  Engine engine = Engine::Exact;
 
   /// The directions in which the content may move.
   ScrollOrientation orientation = Both;
@@ -38,6 +42,9 @@ struct SessionSettings {
 
   /// Whether captures that show the same as the one before are kept.
   bool keepRepeats = false;
+
+  /// With exact joins: what becomes of toolbars and other parts that stand still.
+  FixedParts fixedParts = FixedParts::Once;
 
   /// With phase correlation: find what stands still at the edges of the captures, and lay it around
   /// the result once. Nothing: stitch the captures as they are.

@@ -38,6 +38,12 @@ void AddAll(CaptureSession& session, const std::vector<cv::Mat>& captures) {
   }
 }
 
+SessionSettings Correlating() {
+  SessionSettings settings;
+  settings.engine = Engine::PhaseCorrelation;
+  return settings;
+}
+
 /// The only part of a result, as a whole.
 cv::Mat WholePicture(const SessionResult& result) {
   EXPECT_EQ(result.parts.size(), 1U);
@@ -96,7 +102,7 @@ TEST(CaptureSession, DropsRepeatsUnlessAskedToKeepThem) {
   CaptureSession dropping({});
   EXPECT_EQ(dropping.Add(capture).state, State::Placed);
   EXPECT_EQ(dropping.Add(capture.clone()).state, State::Repeated);
-  SessionSettings settings;
+  SessionSettings settings = Correlating();
   settings.keepRepeats = true;
   CaptureSession keeping(settings);
   EXPECT_EQ(keeping.Add(capture).state, State::Placed);
@@ -107,7 +113,7 @@ TEST(CaptureSession, DropsRepeatsUnlessAskedToKeepThem) {
 }
 
 TEST(CaptureSession, LooksForMotionInTheAskedDirectionsOnly) {
-  SessionSettings settings;
+  SessionSettings settings = Correlating();
   settings.orientation = Horizontal;
   CaptureSession session(settings);
   AddAll(session, ScrolledCaptures(2));
@@ -178,7 +184,7 @@ std::vector<cv::Mat> BorderedCaptures() {
 }
 
 TEST(CaptureSession, FindsBordersWhereAskedTo) {
-  SessionSettings settings;
+  SessionSettings settings = Correlating();
   settings.borders = BorderThresholds{};
   CaptureSession session(settings);
   AddAll(session, BorderedCaptures());

@@ -101,6 +101,10 @@ class CommandLine {
         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
     app.add_option("-o,--output", arguments.outputs.image, "The stitched image to write")
         ->type_name("FILE");
+    app.add_option("--engine", engine,
+                   "How captures are joined: exact (proven on the pixels) or\nphase-correlation")
+        ->type_name("WHICH")
+        ->capture_default_str();
     app.add_option("--orientation", orientation,
                    "The directions in which the content scrolled:\nvertical, horizontal or both")
         ->type_name("WHICH")
@@ -152,7 +156,10 @@ class CommandLine {
     if (arguments.outputs.image.empty()) {
       throw BadInput("no output file given; name one with -o FILE");
     }
+    arguments.session.engine = ParseEngine(engine);
     arguments.session.orientation = ParseOrientation(orientation);
+    arguments.session.fixedParts = ParseFixedParts(fixedParts);
+    CheckEngine();
     arguments.session.threadCount = ParseNumber("--threads", threads, 1, MostThreads);
     if (borders) {
       arguments.session.borders = BorderThresholds{
@@ -172,6 +179,18 @@ class CommandLine {
   }
 
  private:
+  void CheckEngine() const {
+    const bool isExact = arguments.session.engine == Engine::Exact;
+    if (isExact && borders) {
+      throw BadInput(
+          "--borders needs --engine phase-correlation; without it, --fixed once shows "
+          "toolbars once");
+    }
+    if (!isExact && fixedOption->count() > 0) {
+      throw BadInput("--fixed needs --engine exact; with phase-correlation there is --borders");
+    }
+  }
+
   void CheckOutputOptions() {
     EncodingSettings& encoding = arguments.outputs.encoding;
     encoding.threads = arguments.session.threadCount;
@@ -189,8 +208,10 @@ class CommandLine {
   void AddBorderOptions() {
     CLI::Option* const switchOn = app.add_flag(
         "--borders", borders,
-        "Find toolbars and other borders that stay put, stitch\nwhat scrolls between them, "
-        "and lay them around it once;\nblank margins of a page count as borders too");
+        "With --engine phase-correlation: find toolbars and other\nborders that stay put, stitch "
+        "what scrolls between them,\nand lay them around it once; blank margins of a page\ncount "
+        "as "
+        "borders too");
     app.add_option("--difference-threshold", differenceThreshold,
                    "The grey-level difference, 0 to 255, above which a pixel\nhas changed from one "
                    "capture to the next")
@@ -207,6 +228,11 @@ class CommandLine {
   }
 
   void AddJoinOptions() {
+    fixedOption = app.add_option("--fixed", fixedParts,
+                                 "What becomes of toolbars and other parts that stand still:\n"
+                                 "shown once, or kept as each capture has them")
+                      ->type_name("WHICH")
+                      ->capture_default_str();
     app.add_flag("--strict", arguments.strict,
                  "Fail, and write nothing, when a join is doubtful or\nmissing");
     app.add_option("--joins", arguments.joins,
@@ -258,6 +284,9 @@ class CommandLine {
 
   CLI::App app{"Joins the captures of a scrolling window into one image.", "velscroll"};
   Arguments arguments;
+  std::string engine = NameOf(SessionSettings().engine);
+  std::string fixedParts = NameOf(SessionSettings().fixedParts);
+  CLI::Option* fixedOption = nullptr;
   std::string orientation = NameOf(ScrollOrientation::Both);
   bool borders = false;
   // Both leave room on either side for what was measured: anti-aliased text changes by far more

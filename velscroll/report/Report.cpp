@@ -70,10 +70,12 @@ Json Describe(const BorderThresholds& thresholds) {
 
 Json Describe(const SessionSettings& settings) {
   return {
+      {"engine", NameOf(settings.engine)},
       {"orientation", NameOf(settings.orientation)},
       {"consistent", settings.expectConsistentTranslations},
       {"threads", settings.threadCount},
       {"keepRepeats", settings.keepRepeats},
+      {"fixed", settings.engine == Engine::Exact ? Json(NameOf(settings.fixedParts)) : Json()},
       {"borders", settings.borders ? Describe(*settings.borders) : Json()},
       {"memoryLimit", settings.memoryLimit ? Json(*settings.memoryLimit) : Json()},
   };

@@ -9,8 +9,8 @@
 #include <opencv2/imgproc.hpp>
 #include <testkit/MatrixTesting.h>
 #include <testkit/output/MemorySink.h>
-#include <velscroll/pixels/Premultiplication.h>
 #include <velscroll/output/RowWriter.h>
+#include <velscroll/pixels/Premultiplication.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
