@@ -33,6 +33,11 @@ struct CaptureAnchors {
   }
 };
 
+/// The middle of the patch at a place.
+inline cv::Point CentreOf(const cv::Point& place) {
+  return place + cv::Point(PatchSide / 2, PatchSide / 2);
+}
+
 /// Throws std::invalid_argument unless the capture has pixels of 8 bits in 1, 3 or 4 channels.
 void RequireUsableCapture(const cv::Mat& capture);
 

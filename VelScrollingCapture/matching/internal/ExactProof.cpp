@@ -16,11 +16,13 @@ constexpr int MostTilesAgainst = 3;
 constexpr int LeastContradiction = 64;
 constexpr int LeastPossible = 24;
 
-/// Parts that stand still may outweigh the content that moves so many times.
-constexpr int MostStanding = 16;
+constexpr int ManyUnique = 48;
 
 /// Below this share of what agrees, a contradiction is small.
 constexpr int SmallContradiction = 8;
+
+/// So many cells may be excused for each one that is seen to stand still, or to move.
+constexpr int MostExcuses = 32;
 
 /// The least number of cells by which a motion explains more than another one.
 constexpr int LeastWin = 4;
@@ -54,8 +56,7 @@ cv::Mat UniqueCells(const std::vector<Match>& matches, const cv::Point& motion,
   cv::Mat agreeing = cv::Mat::zeros(cells, CV_8UC1);
   for (const Match& match : matches) {
     if (match.motion == motion) {
-      const cv::Point centre = match.place + cv::Point(PatchSide / 2, PatchSide / 2);
-      agreeing.at<unsigned char>(centre / CellSide) = 1;
+      agreeing.at<unsigned char>(CentreOf(match.place) / CellSide) = 1;
     }
   }
   return agreeing;
@@ -121,7 +122,22 @@ cv::Rect AllOf(const cv::Mat& cells) { return {{0, 0}, cells.size()}; }
 
 }  // namespace
 
-bool Finding::IsClean() const { return contradicting * SmallContradiction <= unique; }
+bool Finding::IsPlausible(bool isDominant) const {
+  if (unique < LeastUnique) {
+    return false;
+  }
+  if (tilesUnique >= tilesAgainstUnique) {
+    return true;
+  }
+  const bool isUniqueEnough = tilesUnique * MostTilesAgainst >= tilesAgainst || isDominant;
+  return (isUniqueEnough && tilesAgreeing >= 2 * tilesAgainst) ||
+         (isDominant && unique >= ManyUnique && 2 * tilesAgreeing >= tilesAgainst);
+}
+
+bool Finding::IsClean() const {
+  return contradicting * SmallContradiction <= unique && standing <= MostExcuses * witnesses &&
+         standing <= MostExcuses * unique;
+}
 
 bool Finding::IsPossible() const {
   return agreeing >= LeastPossible && standing <= agreeing &&
@@ -142,26 +158,22 @@ Finding ExactProof::Examine(const cv::Point& motion) const {
   finding.motion = motion;
   finding.comparison = Compare(earlier, later, motion, Vectors::Widest);
   const StandingParts parts = FindStandingParts(matches, motion, later.size());
+  finding.witnesses = parts.witnesses;
   const cv::Mat contradicting =
       ContradictingCells(finding.comparison, motion, parts, finding.standing);
-  cv::Mat unique = UniqueCells(matches, motion, contradicting.size());
+  const cv::Mat unique = UniqueCells(matches, motion, contradicting.size());
   finding.unique = cv::countNonZero(unique);
   finding.contradicting = cv::countNonZero(contradicting);
-  if (finding.unique * MostStanding < finding.standing) {
-    return finding;
-  }
   const int tileCells = TileCells(later.size());
-  const Tiles first = CompareTiles(unique, contradicting, tileCells, AllOf(unique));
-  finding.isPlausible = finding.unique >= LeastUnique && first.more >= first.notMore;
-  if (!finding.isPlausible) {
+  const Tiles byUnique = CompareTiles(unique, contradicting, tileCells, AllOf(unique));
+  finding.tilesUnique = byUnique.more;
+  finding.tilesAgainstUnique = byUnique.notMore;
+  if (byUnique.notMore > 0 || finding.unique < LeastUnique) {
     const cv::Mat agreeing = AgreeingCells(finding.comparison, Detailed(), parts);
     finding.agreeing = cv::countNonZero(agreeing);
-    unique &= agreeing;
-    const Tiles byUnique = CompareTiles(unique, contradicting, tileCells, AllOf(unique));
     const Tiles byAgreeing = CompareTiles(agreeing, contradicting, tileCells, AllOf(unique));
-    finding.isPlausible = cv::countNonZero(unique) >= LeastUnique &&
-                          byAgreeing.more >= 2 * byAgreeing.notMore &&
-                          byUnique.more * MostTilesAgainst >= byAgreeing.notMore;
+    finding.tilesAgreeing = byAgreeing.more;
+    finding.tilesAgainst = byAgreeing.notMore;
   }
   return finding;
 }
@@ -172,14 +184,14 @@ bool ExactProof::StandsStill() const {
   int standing = 0;
   const cv::Mat contradicting = ContradictingCells(comparison, {}, none, standing);
   const cv::Mat agreeing = AgreeingCells(comparison, Detailed(), none);
-  const auto agreesEnough = [&](const cv::Rect& part) {
+  const auto tilesOf = [&](const cv::Rect& part) {
     const Tiles tiles = CompareTiles(agreeing, contradicting, TileCells(later.size()), part);
-    return 2 * tiles.more >= 3 * tiles.notMore;
+    return tiles.notMore == 0 ? 1e9 : 1.0 * tiles.more / tiles.notMore;
   };
   const cv::Point margin(agreeing.cols / EdgeParts, agreeing.rows / EdgeParts);
   const cv::Rect interior(margin, cv::Point(agreeing.size()) - margin);
   return cv::countNonZero(UniqueCells(matches, {}, agreeing.size())) >= LeastUnique &&
-         agreesEnough(AllOf(agreeing)) && agreesEnough(interior);
+         tilesOf(AllOf(agreeing)) >= 1.5 && tilesOf(interior) >= 0.5;
 }
 
 bool ExactProof::Beats(const cv::Point& motion, const cv::Point& rival) const {

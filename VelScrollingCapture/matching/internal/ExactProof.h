@@ -17,9 +17,18 @@ struct Finding {
   int agreeing = 0;       ///< cells with detail that agree, unique or not
   int contradicting = 0;  ///< cells that disagree without an excuse
   int standing = 0;       ///< cells that disagree since a part stands still there
+  int witnesses = 0;      ///< cells that are seen to stand still
+
+  /// Tiles where unique cells outweigh contradiction, where all agreeing cells with detail do, and
+  /// where contradiction outweighs either.
+  int tilesUnique = 0;
+  int tilesAgreeing = 0;
+  int tilesAgainstUnique = 0;
+  int tilesAgainst = 0;
 
   /// Whether the motion may be the content's.
-  bool isPlausible = false;
+  /// @param isDominant whether hardly any anchor votes for another one
+  bool IsPlausible(bool isDominant) const;
 
   /// Whether what disagrees is small beside what agrees.
   bool IsClean() const;

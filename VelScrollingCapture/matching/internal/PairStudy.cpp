@@ -22,6 +22,15 @@ constexpr std::size_t MostRepeatedCandidates = 32;
 /// Fewer votes can not reach the cells that a motion needs.
 constexpr int LeastVotes = 8;
 
+/// So many votes are no accident, even where many anchors vote otherwise.
+constexpr int ManyVotes = 48;
+
+/// Anchors that stand still may outnumber those of the content so many times.
+constexpr int MostStanding = 16;
+
+/// A motion is dominant with so many times the votes of the next.
+constexpr int Dominance = 8;
+
 constexpr int StrongEvidence = 24;
 
 constexpr std::size_t MostEvidence = 32;
@@ -55,6 +64,7 @@ class PairStudyRun {
         earlierKeys(PixelKeysOf(earlier.pixels)),
         laterKeys(PixelKeysOf(later.pixels)),
         matches(UniqueMatches(earlier.anchors, later.anchors, settings.orientation)),
+        counted(CountMotions(matches)),
         proof(earlierKeys, laterKeys, matches) {}
 
   /// What the pixels say about a motion that somebody prescribes.
@@ -68,7 +78,7 @@ class PairStudyRun {
     const auto same = std::find(join.alternatives.begin(), join.alternatives.end(), prescribed);
     if (same != join.alternatives.end()) {
       *same = join.motion;
-    } else if (proof.Examine(motion).isPlausible) {
+    } else if (IsPlausible(proof.Examine(motion))) {
       join.alternatives.assign(join.verdict == Verdict::None ? 0 : 1, join.motion);
       join.verdict = join.alternatives.empty() ? Verdict::Likely : Verdict::Doubtful;
     } else {
@@ -110,7 +120,7 @@ class PairStudyRun {
     match.join.motion = ToTranslation(plausible[best].motion);
     for (const TolerantFinding& rival : plausible) {
       if (!IsExcused(rival.motion, plausible[best].motion) &&
-          !TolerantProof::Beats(plausible[best], rival)) {
+          !plausible[best].Outclasses(rival) && !TolerantProof::Beats(plausible[best], rival)) {
         match.join.verdict = Verdict::Doubtful;
         match.join.alternatives.push_back(ToTranslation(rival.motion));
       }
@@ -119,13 +129,13 @@ class PairStudyRun {
     return match;
   }
 
-  static void AddPlausible(const TolerantProof& tolerant, const cv::Point& motion,
-                           std::vector<TolerantFinding>& plausible) {
+  void AddPlausible(const TolerantProof& tolerant, const cv::Point& motion,
+                    std::vector<TolerantFinding>& plausible) const {
     const bool isKnown = std::any_of(plausible.begin(), plausible.end(),
                                      [&](const auto& known) { return known.motion == motion; });
     if (!isKnown) {
       TolerantFinding finding = tolerant.Examine(motion);
-      if (finding.IsPlausible()) {
+      if (finding.IsPlausible(IsSupported(motion))) {
         plausible.push_back(std::move(finding));
       }
     }
@@ -174,7 +184,6 @@ class PairStudyRun {
                                             const cv::Mat& laterGrey) const {
     std::vector<cv::Point> candidates =
         CorrelationCandidates(earlierGrey, laterGrey, settings.orientation);
-    const std::vector<CountedMotion> counted = CountMotions(matches);
     for (std::size_t i = 0; i < std::min(counted.size(), MostCandidates / 2); ++i) {
       if (std::find(candidates.begin(), candidates.end(), counted[i].motion) == candidates.end()) {
         candidates.push_back(counted[i].motion);
@@ -184,7 +193,7 @@ class PairStudyRun {
   }
 
   std::optional<PairMatch> ByUniqueAnchors() {
-    std::vector<CountedMotion> candidates = CountMotions(matches);
+    std::vector<CountedMotion> candidates = counted;
     candidates.erase(std::find_if(candidates.begin(), candidates.end(),
                                   [](const auto& counted) { return counted.votes < LeastVotes; }),
                      candidates.end());
@@ -193,14 +202,17 @@ class PairStudyRun {
     }
     if (!candidates.empty() && candidates.front().motion == cv::Point()) {
       const Finding still = proof.Examine({});
-      if (still.isPlausible && still.IsClean()) {
+      if (still.IsPlausible(false) && still.IsClean()) {
         return Accept(still, {}, false);
       }
     }
     for (const CountedMotion& candidate : candidates) {
       if (candidate.motion != cv::Point()) {
         const Finding finding = proof.Examine(candidate.motion);
-        if (finding.isPlausible) {
+        if (IsPlausible(finding)) {
+          if (!IsSharp(finding)) {
+            return std::nullopt;
+          }
           return Judge(finding, candidates);
         }
       }
@@ -209,6 +221,60 @@ class PairStudyRun {
       return Accept(proof.Examine({}), {}, false);
     }
     return std::nullopt;
+  }
+
+  int VotesFor(const cv::Point& motion) const {
+    const auto found = std::find_if(counted.begin(), counted.end(),
+                                    [&](const auto& other) { return other.motion == motion; });
+    return found == counted.end() ? 0 : found->votes;
+  }
+
+  bool IsDominant(const cv::Point& motion) const {
+    const auto rival = std::find_if(counted.begin(), counted.end(), [&](const auto& other) {
+      return !AreNeighbours(other.motion, motion) && !IsPartOf(other.motion, motion);
+    });
+    const int votes = VotesFor(motion);
+    return votes > 0 && (rival == counted.end() || votes >= Dominance * rival->votes);
+  }
+
+  bool IsSupported(const cv::Point& motion) const {
+    const int votes = VotesFor(motion);
+    return votes >= ManyVotes && 4 * votes >= counted.front().votes;
+  }
+
+  bool IsPlausible(const Finding& finding) const {
+    return finding.IsPlausible(IsDominant(finding.motion)) &&
+           (finding.motion == cv::Point() ||
+            VotesFor(finding.motion) * MostStanding >= VotesFor({}));
+  }
+
+  /// Whether no neighbour of a motion explains more, noise aside: blocks of lossy files may agree
+  /// under a motion close to the right one.
+  bool IsSharp(const Finding& finding) const {
+    if (finding.tilesUnique >= finding.tilesAgainstUnique) {
+      return true;
+    }
+    const cv::Mat earlierGrey = GreyOf(earlier.pixels);
+    const cv::Mat laterGrey = GreyOf(later.pixels);
+    const TolerantProof tolerant(earlierGrey, laterGrey);
+    const double explained = tolerant.Examine(finding.motion).explained;
+    const std::vector<cv::Point> neighbours = NeighboursOf(finding.motion);
+    return std::none_of(neighbours.begin(), neighbours.end(), [&](const cv::Point& neighbour) {
+      return tolerant.Examine(neighbour).explained > explained;
+    });
+  }
+
+  std::vector<cv::Point> NeighboursOf(const cv::Point& motion) const {
+    std::vector<cv::Point> neighbours;
+    for (int y = -1; y <= 1; ++y) {
+      for (int x = -1; x <= 1; ++x) {
+        const cv::Point neighbour = motion + cv::Point(x, y);
+        if (neighbour != motion && IsAllowed(neighbour, settings.orientation)) {
+          neighbours.push_back(neighbour);
+        }
+      }
+    }
+    return neighbours;
   }
 
   PairMatch Judge(const Finding& finding, const std::vector<CountedMotion>& candidates) {
@@ -222,7 +288,7 @@ class PairStudyRun {
       }
       if (AreNeighbours(rival, finding.motion)) {
         isDrawnAnew = true;
-      } else if (proof.Examine(rival).isPlausible) {
+      } else if (IsPlausible(proof.Examine(rival))) {
         rivals.push_back(rival);
       }
     }
@@ -251,18 +317,39 @@ class PairStudyRun {
     return match;
   }
 
+  std::vector<cv::Point> PossibleMotions() const {
+    std::vector<cv::Point> motions;
+    const auto add = [&](const std::vector<CountedMotion>& candidates, std::size_t most) {
+      for (std::size_t i = 0; i < std::min(candidates.size(), most); ++i) {
+        if (std::find(motions.begin(), motions.end(), candidates[i].motion) == motions.end()) {
+          motions.push_back(candidates[i].motion);
+        }
+      }
+    };
+    add(counted, MostCandidates);
+    add(MotionsOfRepeatedAnchors(earlier.anchors, later.anchors, settings.orientation),
+        MostRepeatedCandidates);
+    return motions;
+  }
+
   std::optional<PairMatch> ByRepeatedAnchors() {
-    const std::vector<CountedMotion> candidates =
-        MotionsOfRepeatedAnchors(earlier.anchors, later.anchors, settings.orientation);
     std::vector<Finding> survivors;
-    for (std::size_t i = 0; i < std::min(candidates.size(), MostRepeatedCandidates); ++i) {
-      Finding finding = proof.Examine(candidates[i].motion);
+    for (const cv::Point& candidate : PossibleMotions()) {
+      Finding finding = proof.Examine(candidate);
       if (finding.IsPossible()) {
         survivors.push_back(std::move(finding));
       }
     }
     if (survivors.empty()) {
       return std::nullopt;
+    }
+    if (survivors.size() == 1) {
+      for (const cv::Point& neighbour : NeighboursOf(survivors.front().motion)) {
+        Finding finding = proof.Examine(neighbour);
+        if (finding.IsPossible()) {
+          survivors.push_back(std::move(finding));
+        }
+      }
     }
     std::sort(survivors.begin(), survivors.end(), [](const auto& left, const auto& right) {
       return IsSmaller(left.motion, right.motion);
@@ -284,6 +371,7 @@ class PairStudyRun {
   const cv::Mat earlierKeys;
   const cv::Mat laterKeys;
   const std::vector<Match> matches;
+  const std::vector<CountedMotion> counted;
   const ExactProof proof;
 };
 

@@ -13,6 +13,12 @@ constexpr int Marked = 255;
 /// How far apart letters of one part may be, in cells.
 constexpr int Reach = 2;
 
+/// Between letters of a bar, and from them to the window's edge, there are at most so many cells.
+constexpr int BarReach = 10;
+
+/// Fewer anchors are no part.
+constexpr int LeastAnchors = 8;
+
 /// A bar or panel takes at most this share of the window.
 constexpr double LargestBar = 0.4;
 
@@ -30,7 +36,10 @@ template <typename LineAt>
 void MarkBar(Sightings& seen, int lines, LineAt lineAt) {
   int last = -1;
   const int most = static_cast<int>(lines * LargestBar);
-  for (int line = 0; line < most && !IsMarked(lineAt(seen.moving, line)); ++line) {
+  for (int line = 0; line < most && line <= last + BarReach; ++line) {
+    if (IsMarked(lineAt(seen.moving, line))) {
+      break;
+    }
     if (IsMarked(lineAt(seen.standing, line))) {
       last = line;
     }
@@ -65,9 +74,20 @@ void FillParts(Sightings& seen) {
   }
 }
 
-bool StandsStill(const cv::Point& seen, const cv::Point& motion) {
-  return seen != motion && (seen == cv::Point(0, 0) || seen == cv::Point(motion.x, 0) ||
-                            seen == cv::Point(0, motion.y));
+/// The motions that parts of the window have besides the content's.
+std::vector<cv::Point> MotionsOfParts(const std::vector<Match>& matches, const cv::Point& motion) {
+  std::vector<cv::Point> parts;
+  if (motion != cv::Point()) {
+    for (const cv::Point& part :
+         {cv::Point(0, 0), cv::Point(motion.x, 0), cv::Point(0, motion.y)}) {
+      const auto anchors = std::count_if(matches.begin(), matches.end(),
+                                         [&](const Match& match) { return match.motion == part; });
+      if (part != motion && anchors >= LeastAnchors) {
+        parts.push_back(part);
+      }
+    }
+  }
+  return parts;
 }
 
 cv::Mat Complete(Sightings& seen) {
@@ -96,16 +116,19 @@ StandingParts FindStandingParts(const std::vector<Match>& matches, const cv::Poi
   const auto none = [cells] { return Sightings{cv::Mat::zeros(cells, CV_8UC1), cv::Mat::zeros(cells, CV_8UC1)}; };
   Sightings earlier = none();
   Sightings later = none();
+  const std::vector<cv::Point> parts = MotionsOfParts(matches, motion);
+  cv::Mat witnesses = cv::Mat::zeros(cells, CV_8UC1);
   for (const Match& match : matches) {
     if (match.motion == motion) {
       MarkPatch(earlier.moving, match.place - match.motion);
       MarkPatch(later.moving, match.place);
-    } else if (motion != cv::Point() && StandsStill(match.motion, motion)) {
+    } else if (std::find(parts.begin(), parts.end(), match.motion) != parts.end()) {
       MarkPatch(earlier.standing, match.place - match.motion);
       MarkPatch(later.standing, match.place);
+      witnesses.at<unsigned char>(CentreOf(match.place) / CellSide) = Marked;
     }
   }
-  return {Complete(earlier), Complete(later)};
+  return {Complete(earlier), Complete(later), cv::countNonZero(witnesses)};
 }
 
 }  // namespace ScrollingCapture

@@ -14,6 +14,7 @@ namespace ScrollingCapture {
 struct StandingParts {
   cv::Mat earlier;  ///< CV_8UC1, one element a cell, not 0 where the part lies in that capture
   cv::Mat later;
+  int witnesses = 0;  ///< how many cells of the later capture have anchors that say so
 };
 
 /// Finds them by anchors that agree under (0, 0), or under one axis of the motion. What lies between

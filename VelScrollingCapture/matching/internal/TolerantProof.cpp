@@ -19,6 +19,9 @@ constexpr float MostResidue = 0.25F;
 /// A residue below this one is as good as none.
 constexpr float LeastResidue = 0.02F;
 
+/// Bars at an edge take at most one of so many parts of a window.
+constexpr int EdgeParts = 6;
+
 constexpr int LeastTiles = 8;
 constexpr int ManyTiles = 24;
 constexpr int LeastWin = 4;
@@ -94,11 +97,22 @@ bool IsExact(const cv::Mat& one, const cv::Mat& other) {
 
 }  // namespace
 
-bool TolerantFinding::IsPlausible() const {
-  if (tilesFor < LeastTiles || tilesExact * 2 > tilesFor) {
+bool TolerantFinding::IsPlausible(bool isSupported) const {
+  if (tilesFor < LeastTiles || explained * 4 < tilesFor * double{MostResidue}) {
     return false;
   }
+  if (motion == cv::Point() && 2 * innerFor < innerAgainst) {
+    return false;
+  }
+  if (tilesExact * 2 > tilesFor) {
+    return tilesAgainst * (isSupported ? 4 : 64) <= tilesFor;
+  }
   return tilesFor < ManyTiles ? tilesFor >= 3 * tilesAgainst : tilesFor >= tilesAgainst;
+}
+
+bool TolerantFinding::Outclasses(const TolerantFinding& rival) const {
+  return std::int64_t{rival.tilesAgainst} * tilesFor >
+         std::int64_t{4} * (tilesAgainst + 1) * rival.tilesFor;
 }
 
 TolerantProof::TolerantProof(const cv::Mat& earlier, const cv::Mat& later)
@@ -150,6 +164,8 @@ TolerantFinding TolerantProof::Examine(const cv::Point& motion) const {
   TolerantFinding finding;
   finding.motion = motion;
   finding.residues = Residues(motion, finding.explained);
+  const cv::Point margin(still.cols / EdgeParts, still.rows / EdgeParts);
+  const cv::Rect inner(margin, cv::Point(still.size()) - margin);
   for (int row = 0; row < still.rows; ++row) {
     for (int column = 0; column < still.cols; ++column) {
       const float residue = finding.residues.at<float>(row, column);
@@ -160,6 +176,9 @@ TolerantFinding TolerantProof::Examine(const cv::Point& motion) const {
       if (residue == Silent || standsStill) {
         continue;
       }
+      const bool isInner = row >= inner.y && row < inner.br().y && column >= inner.x &&
+                           column < inner.br().x;
+      (Agrees(residue) ? finding.innerFor : finding.innerAgainst) += static_cast<int>(isInner);
       if (Agrees(residue)) {
         ++finding.tilesFor;
         finding.tilesExact += static_cast<int>(IsExact(later(tile), earlier(tile - motion)));

@@ -13,10 +13,16 @@ struct TolerantFinding {
   double explained = 0;  ///< the variance that is explained without jitter, summed up over tiles
   int tilesFor = 0;
   int tilesAgainst = 0;
+  int innerFor = 0;      ///< of those, the tiles that are not near the capture's edge
+  int innerAgainst = 0;
   int tilesExact = 0;  ///< of those for the motion, the tiles that agree in every pixel
 
   /// Whether the motion may be the content's.
-  bool IsPlausible() const;
+  /// @param isSupported whether many anchors vote for it as well
+  bool IsPlausible(bool isSupported) const;
+
+  /// Whether a rival contradicts itself so much more that it is none.
+  bool Outclasses(const TolerantFinding& rival) const;
 };
 
 /// Tries motions on two grey captures that need not agree to the pixel: a tile agrees where the
