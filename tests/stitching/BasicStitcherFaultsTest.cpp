@@ -11,7 +11,7 @@
 #include <testkit/RecordingListener.h>
 #include <testkit/ScriptedDetector.h>
 #include <testkit/StreamCapture.h>
-#include <testkit/faults/FailingAllocator.h>
+#include <testkit/faults/EveryFailure.h>
 #include <testkit/faults/ThrowingListener.h>
 
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
@@ -23,8 +23,10 @@ namespace {
 
 using Testing::CountFailingAttempts;
 using testing::ElementsAre;
-using Testing::FailingAllocator;
+using Testing::FailingMemory;
+using Testing::ForEachFailingAllocation;
 using Testing::ListenerFailure;
+using Testing::MemoryFault;
 using Testing::NoiseCapture;
 using Testing::RecordingListener;
 using Testing::SameBits;
@@ -73,7 +75,7 @@ TEST(BasicStitcherOutOfMemory, LeavesCapturesAndResultAsTheyWereAndCanBeUsedAgai
   RecordingListener listener;
   {
     const StreamCapture errors(std::cerr);
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingMemory memory;
     EXPECT_FALSE(stitcher.Stitch(captures, result, &listener, 0, 100, true));
     EXPECT_EQ(errors.Text(),
               "Error: Failed to size the resulting image.\n"
@@ -86,7 +88,7 @@ TEST(BasicStitcherOutOfMemory, LeavesCapturesAndResultAsTheyWereAndCanBeUsedAgai
   EXPECT_TRUE(SameBits(result, Page()));
 }
 
-class BasicStitcherAllocations : public testing::TestWithParam<FailingAllocator::Failures> {};
+class BasicStitcherAllocations : public testing::TestWithParam<FailingMemory::Failures> {};
 
 TEST_P(BasicStitcherAllocations, GiveTheWholeResultOrAnErrorAndTheOldOne) {
   const cv::Mat page = Page();
@@ -96,31 +98,20 @@ TEST_P(BasicStitcherAllocations, GiveTheWholeResultOrAnErrorAndTheOldOne) {
     cv::Mat whole;
     ASSERT_TRUE(
         BasicStitcher(DetectorOfThePage()).Stitch(cleanCaptures, whole, nullptr, 0, 100, true));
-    const auto stitch = [&](size_t passing) {
+    ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
       BasicImageProvider captures = CapturesOf(captured);
       cv::Mat result;
       BasicStitcher stitcher(DetectorOfThePage());
       bool succeeded = false;
-      bool failed = false;
-      {
+      const bool failed = fault.HitsDuring([&] {
         const StreamCapture errors(std::cerr);
-        const FailingAllocator memory(passing, GetParam());
-        try {
-          succeeded = stitcher.Stitch(captures, result, nullptr, 0, 100, true);
-        } catch (const cv::Exception& error) {
-          EXPECT_EQ(error.code, cv::Error::StsNoMem);
-        }
-        failed = memory.HasFailed();
-      }
+        succeeded = stitcher.Stitch(captures, result, nullptr, 0, 100, true);
+      });
       EXPECT_EQ(succeeded, !failed);
       EXPECT_EQ(result.empty(), failed);
       EXPECT_TRUE(stitcher.Stitch(captures, result, nullptr, 0, 100, true));
       EXPECT_TRUE(SameBits(result, whole));
-      return failed;
-    };
-    const size_t liveBefore = FailingAllocator::LiveMatrices();
-    EXPECT_GT(CountFailingAttempts(stitch), 0);
-    EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore);
+    });
   }
 }
 
