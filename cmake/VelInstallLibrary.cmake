@@ -23,6 +23,10 @@ install(EXPORT VelScrollingCaptureTargets
   DESTINATION ${VEL_CMAKE_DIR}
   COMPONENT development)
 
+# A component of its own: a Debian package has its licence elsewhere.
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE
+  DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)
+
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/VelScrollingCaptureConfig.cmake.in
   ${PROJECT_BINARY_DIR}/VelScrollingCaptureConfig.cmake
