@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Every exported C++ class of the library.
+/// Everything that the library exports in C++.
 
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>
 #include <VelScrollingCapture/borders/BorderDetection.h>
@@ -10,6 +10,7 @@
 #include <VelScrollingCapture/core/IStitcher.h>
 #include <VelScrollingCapture/core/IStitcherListener.h>
 #include <VelScrollingCapture/core/ITranslationDetector.h>
+#include <VelScrollingCapture/core/Messages.h>
 #include <VelScrollingCapture/core/ScrollOrientation.h>
 #include <VelScrollingCapture/core/Translation.h>
 #include <VelScrollingCapture/core/Utilities.h>
@@ -21,6 +22,8 @@
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 #include <VelScrollingCapture/frontend/Version.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
+#include <VelScrollingCapture/seams/Layout.h>
+#include <VelScrollingCapture/seams/Seam.h>
 #include <VelScrollingCapture/similarity/RepeatFilter.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/stitching/StitcherFactory.h>

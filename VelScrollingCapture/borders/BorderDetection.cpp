@@ -1,6 +1,5 @@
-#include <iostream>
-
 #include <VelScrollingCapture/borders/BorderDetection.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 
 namespace ScrollingCapture {
 
@@ -15,11 +14,11 @@ bool BorderDetection::Stitch(IImageProvider& images, cv::Mat& result, IStitcherL
 
   const bool bordersFound = ExtractBorders(images);
   if (!stitcher->Stitch(images, result, listener, progressStart, progressEnd, false)) {
-    std::cerr << "Error: Failed to stitch images." << std::endl;
+    TellError("Error: Failed to stitch images.");
     return complete(false);
   }
   if (bordersFound && !ApplyBorders(result)) {
-    std::cerr << "Error: Found borders, but failed to apply them to result image." << std::endl;
+    TellError("Error: Found borders, but failed to apply them to result image.");
     return listener != nullptr &&
            complete(listener->StitchingError(IStitcherListener::BorderApplicationFailed, true));
   }

@@ -5,7 +5,7 @@ namespace ScrollingCapture {
 
 double Utilities::CalculateSimilarity(const cv::Mat& first, const cv::Mat& second) {
   CV_Assert(!first.empty() && first.size() == second.size());
-  const auto total = static_cast<double>(SumOfGreyDifferences(first, second));
+  const double total = SumOfGreyDifferences(first, second);
   const auto rows = static_cast<double>(first.rows);
   const auto columns = static_cast<double>(first.cols);
   return total / (columns * -255.0 * rows) + 1.0;

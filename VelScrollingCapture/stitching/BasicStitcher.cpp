@@ -1,10 +1,12 @@
 #include <cstdint>
-#include <iostream>
 #include <utility>
 
+#include <VelScrollingCapture/core/Place.h>
 #include <VelScrollingCapture/core/Utilities.h>
-#include <VelScrollingCapture/core/internal/Narrowing.h>
+#include <VelScrollingCapture/core/internal/Completion.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
+#include <VelScrollingCapture/seams/Layout.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 
 namespace ScrollingCapture {
@@ -12,26 +14,20 @@ namespace {
 
 constexpr double DetectionShareOfProgress = 0.9;
 
-void NotifyCompletion(IStitcherListener* listener, bool notifyCompletion, bool success) {
-  if (listener != nullptr && notifyCompletion) {
-    listener->StitchingComplete(success);
-  }
-}
-
 void NotifyError(IStitcherListener* listener, int code) {
   if (listener != nullptr) {
     listener->StitchingError(static_cast<IStitcherListener::StitcherErrorCodes>(code), false);
   }
 }
 
-/// The rows that a placement covers in the result; a placement's x is a row.
-cv::Range RowsOf(const cv::Rect& placement) {
-  return {placement.x, placement.x + placement.height};
+/// The rows of the result that a capture of `size` covers at `place`.
+cv::Range RowsOf(const Place& place, const cv::Size& size) {
+  return {place.row, place.row + size.height};
 }
 
-/// The columns that a placement covers in the result; a placement's y is a column.
-cv::Range ColumnsOf(const cv::Rect& placement) {
-  return {placement.y, placement.y + placement.width};
+/// The columns of the result that a capture of `size` covers at `place`.
+cv::Range ColumnsOf(const Place& place, const cv::Size& size) {
+  return {place.column, place.column + size.width};
 }
 
 /// Wide enough for every progress range.
@@ -52,48 +48,18 @@ int BuildProgress(size_t index, size_t count, int progressStart, int progressEnd
   return TruncateToInt(static_cast<float>(index) * step + static_cast<float>(progressStart));
 }
 
-/// How far the captures reach along one axis, as they are placed one after another. Wider than any
-/// result can be, since a detector may report any motion.
-class AxisExtent {
- public:
-  explicit AxisExtent(int captureLength) : end(captureLength), maximumEnd(captureLength) {}
-
-  void Move(int translation) {
-    if (translation < 0) {
-      MoveForward(-std::int64_t{translation});
-    } else {
-      MoveBack(translation);
-    }
+/// The stitch of a single capture. It is fetched first: the listener hears of the end of the work
+/// only when there is a result.
+bool ShareOnlyCapture(IImageProvider& provider, cv::Mat& result, IStitcherListener* listener,
+                      int progressEnd) {
+  const cv::Mat capture = *provider.GetImageAt(0);
+  if (listener != nullptr && !listener->ProgressCallback(progressEnd)) {
+    NotifyError(listener, IStitcherListener::Cancelled);
+    return false;
   }
-
-  /// Both throw cv::Exception when the extent is longer than any matrix.
-  int Length() const { return Narrowed(maximumEnd - minimumStart); }
-  int FirstCaptureOffset() const { return Narrowed(firstCaptureOffset); }
-
- private:
-  void MoveForward(std::int64_t step) {
-    start += step;
-    end += step;
-    if (end > maximumEnd) {
-      maximumEnd += step;
-    }
-  }
-
-  void MoveBack(std::int64_t step) {
-    start -= step;
-    end -= step;
-    if (start < minimumStart) {
-      minimumStart -= step;
-      firstCaptureOffset += step;
-    }
-  }
-
-  std::int64_t start = 0;
-  std::int64_t end;
-  std::int64_t maximumEnd;
-  std::int64_t minimumStart = 0;
-  std::int64_t firstCaptureOffset = 0;
-};
+  result = capture;
+  return true;
+}
 
 }  // namespace
 
@@ -102,43 +68,33 @@ BasicStitcher::BasicStitcher(std::shared_ptr<ITranslationDetector> detector)
 
 bool BasicStitcher::Stitch(IImageProvider& provider, cv::Mat& result, IStitcherListener* listener,
                            int progressStart, int progressEnd, bool notifyCompletion) {
-  const size_t count = provider.Count();
-  if (count == 0) {
-    std::cerr << "Error: No images in provider passed to Stitch()." << std::endl;
-    NotifyError(listener, IStitcherListener::NoImages);
-    NotifyCompletion(listener, notifyCompletion, false);
-    return false;
-  }
-  if (count == 1) {
-    const bool accepted = listener == nullptr || listener->ProgressCallback(progressEnd);
-    if (accepted) {
-      result = *provider.GetImageAt(0);
-    } else {
-      NotifyError(listener, IStitcherListener::Cancelled);
+  return AnnounceCompletion(listener, notifyCompletion, [&] {
+    const size_t count = provider.Count();
+    if (count == 0) {
+      TellError("Error: No images in provider passed to Stitch().");
+      NotifyError(listener, IStitcherListener::NoImages);
+      return false;
     }
-    NotifyCompletion(listener, notifyCompletion, accepted);
-    return accepted;
-  }
+    if (count == 1) {
+      return ShareOnlyCapture(provider, result, listener, progressEnd);
+    }
 
-  captureSize = std::make_shared<cv::Size>(provider.GetImageAt(0)->size());
-  imageType = provider.GetImageAt(0)->type();
-  const int middle = DetectionEnd(progressStart, progressEnd);
-  translations = detector->DetectTranslation(provider, listener, progressStart, middle);
-  if (translations.empty()) {
-    std::cerr << "Error: Failed to detect translations." << std::endl;
-    NotifyCompletion(listener, notifyCompletion, false);
-    return false;
-  }
-
-  cv::Mat composed;
-  const bool built = BuildResultImage(provider, composed, listener, middle, progressEnd);
-  if (built) {
+    captureSize = std::make_shared<cv::Size>(provider.GetImageAt(0)->size());
+    imageType = provider.GetImageAt(0)->type();
+    const int middle = DetectionEnd(progressStart, progressEnd);
+    translations = detector->DetectTranslation(provider, listener, progressStart, middle);
+    if (translations.empty()) {
+      TellError("Error: Failed to detect translations.");
+      return false;
+    }
+    cv::Mat composed;
+    if (!BuildResultImage(provider, composed, listener, middle, progressEnd)) {
+      TellError("Error: Failed to build the Result image.");
+      return false;
+    }
     result = composed;
-  } else {
-    std::cerr << "Error: Failed to build the Result image." << std::endl;
-  }
-  NotifyCompletion(listener, notifyCompletion, built);
-  return built;
+    return true;
+  });
 }
 
 std::vector<Translation> BasicStitcher::GetTranslations() const { return translations; }
@@ -147,15 +103,17 @@ bool BasicStitcher::BuildResultImage(IImageProvider& provider, cv::Mat& result,
                                      IStitcherListener* listener, int progressStart,
                                      int progressEnd) {
   cv::Mat canvas;
-  cv::Rect placement;
+  cv::Rect placement;  // of the first capture, which the layout tells as well
   const int code = SizeResultImage(canvas, placement);
   if (code != 0) {
-    std::cerr << "Error: Failed to size the resulting image." << std::endl;
+    TellError("Error: Failed to size the resulting image.");
     NotifyError(listener, code);
     return false;
   }
 
-  const cv::Mat firstBlock(canvas, RowsOf(placement), ColumnsOf(placement));
+  const cv::Size size = *captureSize;
+  const std::vector<Place> places = LayoutOf(size, translations).places;
+  const cv::Mat firstBlock(canvas, RowsOf(places[0], size), ColumnsOf(places[0], size));
   provider.GetImageAt(0)->copyTo(firstBlock);
   for (size_t i = 0; i < translations.size(); ++i) {
     const int progress = BuildProgress(i, translations.size(), progressStart, progressEnd);
@@ -163,13 +121,11 @@ bool BasicStitcher::BuildResultImage(IImageProvider& provider, cv::Mat& result,
       NotifyError(listener, IStitcherListener::Cancelled);
       return false;
     }
-    const Translation& translation = translations[i];
-    placement.x -= translation.GetRows();
-    placement.y -= translation.GetCols();
     cv::Mat capture = *provider.GetImageAt(i + 1);
-    if (translation != Translation()) {
-      Utilities::CropCaptureImage(capture, translation, placement);
-      Utilities::BlendImages(capture, canvas, RowsOf(placement), ColumnsOf(placement));
+    if (translations[i] != Translation()) {
+      Utilities::CropCaptureImage(capture, translations[i], {{}, size});
+      Utilities::BlendImages(capture, canvas, RowsOf(places[i + 1], size),
+                             ColumnsOf(places[i + 1], size));
     }
   }
   result = canvas;
@@ -191,18 +147,13 @@ int BasicStitcher::SizeResultImage(cv::Mat& image, cv::Rect& placement) {
 
 bool BasicStitcher::CalcResultImage(cv::Rect& placement, cv::Size& size) {
   if (translations.empty()) {
-    std::cerr << "Error: No translations in list." << std::endl;
+    TellError("Error: No translations in list.");
     return false;
   }
-  AxisExtent rows(captureSize->height);
-  AxisExtent columns(captureSize->width);
-  for (const Translation& translation : translations) {
-    rows.Move(translation.GetRows());
-    columns.Move(translation.GetCols());
-  }
-  size = cv::Size(columns.Length(), rows.Length());
-  placement = cv::Rect(rows.FirstCaptureOffset(), columns.FirstCaptureOffset(), captureSize->width,
-                       captureSize->height);
+  const Layout layout = LayoutOf(*captureSize, translations);
+  size = layout.size;
+  const Place& first = layout.places.front();
+  placement = cv::Rect({first.row, first.column}, *captureSize);
   return true;
 }
 

@@ -2,7 +2,7 @@
 #include <memory>
 
 #include <benchmark/benchmark.h>
-#include <testkit/PeakMemory.h>
+#include <testkit/memory/PeakMemory.h>
 #include <testkit/pages/Page.h>
 
 #include <VelScrollingCapture/core/IStitcher.h>
@@ -38,7 +38,7 @@ void BM_StitchSequence(benchmark::State& state) {
   for (auto _ : state) {
     BasicImageProvider captures = ScrolledCaptures(count);
     cv::Mat result;
-    const Benchmarks::PeakMemory memory;
+    const Testing::PeakMemory memory;
     const auto start = std::chrono::steady_clock::now();
     if (!stitcher->Stitch(captures, result, nullptr, 0, 100, false)) {
       state.SkipWithError("the captures were not stitched");

@@ -1,6 +1,6 @@
 #include <benchmark/benchmark.h>
 #include <testkit/MatrixTesting.h>
-#include <testkit/PeakMemory.h>
+#include <testkit/memory/PeakMemory.h>
 #include <testkit/pages/Page.h>
 #include <testkit/references/ReferenceDetector.h>
 
@@ -30,7 +30,7 @@ void BM_Similarity(benchmark::State& state, Similarity similarity, MakeSecond ma
   const cv::Mat first = Testing::TextPage(size);
   const cv::Mat second = makeSecond(first);
   const auto compare = [&] { benchmark::DoNotOptimize(similarity(first, second)); };
-  state.counters["peakMiB"] = Benchmarks::PeakMiBOf(compare);
+  state.counters["peakMiB"] = Testing::PeakMiBOf(compare);
   for (auto _ : state) {
     compare();
   }

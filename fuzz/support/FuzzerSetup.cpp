@@ -2,7 +2,7 @@
 
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
-#include <testkit/faults/CappedAllocator.h>
+#include <testkit/memory/CappedMemory.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -15,7 +15,7 @@ constexpr size_t MostMatrixBytes = size_t{64} << 20;
 // NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
   using namespace ScrollingCapture::Fuzzing;
-  static CappedAllocator allocator(MostMatrixBytes);
+  static ScrollingCapture::Testing::CappedMemory allocator(MostMatrixBytes);
   cv::Mat::setDefaultAllocator(&allocator);
   // A target's runs depend on nothing but its input.
   cv::setNumThreads(1);

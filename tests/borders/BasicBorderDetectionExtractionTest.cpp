@@ -4,8 +4,10 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <testkit/MatrixTesting.h>
+#include <testkit/MessageCapture.h>
 #include <testkit/OpenBorderDetection.h>
 #include <testkit/StreamCapture.h>
 
@@ -65,6 +67,20 @@ TEST(ExtractBorders, RefusesAProviderWithoutCaptures) {
   EXPECT_FALSE(extraction.found);
   EXPECT_EQ(extraction.errors, "Error: Empty image list when extracting common borders.\n");
   EXPECT_EQ(extraction.output, "");
+}
+
+TEST(ExtractBorders, HandsErrorsAndInformationToAHostThatTakesThem) {
+  const Testing::MessageCapture messages;
+  BasicImageProvider captures = CapturesWithBox(cv::Rect());
+  OpenBorderDetection detection(10, 2);
+  const Extraction extraction = Extract(detection, captures);
+  EXPECT_EQ(extraction.output + extraction.errors, "");
+  using testing::Pair;
+  constexpr auto NothingFound =
+      "Error: Failed to find top or left content boundary for image with index 1.";
+  EXPECT_THAT(messages.Messages(),
+              testing::ElementsAre(Pair(MessageKind::Error, NothingFound),
+                                   Pair(MessageKind::Information, "No content box was found.")));
 }
 
 TEST(ExtractBorders, SaysOnTheStandardOutputThatThereIsNoContentBox) {

@@ -5,15 +5,16 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 #include <testkit/MatrixTesting.h>
-#include <testkit/faults/FailingAllocator.h>
+#include <testkit/faults/EveryFailure.h>
 
 #include <VelScrollingCapture/preview/PreviewImage.h>
 
 namespace ScrollingCapture {
 namespace {
 
-using Testing::CountFailingAttempts;
-using Testing::FailingAllocator;
+using Testing::FailingMemory;
+using Testing::ForEachFailingAllocation;
+using Testing::MemoryFault;
 using Testing::NoiseCapture;
 using Testing::SameBits;
 
@@ -43,28 +44,22 @@ cv::Mat WholePreview() {
   return preview.GetPreview();
 }
 
-class PreviewAllocations : public testing::TestWithParam<FailingAllocator::Failures> {};
+class PreviewAllocations : public testing::TestWithParam<FailingMemory::Failures> {};
 
 TEST_P(PreviewAllocations, LeaveThePreviewReadyForTheSameCaptureAgainWhenTheyFail) {
   const cv::Mat whole = WholePreview();
   EXPECT_GT(whole.rows, CanvasSize.height);
   EXPECT_GT(whole.cols, CanvasSize.width);
   const std::vector<cv::Mat> captures = Captures();
-  const size_t liveBefore = FailingAllocator::LiveMatrices();
   for (size_t failing = 0; failing < captures.size(); ++failing) {
-    const auto add = [&](size_t passing) {
+    ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
       PreviewImage preview(CanvasSize, 10, 10);
       for (size_t i = 0; i < failing; ++i) {
         EXPECT_EQ(preview.AddCapture(captures[i]), Laid);
       }
       const cv::Mat before = preview.GetPreview();
       int result = Laid;
-      bool failed = false;
-      {
-        const FailingAllocator memory(passing, GetParam());
-        result = preview.AddCapture(captures[failing]);
-        failed = memory.HasFailed();
-      }
+      const bool failed = fault.HitsDuring([&] { result = preview.AddCapture(captures[failing]); });
       EXPECT_EQ(result, failed ? Failed : Laid);
       if (failed) {
         EXPECT_TRUE(SameBits(preview.GetPreview(), before));
@@ -73,19 +68,16 @@ TEST_P(PreviewAllocations, LeaveThePreviewReadyForTheSameCaptureAgainWhenTheyFai
       for (size_t i = failing + 1; i < captures.size(); ++i) {
         EXPECT_EQ(preview.AddCapture(captures[i]), Laid);
       }
-      EXPECT_TRUE(SameBits(preview.GetPreview(), whole)) << failing << ", " << passing;
-      return failed;
-    };
-    EXPECT_GT(CountFailingAttempts(add), 0);
+      EXPECT_TRUE(SameBits(preview.GetPreview(), whole)) << failing;
+    });
   }
-  EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore);
 }
 
 INSTANTIATE_TEST_SUITE_P(Failures, PreviewAllocations, testing::ValuesIn(Testing::AllFailures),
                          Testing::NameOfFailures);
 
 TEST(PreviewImageOutOfMemory, ThrowsWhenThereIsNoMemoryForTheFirstCanvas) {
-  const FailingAllocator memory(0, FailingAllocator::All);
+  const FailingMemory memory;
   EXPECT_THROW(PreviewImage(), cv::Exception);
 }
 
@@ -94,7 +86,7 @@ TEST(PreviewImageOutOfMemory, ThrowsInsteadOfACopyAndKeepsTheCanvas) {
   ASSERT_EQ(preview.AddCapture(Captures()[0]), Laid);
   const cv::Mat before = preview.GetPreview();
   {
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingMemory memory;
     EXPECT_THROW(preview.GetPreview(), cv::Exception);
     EXPECT_THROW(preview.GetPreview(20, 20), cv::Exception);
   }

@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <limits>
 #include <ostream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -145,6 +147,82 @@ TEST(PreviewImage, GrowsFromAnEmptyCanvas) {
   capture.copyTo(expected.rowRange(1, 91));
   EXPECT_TRUE(SameBits(preview.GetPreview(), expected));
 }
+
+/// What has to show when one capture is laid onto a black canvas at a place that may be outside.
+cv::Mat LaidPixelByPixel(const cv::Size& canvas, const cv::Mat& capture, const cv::Point& place) {
+  const cv::Point shift(std::max(-place.x, 0), std::max(-place.y, 0));
+  // What sticks out at the far side is measured on the canvas before it grew.
+  const int columnEnd = std::max(place.x, 0) + capture.cols;
+  const int rowEnd = std::max(place.y, 0) + capture.rows;
+  const cv::Size grown(canvas.width + shift.x + std::max(columnEnd - canvas.width, 0),
+                       canvas.height + shift.y + std::max(rowEnd - canvas.height, 0));
+  cv::Mat expected = Plain(grown, OpaqueBlack);
+  for (int row = 0; row < capture.rows; ++row) {
+    for (int column = 0; column < capture.cols; ++column) {
+      expected.at<cv::Vec4b>(std::max(place.y, 0) + row, std::max(place.x, 0) + column) =
+          capture.at<cv::Vec4b>(row, column);
+    }
+  }
+  return expected;
+}
+
+/// A canvas that may be empty along one axis or both, and a capture.
+class SmallPreview : public testing::TestWithParam<std::tuple<int, int, int, int>> {
+ protected:
+  const cv::Size canvas{std::get<0>(GetParam()), std::get<1>(GetParam())};
+  const cv::Size capture{std::get<2>(GetParam()), std::get<3>(GetParam())};
+};
+
+TEST_P(SmallPreview, GrowsByAnyCaptureAtAnyPlace) {
+  for (int row = -4; row <= 5; ++row) {
+    for (int column = -4; column <= 5; ++column) {
+      OpenPreview preview(canvas, 0, 0);
+      cv::Mat pixels = NoiseCapture(capture, 6);
+      const cv::Mat expected = LaidPixelByPixel(canvas, pixels, {column, row});
+      ASSERT_EQ(preview.UpdatePreview(pixels, {{column, row}, capture}, {}), Laid);
+      ASSERT_TRUE(SameBits(preview.GetPreview(), expected)) << row << ", " << column;
+    }
+  }
+}
+
+std::string NameOfSmallPreview(const testing::TestParamInfo<SmallPreview::ParamType>& test) {
+  const auto& [width, height, captureWidth, captureHeight] = test.param;
+  return std::to_string(captureWidth) + "x" + std::to_string(captureHeight) + "On" +
+         std::to_string(width) + "x" + std::to_string(height);
+}
+
+INSTANTIATE_TEST_SUITE_P(PreviewImage, SmallPreview,
+                         testing::Combine(testing::Range(0, 4), testing::Range(0, 4),
+                                          testing::Range(1, 5), testing::Range(1, 5)),
+                         NameOfSmallPreview);
+
+struct FlatCanvas {
+  std::string name;
+  cv::Size size;
+};
+std::ostream& operator<<(std::ostream& stream, const FlatCanvas& canvas) {
+  return stream << canvas.name;
+}
+
+class FlatPreview : public testing::TestWithParam<FlatCanvas> {};
+
+TEST_P(FlatPreview, GrowsFromNothingWhileTheContentScrollsDown) {
+  PreviewImage preview(GetParam().size, 0, 0);
+  cv::Mat expected = Plain({std::max(GetParam().size.width, 250), 280}, OpaqueBlack);
+  for (const int row : {0, 40, 80}) {
+    ASSERT_EQ(preview.AddCapture(Window({500, 500 + row}, {250, 200})), Laid);
+  }
+  Window({500, 500}, {250, 280}).copyTo(expected.colRange(0, 250));
+  EXPECT_TRUE(SameBits(preview.GetPreview(), expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(PreviewImage, FlatPreview,
+                         testing::Values(FlatCanvas{"Wider", {300, 0}},
+                                         FlatCanvas{"AsWide", {250, 0}},
+                                         FlatCanvas{"Narrower", {200, 0}},
+                                         FlatCanvas{"WithoutColumns", {0, 100}},
+                                         FlatCanvas{"OneRow", {300, 1}}),
+                         [](const auto& test) { return test.param.name; });
 
 TEST(PreviewImage, GivesCopiesOfTheCanvas) {
   PreviewImage preview;

@@ -2,7 +2,7 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <testkit/MatrixTesting.h>
-#include <testkit/faults/FailingAllocator.h>
+#include <testkit/faults/EveryFailure.h>
 #include <testkit/pages/Page.h>
 #include <testkit/references/ReferenceDetector.h>
 
@@ -11,7 +11,7 @@
 namespace ScrollingCapture {
 namespace {
 
-using Testing::FailingAllocator;
+using Testing::FailingMemory;
 using Testing::NoiseCapture;
 using Testing::PlainCapture;
 using Testing::TextPage;
@@ -111,8 +111,25 @@ TEST(Similarity, AllocatesNoMatrix) {
   const cv::Mat first = NoiseCapture({33, 17}, 1);
   const cv::Mat second = NoiseCapture({33, 17}, 2);
   const double similarity = Utilities::CalculateSimilarity(first, second);
-  const FailingAllocator memory(0, FailingAllocator::All);
+  const FailingMemory memory;
   EXPECT_EQ(Utilities::CalculateSimilarity(first, second), similarity);
+}
+
+/// Captures of three channels need grey images.
+TEST(Similarity, IsWholeOrThrowsWhenMemoryRunsOut) {
+  cv::Mat capture;
+  cv::Mat other;
+  cv::cvtColor(TextPage({100, 150}), capture, cv::COLOR_RGBA2RGB);
+  cv::cvtColor(TextPage({100, 150}, 2), other, cv::COLOR_RGBA2RGB);
+  const double expected = Utilities::CalculateSimilarity(capture, other);
+  Testing::ForEachFailingAllocation(FailingMemory::First, [&](Testing::MemoryFault& fault) {
+    double similarity = 0;
+    const bool failed =
+        fault.HitsDuring([&] { similarity = Utilities::CalculateSimilarity(capture, other); });
+    EXPECT_EQ(fault.HasThrown(), failed);
+    EXPECT_EQ(similarity, failed ? 0 : expected);
+    EXPECT_EQ(Utilities::CalculateSimilarity(capture, other), expected);
+  });
 }
 
 TEST(Similarity, IsExactForRowsWhoseDifferencesExceed32Bits) {
@@ -133,6 +150,29 @@ TEST(Similarity, TakesCapturesOfDifferentChannelCounts) {
   cv::Mat three;
   cv::cvtColor(four, three, cv::COLOR_RGBA2RGB);
   EXPECT_EQ(Utilities::CalculateSimilarity(four, three), 1.0);
+}
+
+TEST(Similarity, OfCapturesOfFractionsIsTheSameDoubleAsOverWholeGreyImages) {
+  for (const int channels : {3, 4}) {
+    cv::Mat first(131, 257, CV_MAKETYPE(CV_32F, channels));
+    cv::Mat second = first.clone();
+    cv::RNG random(1);
+    random.fill(first, cv::RNG::UNIFORM, 0, 1);
+    random.fill(second, cv::RNG::UNIFORM, 0, 1);
+    const double similarity = Utilities::CalculateSimilarity(first, second);
+    EXPECT_EQ(similarity, Testing::ReferenceSimilarity(first, second)) << channels;
+    EXPECT_NE(similarity, 1.0) << channels;
+  }
+}
+
+TEST(Similarity, OfCapturesOf16BitsIsTheSameDoubleAsOverWholeGreyImages) {
+  cv::Mat first(131, 257, CV_16UC4);
+  cv::Mat second = first.clone();
+  cv::RNG random(1);
+  random.fill(first, cv::RNG::UNIFORM, 0, 65536);
+  random.fill(second, cv::RNG::UNIFORM, 0, 65536);
+  EXPECT_EQ(Utilities::CalculateSimilarity(first, second),
+            Testing::ReferenceSimilarity(first, second));
 }
 
 TEST(Similarity, PassesOnWhatOpenCVRejects) {

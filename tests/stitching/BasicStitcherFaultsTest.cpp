@@ -2,6 +2,7 @@
 
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -10,7 +11,7 @@
 #include <testkit/RecordingListener.h>
 #include <testkit/ScriptedDetector.h>
 #include <testkit/StreamCapture.h>
-#include <testkit/faults/FailingAllocator.h>
+#include <testkit/faults/EveryFailure.h>
 #include <testkit/faults/ThrowingListener.h>
 
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
@@ -22,8 +23,10 @@ namespace {
 
 using Testing::CountFailingAttempts;
 using testing::ElementsAre;
-using Testing::FailingAllocator;
+using Testing::FailingMemory;
+using Testing::ForEachFailingAllocation;
 using Testing::ListenerFailure;
+using Testing::MemoryFault;
 using Testing::NoiseCapture;
 using Testing::RecordingListener;
 using Testing::SameBits;
@@ -72,7 +75,7 @@ TEST(BasicStitcherOutOfMemory, LeavesCapturesAndResultAsTheyWereAndCanBeUsedAgai
   RecordingListener listener;
   {
     const StreamCapture errors(std::cerr);
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingMemory memory;
     EXPECT_FALSE(stitcher.Stitch(captures, result, &listener, 0, 100, true));
     EXPECT_EQ(errors.Text(),
               "Error: Failed to size the resulting image.\n"
@@ -85,7 +88,7 @@ TEST(BasicStitcherOutOfMemory, LeavesCapturesAndResultAsTheyWereAndCanBeUsedAgai
   EXPECT_TRUE(SameBits(result, Page()));
 }
 
-class BasicStitcherAllocations : public testing::TestWithParam<FailingAllocator::Failures> {};
+class BasicStitcherAllocations : public testing::TestWithParam<FailingMemory::Failures> {};
 
 TEST_P(BasicStitcherAllocations, GiveTheWholeResultOrAnErrorAndTheOldOne) {
   const cv::Mat page = Page();
@@ -95,31 +98,20 @@ TEST_P(BasicStitcherAllocations, GiveTheWholeResultOrAnErrorAndTheOldOne) {
     cv::Mat whole;
     ASSERT_TRUE(
         BasicStitcher(DetectorOfThePage()).Stitch(cleanCaptures, whole, nullptr, 0, 100, true));
-    const auto stitch = [&](size_t passing) {
+    ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
       BasicImageProvider captures = CapturesOf(captured);
       cv::Mat result;
       BasicStitcher stitcher(DetectorOfThePage());
       bool succeeded = false;
-      bool failed = false;
-      {
+      const bool failed = fault.HitsDuring([&] {
         const StreamCapture errors(std::cerr);
-        const FailingAllocator memory(passing, GetParam());
-        try {
-          succeeded = stitcher.Stitch(captures, result, nullptr, 0, 100, true);
-        } catch (const cv::Exception& error) {
-          EXPECT_EQ(error.code, cv::Error::StsNoMem);
-        }
-        failed = memory.HasFailed();
-      }
+        succeeded = stitcher.Stitch(captures, result, nullptr, 0, 100, true);
+      });
       EXPECT_EQ(succeeded, !failed);
       EXPECT_EQ(result.empty(), failed);
       EXPECT_TRUE(stitcher.Stitch(captures, result, nullptr, 0, 100, true));
       EXPECT_TRUE(SameBits(result, whole));
-      return failed;
-    };
-    const size_t liveBefore = FailingAllocator::LiveMatrices();
-    EXPECT_GT(CountFailingAttempts(stitch), 0);
-    EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore);
+    });
   }
 }
 
@@ -129,6 +121,9 @@ INSTANTIATE_TEST_SUITE_P(Failures, BasicStitcherAllocations,
 /// Every call that a listener gets on the calling thread: the end of the detection, the composing,
 /// and the completion.
 TEST(BasicStitcherListener, EndsTheStitchByThrowingAndLosesNothing) {
+  constexpr size_t EndOfDetection = 1;
+  constexpr size_t Composing = CaptureCount;
+  constexpr size_t Completion = 1;
   const auto stitch = [](size_t passing) {
     BasicImageProvider captures = Captures();
     cv::Mat result = NoiseCapture({3, 3}, 1);
@@ -143,15 +138,13 @@ TEST(BasicStitcherListener, EndsTheStitchByThrowingAndLosesNothing) {
       threw = true;
     }
     EXPECT_EQ(threw, listener.HasThrown());
-    EXPECT_EQ(listener.completed, !threw);
-    EXPECT_TRUE(SameBits(result, before) || SameBits(result, Page()));
+    const bool threwAtCompletion = passing == EndOfDetection + Composing;
+    EXPECT_EQ(listener.completed, !threwAtCompletion);
+    EXPECT_TRUE(SameBits(result, threw && !threwAtCompletion ? before : Page()));
     EXPECT_TRUE(stitcher->Stitch(captures, result, nullptr, 0, 100, true));
     EXPECT_TRUE(SameBits(result, Page()));
     return threw;
   };
-  constexpr size_t EndOfDetection = 1;
-  constexpr size_t Composing = CaptureCount;
-  constexpr size_t Completion = 1;
   EXPECT_EQ(CountFailingAttempts(stitch), EndOfDetection + Composing + Completion);
 }
 
@@ -191,6 +184,23 @@ TEST(BasicStitcherListener, MayThrowWhenItIsToldOfAnError) {
   captures = Captures();
   EXPECT_TRUE(stitcher.Stitch(captures, result, nullptr, 0, 100, true));
   EXPECT_TRUE(SameBits(result, Page()));
+}
+
+TEST(BasicStitcherListener, DoesNotReplaceTheExceptionByThrowingWhenItHearsOfTheFailure) {
+  class ThrowingEverywhere : public RecordingListener {
+   public:
+    bool ProgressCallback(int /*progress*/) override { throw ListenerFailure(); }
+    void StitchingComplete(bool success) override {
+      RecordingListener::StitchingComplete(success);
+      throw std::logic_error("The listener failed again.");
+    }
+  };
+  BasicImageProvider captures = Captures();
+  cv::Mat result;
+  ThrowingEverywhere listener;
+  EXPECT_THROW(BasicStitcher(DetectorOfThePage()).Stitch(captures, result, &listener, 0, 100, true),
+               ListenerFailure);
+  EXPECT_THAT(listener.calls, ElementsAre("complete false"));
 }
 
 TEST(BasicStitcherListenerDeathTest, EndsTheProcessByThrowingOnAWorkerThread) {

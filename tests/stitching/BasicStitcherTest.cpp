@@ -2,6 +2,7 @@
 #include <limits>
 #include <memory>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -101,6 +102,58 @@ TEST(BasicStitcher, FailsForASingleCaptureWhenItsProgressIsRefused) {
   EXPECT_FALSE(pipeline.Stitch(&listener));
   EXPECT_THAT(listener.calls, ElementsAre("progress 100", "error 4 false", "complete false"));
   EXPECT_EQ(pipeline.result.data, before.data);
+}
+
+/// Has lost the captures from some index on.
+class LossyProvider : public BasicImageProvider {
+ public:
+  LossyProvider(size_t count, size_t firstLost) : firstLost(firstLost) {
+    for (size_t i = 0; i < count; ++i) {
+      cv::Mat capture = NoiseCapture({20, 100}, i);
+      Add(capture);
+    }
+  }
+
+  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
+    if (index >= firstLost) {
+      throw std::runtime_error("lost");
+    }
+    return BasicImageProvider::GetImageAt(index);
+  }
+
+ private:
+  size_t firstLost;
+};
+
+TEST(BasicStitcher, FetchesASingleCaptureBeforeItTellsTheEnd) {
+  LossyProvider captures(1, 0);
+  Pipeline pipeline({});
+  RecordingListener listener;
+  EXPECT_THROW(pipeline.stitcher.Stitch(captures, pipeline.result, &listener, 0, 100, false),
+               std::runtime_error);
+  EXPECT_THAT(listener.calls, IsEmpty());
+  EXPECT_TRUE(pipeline.result.empty());
+}
+
+TEST(BasicStitcher, TellsThatItHasFailedBeforeAnExceptionPasses) {
+  LossyProvider captures(3, 2);
+  Pipeline pipeline({{-40, 0}, {-40, 0}});
+  RecordingListener listener;
+  EXPECT_THROW(pipeline.stitcher.Stitch(captures, pipeline.result, &listener, 0, 100, true),
+               std::runtime_error);
+  EXPECT_THAT(listener.calls, ElementsAre("progress 90", "progress 95", "complete false"));
+  EXPECT_TRUE(pipeline.result.empty());
+}
+
+TEST(BasicStitcher, DoesNotTellOfAnExceptionUnlessAskedToTellTheEnd) {
+  LossyProvider captures(3, 0);
+  Pipeline pipeline({{-40, 0}, {-40, 0}});
+  RecordingListener listener;
+  EXPECT_THROW(pipeline.stitcher.Stitch(captures, pipeline.result, &listener, 0, 100, false),
+               std::runtime_error);
+  EXPECT_THAT(listener.calls, IsEmpty());
+  EXPECT_THROW(pipeline.stitcher.Stitch(captures, pipeline.result, nullptr, 0, 100, true),
+               std::runtime_error);
 }
 
 TEST(BasicStitcher, KeepsTheLastTranslationsWhenASingleCaptureFollows) {

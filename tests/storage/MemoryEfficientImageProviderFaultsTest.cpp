@@ -5,15 +5,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <testkit/SpillTesting.h>
 #include <testkit/TemporaryFolder.h>
-#include <testkit/faults/FailingAllocator.h>
+#include <testkit/faults/FailingMemory.h>
 
 namespace ScrollingCapture {
 namespace {
 
 using Testing::AddAll;
-using Testing::FailingAllocator;
+using Testing::FailingMemory;
 using Testing::LoadedCount;
 using Testing::NoiseCaptures;
 using Testing::ReadFile;
@@ -99,6 +100,18 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesWhenTheDiskIsFullInT
   ExpectCaptures(provider, captures);
 }
 
+TEST_F(MemoryEfficientImageProviderFaultsTest, TellsThatItExceedsItsLimitWhileTheDiskIsFull) {
+  {
+    const Testing::FileSizeLimit limit(4096);
+    AddAll(provider, {captures[0], captures[1]});
+    EXPECT_FALSE(provider.ExceedsMemoryLimit());
+    provider.Add(captures[2]);
+    EXPECT_TRUE(provider.ExceedsMemoryLimit());
+  }
+  EXPECT_TRUE(provider.UnloadMat());
+  EXPECT_FALSE(provider.ExceedsMemoryLimit());
+}
+
 TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsTheOrderOfItsQueueWhenASpillFails) {
   {
     const Testing::FileSizeLimit limit(4096);
@@ -162,10 +175,16 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesOnDiskWhileThereIsNo
   AddAll(provider, captures);
   ASSERT_FALSE(provider.IsMatLoaded(0));
   {
-    const FailingAllocator memory(0, FailingAllocator::All);
-    EXPECT_THROW(provider.GetImageAt(0), std::runtime_error);
+    const FailingMemory memory;
+    try {
+      provider.GetImageAt(0);
+      ADD_FAILURE() << "was read";
+    } catch (const cv::Exception& error) {
+      EXPECT_EQ(error.code, cv::Error::StsNoMem) << "and not an unreadable file";
+    }
   }
   EXPECT_TRUE(provider.IsMatSaved(0));
+  EXPECT_FALSE(provider.IsMatLoaded(0));
   ExpectCaptures(provider, captures);
 }
 
@@ -175,7 +194,7 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesLoadedThatCannotBeCo
   MemoryEfficientImageProvider provider(folder.Prefix(), 0);
   provider.Add(withGaps);
   {
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingMemory memory;
     EXPECT_FALSE(provider.UnloadMat());
   }
   EXPECT_TRUE(provider.IsMatLoaded(0));
@@ -216,6 +235,27 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, LeavesFilesAloneThatHaveTheNameIt
   provider.Clear();
   EXPECT_EQ(ReadFile(first), "first");
   EXPECT_EQ(ReadFile(second), "second");
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, LeavesLinksAloneThatHaveTheNameItDraws) {
+  const std::vector<std::string> names = Testing::NextNames(2, 24);
+  const std::string link = folder.Prefix() + names[0];
+  const std::string target = folder.Prefix() + "target";
+  std::filesystem::create_symlink(target, link);
+  AddAll(provider, {captures[0], captures[1], captures[2]});
+  EXPECT_FALSE(std::filesystem::exists(target));
+  EXPECT_THAT(folder.Contents(), testing::UnorderedElementsAre(link, folder.Prefix() + names[1]));
+  ExpectCaptures(provider, {captures[0], captures[1], captures[2]});
+  provider.Clear();
+  EXPECT_THAT(folder.Contents(), testing::ElementsAre(link));
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, MakesFilesThatOnlyTheirOwnerMayReadAndWrite) {
+  const mode_t previous = umask(0);
+  const std::string file = SpillFirst();
+  umask(previous);
+  using std::filesystem::perms;
+  EXPECT_EQ(std::filesystem::status(file).permissions(), perms::owner_read | perms::owner_write);
 }
 
 TEST_F(MemoryEfficientImageProviderFaultsTest, ShareAFolderWithoutTouchingEachOthersFiles) {

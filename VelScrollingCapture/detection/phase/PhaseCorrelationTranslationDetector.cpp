@@ -1,9 +1,8 @@
-#include <iostream>
-#include <typeinfo>
-
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/detection/internal/SequenceDetection.h>
 #include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
 #include <VelScrollingCapture/detection/phase/internal/PairDetection.h>
+#include <VelScrollingCapture/detection/phase/internal/PairInSequence.h>
 #include <VelScrollingCapture/detection/phase/internal/SharedSpectra.h>
 #include <VelScrollingCapture/detection/phase/internal/Transforms.h>
 
@@ -17,37 +16,28 @@ PhaseCorrelationTranslationDetector::PhaseCorrelationTranslationDetector(
 
 Translation PhaseCorrelationTranslationDetector::DetectTranslation(const cv::Mat& first,
                                                                    const cv::Mat& second) {
-  return PairDetection(orientation).Detect(first, second);
+  return PairDetection(orientation, PairInSequence::Of(this)).Detect(first, second);
 }
 
 Translation PhaseCorrelationTranslationDetector::DetectTranslationWithAlternative(
     const cv::Mat& first, const cv::Mat& second, Translation& alternative) {
-  return PairDetection(orientation).DetectWithAlternative(first, second, alternative);
+  return PairDetection(orientation, PairInSequence::Of(this))
+      .DetectWithAlternative(first, second, alternative);
 }
 
-/// Neighbouring pairs share spectra, unless a derived class may want to detect its pairs itself.
 std::vector<Translation> PhaseCorrelationTranslationDetector::DetectTranslation(
     IImageProvider& images, IStitcherListener* listener, int progressStart, int progressEnd) {
-  const SequenceDetection::Settings settings = {expectConsistentTranslations, threadCount,
-                                                progressStart, progressEnd};
-  if (typeid(*this) != typeid(PhaseCorrelationTranslationDetector)) {
-    const auto detectPair = [this](const cv::Mat& first, const cv::Mat& second,
-                                   Translation& alternative) {
-      return expectConsistentTranslations
-                 ? DetectTranslationWithAlternative(first, second, alternative)
-                 : DetectTranslation(first, second);
-    };
-    return SequenceDetection(detectPair, images, listener, settings).Run();
-  }
   // Every running pair has a spectrum that its successor needs, and so has the last one to end.
   SharedSpectra spectra(static_cast<size_t>(threadCount) + 1);
-  const auto detectPair = [this, &spectra](const cv::Mat& first, const cv::Mat& second,
-                                           Translation& alternative) {
-    const PairDetection detection(orientation, &spectra);
+  const auto detectPair = [&](size_t pair, const cv::Mat& first, const cv::Mat& second,
+                              Translation& alternative) {
+    const PairInSequence scope(this, spectra, pair);
     return expectConsistentTranslations
-               ? detection.DetectWithAlternative(first, second, alternative)
-               : detection.Detect(first, second);
+               ? DetectTranslationWithAlternative(first, second, alternative)
+               : DetectTranslation(first, second);
   };
+  const SequenceDetection::Settings settings = {expectConsistentTranslations, threadCount,
+                                                progressStart, progressEnd};
   return SequenceDetection(detectPair, images, listener, settings).Run();
 }
 
@@ -71,7 +61,7 @@ bool PhaseCorrelationTranslationDetector::PerformDFT(const cv::Mat& source, cv::
     spectrum = FullSpectrum(source, dftSize);
     return true;
   } catch (const FailedTransform&) {
-    std::cerr << "Error: PerformDFT failed." << std::endl;
+    TellError("Error: PerformDFT failed.");
     return false;
   }
 }
@@ -82,7 +72,7 @@ bool PhaseCorrelationTranslationDetector::PerformIDFT(const cv::Mat& spectrum,
     surface = InverseOfFullSpectrum(spectrum);
     return true;
   } catch (const FailedTransform&) {
-    std::cerr << "Error: PerformIDFT failed." << std::endl;
+    TellError("Error: PerformIDFT failed.");
     return false;
   }
 }

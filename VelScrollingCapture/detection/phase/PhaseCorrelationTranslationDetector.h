@@ -21,17 +21,21 @@ namespace ScrollingCapture {
 /// magnitude.
 ///
 /// The object never changes after construction: any number of threads may use it at once.
-/// Exceptions of OpenCV (captures of different size, fewer than three channels, empty captures)
-/// pass to the caller of a pairwise detection; in a sequence detection they leave a worker thread
-/// and end the process, so callers check their captures before.
+///
+/// Exceptions of OpenCV (captures of different size, fewer than three channels, empty captures, no
+/// memory) pass to the caller of a pairwise detection. In a sequence detection they leave a worker
+/// thread and end the process, whatever the caller catches. **Whoever calls it checks before that
+/// no capture is empty, and that all have the same size and the same type, CV_8UC4.**
 class VEL_EXPORT PhaseCorrelationTranslationDetector : public ITranslationDetector {
  public:
   /// @param orientation the directions to look in; offsets in any other direction are 0
   /// @param expectConsistentTranslations
   ///        whether sequence detection replaces a pair's translation by its second-best one when
   ///        that repeats the previous pair's
-  /// @param threadCount the most worker threads that sequence detection runs at once; at least 1,
-  ///        which is not checked: with 0 sequence detection waits for ever
+  /// @param threadCount
+  ///        the most worker threads that sequence detection runs at once; at least 1, which is not
+  ///        checked: with 0 sequence detection waits for ever. Hand over std::max(count, 1U) where
+  ///        the count comes from elsewhere; std::thread::hardware_concurrency() may be 0.
   PhaseCorrelationTranslationDetector(ScrollOrientation orientation,
                                       bool expectConsistentTranslations, unsigned int threadCount);
 

@@ -3,7 +3,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include <VelScrollingCapture/detection/phase/internal/Transforms.h>
+#include <VelScrollingCapture/core/internal/Grey.h>
 #include <VelScrollingCapture/similarity/internal/FixedPointGrey.h>
 #include <VelScrollingCapture/similarity/internal/GreyDifference.h>
 
@@ -22,16 +22,25 @@ std::uint64_t SumInFixedPoint(const cv::Mat& first, const cv::Mat& second) {
   return sum;
 }
 
-std::uint64_t SumByConversion(const cv::Mat& first, const cv::Mat& second) {
-  constexpr int RowsAtOnce = 16;  // their grey levels stay in the processor's cache
+/// A block of rows at a time, whose grey levels stay in the processor's cache. Sums of whole numbers
+/// are exact, in whatever order they are added up.
+double SumByConversionInBlocks(const cv::Mat& first, const cv::Mat& second) {
+  constexpr int RowsAtOnce = 16;
   cv::Mat difference;
-  double sum = 0;  // of whole numbers, so it is exact
+  double sum = 0;
   for (int row = 0; row < first.rows; row += RowsAtOnce) {
     const cv::Range rows(row, std::min(row + RowsAtOnce, first.rows));
     cv::absdiff(GreyOf(first.rowRange(rows)), GreyOf(second.rowRange(rows)), difference);
     sum += cv::sum(difference)[0];
   }
-  return static_cast<std::uint64_t>(sum);
+  return sum;
+}
+
+/// For fractions, which add up to other bits in another order.
+double SumByConversion(const cv::Mat& first, const cv::Mat& second) {
+  cv::Mat difference;
+  cv::absdiff(GreyOf(first), GreyOf(second), difference);
+  return cv::sum(difference)[0];
 }
 
 /// Whether this build of OpenCV rounds as the fixed point here does. Some builds hand the
@@ -53,11 +62,14 @@ bool ConversionIsFixedPoint() {
 
 }  // namespace
 
-std::uint64_t SumOfGreyDifferences(const cv::Mat& first, const cv::Mat& second) {
+double SumOfGreyDifferences(const cv::Mat& first, const cv::Mat& second) {
   static const bool conversionIsFixedPoint = ConversionIsFixedPoint();
   const bool havePixelsOfFourBytes = first.type() == CV_8UC4 && second.type() == CV_8UC4;
-  return conversionIsFixedPoint && havePixelsOfFourBytes ? SumInFixedPoint(first, second)
-                                                         : SumByConversion(first, second);
+  if (conversionIsFixedPoint && havePixelsOfFourBytes) {
+    return static_cast<double>(SumInFixedPoint(first, second));
+  }
+  return first.depth() == CV_32F ? SumByConversion(first, second)
+                                 : SumByConversionInBlocks(first, second);
 }
 
 }  // namespace ScrollingCapture

@@ -2,7 +2,7 @@
 
 #include <benchmark/benchmark.h>
 #include <opencv2/imgproc.hpp>
-#include <testkit/PeakMemory.h>
+#include <testkit/memory/PeakMemory.h>
 #include <testkit/pages/Page.h>
 #include <testkit/references/ReferenceDetector.h>
 
@@ -74,7 +74,7 @@ using DetectPair = Translation (*)(const cv::Mat& first, const cv::Mat& second);
 void BM_DetectPair(benchmark::State& state, DetectPair detect) {
   const std::vector<cv::Mat> captures = Captures(SizeOf(state), 2);
   const auto detectPair = [&] { benchmark::DoNotOptimize(detect(captures[0], captures[1])); };
-  state.counters["peakMiB"] = Benchmarks::PeakMiBOf(detectPair);
+  state.counters["peakMiB"] = Testing::PeakMiBOf(detectPair);
   for (auto _ : state) {
     detectPair();
   }
@@ -102,7 +102,7 @@ void DetectSequence(benchmark::State& state, Detector detector) {
   const auto detectSequence = [&] {
     benchmark::DoNotOptimize(detector.DetectTranslation(captures, nullptr, 0, 100));
   };
-  state.counters["peakMiB"] = Benchmarks::PeakMiBOf(detectSequence);
+  state.counters["peakMiB"] = Testing::PeakMiBOf(detectSequence);
   for (auto _ : state) {
     detectSequence();
   }

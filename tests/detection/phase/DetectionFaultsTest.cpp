@@ -5,21 +5,20 @@
 #include <ostream>
 
 #include <gtest/gtest.h>
-#include <opencv2/imgproc.hpp>
 #include <testkit/MatrixTesting.h>
 #include <testkit/OpenDetector.h>
-#include <testkit/faults/FailingAllocator.h>
+#include <testkit/faults/EveryFailure.h>
 #include <testkit/faults/ThrowingListener.h>
 #include <testkit/pages/Page.h>
 
-#include <VelScrollingCapture/core/Utilities.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
 
 namespace ScrollingCapture {
 namespace {
 
-using Testing::CountFailingAttempts;
-using Testing::FailingAllocator;
+using Testing::FailingMemory;
+using Testing::ForEachFailingAllocation;
+using Testing::MemoryFault;
 using Testing::OpenDetector;
 using Testing::SameBits;
 using Testing::TextPage;
@@ -50,15 +49,12 @@ TEST_P(DetectorAllocations, GiveTheWholeAnswerOrThrow) {
     OpenDetector detector(orientation);
     Detected whole;
     GetParam().detect(detector, first, second, whole);
-    const auto detect = [&](size_t passing) {
+    ForEachFailingAllocation(FailingMemory::First, [&](MemoryFault& fault) {
       Detected detected;
-      const FailingAllocator memory(passing, FailingAllocator::First);
-      try {
-        GetParam().detect(detector, first, second, detected);
-        EXPECT_FALSE(memory.HasFailed());
-      } catch (const cv::Exception& error) {
-        EXPECT_EQ(error.code, cv::Error::StsNoMem);
-        EXPECT_TRUE(memory.HasFailed());
+      const bool failed =
+          fault.HitsDuring([&] { GetParam().detect(detector, first, second, detected); });
+      EXPECT_EQ(fault.HasThrown(), failed);
+      if (failed) {
         EXPECT_EQ(detected.alternative, Kept);
         EXPECT_TRUE(detected.surface.empty());
         GetParam().detect(detector, first, second, detected);
@@ -66,11 +62,7 @@ TEST_P(DetectorAllocations, GiveTheWholeAnswerOrThrow) {
       EXPECT_EQ(detected.best, whole.best);
       EXPECT_EQ(detected.alternative, whole.alternative);
       EXPECT_TRUE(SameBits(detected.surface, whole.surface));
-      return memory.HasFailed();
-    };
-    const size_t liveBefore = FailingAllocator::LiveMatrices();
-    EXPECT_GT(CountFailingAttempts(detect), 0);
-    EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore);
+    });
   }
 }
 
@@ -122,30 +114,6 @@ TEST(DetectorListener, EndsASequenceByThrowingAtItsEndAndLosesNothing) {
   EXPECT_THROW(detector.DetectTranslation(captures, &listener, 0, 100), Testing::ListenerFailure);
   EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 100),
             std::vector<Translation>(2, ScrolledDown));
-}
-
-/// Captures of three channels need grey images; those of four need no memory at all.
-TEST(SimilarityAllocations, GiveTheWholeAnswerOrThrow) {
-  cv::Mat capture;
-  cv::Mat other;
-  cv::cvtColor(TextPage({100, 150}), capture, cv::COLOR_RGBA2RGB);
-  cv::cvtColor(TextPage({100, 150}, 2), other, cv::COLOR_RGBA2RGB);
-  const double similarity = Utilities::CalculateSimilarity(capture, other);
-  const auto compare = [&](size_t passing) {
-    const FailingAllocator memory(passing, FailingAllocator::First);
-    try {
-      EXPECT_EQ(Utilities::CalculateSimilarity(capture, other), similarity);
-      EXPECT_FALSE(memory.HasFailed());
-    } catch (const cv::Exception& error) {
-      EXPECT_EQ(error.code, cv::Error::StsNoMem);
-      EXPECT_TRUE(memory.HasFailed());
-      EXPECT_EQ(Utilities::CalculateSimilarity(capture, other), similarity);
-    }
-    return memory.HasFailed();
-  };
-  const size_t liveBefore = FailingAllocator::LiveMatrices();
-  EXPECT_GT(CountFailingAttempts(compare), 0);
-  EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore);
 }
 
 }  // namespace

@@ -15,10 +15,12 @@
 namespace ScrollingCapture::Testing {
 namespace {
 
-/// The function of that name in the shared libraries.
+/// The function of the shared libraries that one of this program stands in for.
 template <typename Function>
-Function* RealFunction(const char* symbol) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, symbol));
+Function* RealFunction(Function& standIn) {
+  Dl_info symbol{};
+  dladdr(reinterpret_cast<void*>(&standIn), &symbol);
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, symbol.dli_sname));
 }
 
 }  // namespace
@@ -44,8 +46,7 @@ using ScrollingCapture::Testing::RealFunction;
 namespace cv {
 
 VEL_EXPORT void dft(InputArray source, OutputArray destination, int flags, int nonzeroRows) {
-  static const auto real =
-      RealFunction<decltype(dft)>("_ZN2cv3dftERKNS_11_InputArrayERKNS_12_OutputArrayEii");
+  static const auto real = RealFunction(dft);
   const auto& fails = Interposed().transformFails;
   if (fails && fails(flags)) {
     destination.release();
@@ -60,13 +61,13 @@ extern "C" {
 
 VEL_EXPORT int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                               void* (*start)(void*), void* argument) noexcept {
-  static const auto real = RealFunction<decltype(pthread_create)>("pthread_create");
+  static const auto real = RealFunction(pthread_create);
   const auto& starts = Interposed().threadStarts;
   return starts && !starts() ? EAGAIN : real(thread, attributes, start, argument);
 }
 
 VEL_EXPORT int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
-  static const auto real = RealFunction<decltype(pthread_cond_wait)>("pthread_cond_wait");
+  static const auto real = RealFunction(pthread_cond_wait);
   const auto& beforeWait = Interposed().beforeWait;
   if (beforeWait) {
     beforeWait();

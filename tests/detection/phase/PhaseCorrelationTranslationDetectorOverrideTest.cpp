@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <testkit/pages/NumberedCaptures.h>
+#include <testkit/pages/ScrolledPage.h>
+#include <testkit/references/ReferenceDetector.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -64,6 +66,70 @@ TEST(SequenceDetection, UsesTheAlternativeOperationOfADerivedDetectorWhenConsist
   ITranslationDetector& interface = detector;
   EXPECT_THAT(interface.DetectTranslation(captures, nullptr, 0, 90),
               ElementsAre(Translation(5, 6)));
+}
+
+/// What a detector gives that hands some of its pairs' captures on in part.
+class CroppingDetector : public PhaseCorrelationTranslationDetector {
+ public:
+  explicit CroppingDetector(unsigned int threadCount)
+      : PhaseCorrelationTranslationDetector(Both, false, threadCount) {}
+
+  using PhaseCorrelationTranslationDetector::DetectTranslation;
+
+  /// Pairs that begin with a capture of an even seed lose their lower half.
+  static cv::Rect Part(const cv::Mat& first) {
+    const bool isWhole = first.at<cv::Vec4b>(0, 0)[3] == 255;
+    return {0, 0, first.cols, isWhole ? first.rows : first.rows / 2};
+  }
+
+  Translation DetectTranslation(const cv::Mat& first, const cv::Mat& second) override {
+    const cv::Rect part = Part(first);
+    PhaseCorrelationTranslationDetector::DetectTranslation(second(part), first(part));
+    return PhaseCorrelationTranslationDetector::DetectTranslation(first(part), second(part));
+  }
+};
+
+/// Captures of a page, every other one marked.
+BasicImageProvider MarkedCaptures() {
+  BasicImageProvider captures = Testing::FiveCaptures().Captures();
+  for (size_t i = 0; i < captures.Count(); i += 2) {
+    captures.GetImageAt(i)->at<cv::Vec4b>(0, 0)[3] = 254;
+  }
+  return captures;
+}
+
+TEST(SequenceDetection, ComparesWhatAnOverrideHandsOnAndNotTheCapturesOfTheProvider) {
+  BasicImageProvider captures = MarkedCaptures();
+  Translations expected;
+  for (size_t pair = 0; pair + 1 < captures.Count(); ++pair) {
+    const cv::Mat& first = *captures.GetImageAt(pair);
+    const cv::Rect part = CroppingDetector::Part(first);
+    expected.push_back(Testing::ReferenceDetector(Both).DetectTranslation(
+        first(part), (*captures.GetImageAt(pair + 1))(part)));
+  }
+  for (const unsigned int threadCount : {1U, 3U}) {
+    CroppingDetector detector(threadCount);
+    EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), expected) << threadCount;
+  }
+}
+
+TEST(SequenceDetection, KeepsAnotherDetectorApartThatAnOverrideAsks) {
+  class AskingDetector : public PhaseCorrelationTranslationDetector {
+   public:
+    AskingDetector() : PhaseCorrelationTranslationDetector(Both, false, 2) {}
+    using PhaseCorrelationTranslationDetector::DetectTranslation;
+    Translation DetectTranslation(const cv::Mat& first, const cv::Mat& second) override {
+      PhaseCorrelationTranslationDetector vertical(Vertical, false, 1);
+      const Translation both =
+          PhaseCorrelationTranslationDetector::DetectTranslation(first, second);
+      const Translation rows = vertical.DetectTranslation(first, second);
+      EXPECT_EQ(rows, Testing::ReferenceDetector(Vertical).DetectTranslation(first, second));
+      return both;
+    }
+  } detector;
+  BasicImageProvider captures = Testing::FiveCaptures().Captures();
+  EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90),
+            Testing::FiveCaptures().translations);
 }
 
 struct Consistency {

@@ -147,6 +147,24 @@ TEST(SequenceDetection, TakesCapturesWhoseMemoryIsUsedAgain) {
   EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures().translations);
 }
 
+/// Black in each depth, so that the pixels of one begin as those of the next do.
+TEST(SequenceDetection, TakesCapturesOfOneSizeThatDifferInDepth) {
+  BasicImageProvider captures;
+  for (const int type : {CV_8UC4, CV_32FC4, CV_8UC3, CV_16UC4, CV_32FC3, CV_8UC4}) {
+    cv::Mat capture(64, 512, type, cv::Scalar::all(0));
+    captures.Add(capture);
+  }
+  Translations expected;
+  for (size_t pair = 0; pair + 1 < captures.Count(); ++pair) {
+    expected.push_back(ReferenceDetector(Both).DetectTranslation(*captures.GetImageAt(pair),
+                                                                 *captures.GetImageAt(pair + 1)));
+  }
+  for (const unsigned int threadCount : {1U, 3U}) {
+    PhaseCorrelationTranslationDetector detector(Both, false, threadCount);
+    EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), expected);
+  }
+}
+
 TEST(SequenceDetection, TakesPairsOfDifferentSizeWhoseTransformSizesAgree) {
   BasicImageProvider captures;
   for (const int rows : {127, 128, 127, 127, 128}) {

@@ -1,10 +1,11 @@
 #include <algorithm>
-#include <iostream>
 #include <memory>
 #include <vector>
 
+#include <VelScrollingCapture/core/internal/Grey.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/detection/phase/internal/PairDetection.h>
-#include <VelScrollingCapture/detection/phase/internal/SharedSpectra.h>
+#include <VelScrollingCapture/detection/phase/internal/PairInSequence.h>
 #include <VelScrollingCapture/detection/phase/internal/SpectrumColumns.h>
 #include <VelScrollingCapture/detection/phase/internal/SurfaceRows.h>
 #include <VelScrollingCapture/detection/phase/internal/Transforms.h>
@@ -84,7 +85,7 @@ bool PairDetection::Search(const cv::Mat& first, const cv::Mat& second, PeakSear
     return true;
   } catch (const FailedTransform& failure) {
     ReportFailedTransform(failure);
-    std::cerr << "Failed to create correlation matrix." << std::endl;
+    TellError("Failed to create correlation matrix.");
     return false;
   }
 }
@@ -92,8 +93,8 @@ bool PairDetection::Search(const cv::Mat& first, const cv::Mat& second, PeakSear
 std::shared_ptr<const cv::Mat> PairDetection::Correlate(const cv::Mat& firstGrey,
                                                         const cv::Mat& secondGrey) const {
   const cv::Size dftSize = SizeOfTransform(firstGrey);
-  return sharedSpectra != nullptr
-             ? sharedSpectra->CorrelateImages(firstGrey, secondGrey, dftSize)
+  return pair != nullptr
+             ? pair->CorrelateImages(firstGrey, secondGrey, dftSize)
              : std::make_shared<const cv::Mat>(CorrelateImages(firstGrey, secondGrey, dftSize));
 }
 

@@ -10,7 +10,7 @@
 
 namespace ScrollingCapture {
 
-class SharedSpectra;
+class PairInSequence;
 
 /// The translation that a peak of the surface stands for.
 Translation TranslationOfPeak(const int (&peak)[2], const cv::Size& dftSize,
@@ -19,9 +19,9 @@ Translation TranslationOfPeak(const int (&peak)[2], const cv::Size& dftSize,
 /// Correlates one pair of captures. A detection makes no more of the surface than it needs.
 class PairDetection {
  public:
-  /// @param sharedSpectra the spectra of the sequence that the pairs belong to, or null; not owned
-  explicit PairDetection(ScrollOrientation orientation, SharedSpectra* sharedSpectra = nullptr)
-      : orientation(orientation), sharedSpectra(sharedSpectra) {}
+  /// @param pair where the captures are in a sequence, or null; not owned
+  explicit PairDetection(ScrollOrientation orientation, const PairInSequence* pair = nullptr)
+      : orientation(orientation), pair(pair) {}
 
   /// (0, 0) with a message when a transform fails.
   Translation Detect(const cv::Mat& first, const cv::Mat& second) const;
@@ -41,7 +41,7 @@ class PairDetection {
   bool CanGoByColumns(const cv::Mat& first, const cv::Mat& second) const;
 
   const ScrollOrientation orientation;
-  SharedSpectra* const sharedSpectra;
+  const PairInSequence* const pair;
 };
 
 }  // namespace ScrollingCapture

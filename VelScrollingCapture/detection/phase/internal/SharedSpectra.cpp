@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstring>
 
 #include <VelScrollingCapture/detection/phase/internal/SharedSpectra.h>
@@ -14,7 +13,7 @@ cv::Size SpectrumSize(const cv::Size& dftSize) {
 
 /// Both are continuous: they come from a grey conversion.
 bool SamePixels(const cv::Mat& first, const cv::Mat& second) {
-  return first.size() == second.size() &&
+  return first.size() == second.size() && first.type() == second.type() &&
          std::memcmp(first.data, second.data, first.total() * first.elemSize()) == 0;
 }
 
@@ -22,11 +21,11 @@ bool SamePixels(const cv::Mat& first, const cv::Mat& second) {
 
 /// The later capture comes first: the neighbouring pair that runs at the same time waits for it,
 /// while the spectrum of the earlier one is that pair's own first work.
-std::shared_ptr<const cv::Mat> SharedSpectra::CorrelateImages(const cv::Mat& firstGrey,
-                                                              const cv::Mat& secondGrey,
-                                                              const cv::Size& dftSize) {
-  const Use second(*this, KeptSpectrum(secondGrey, dftSize));
-  const Use first(*this, LastUseOfSpectrum(firstGrey, dftSize));
+std::shared_ptr<const cv::Mat> SharedSpectra::CorrelatePair(size_t pair, const cv::Mat& firstGrey,
+                                                            const cv::Mat& secondGrey,
+                                                            const cv::Size& dftSize) {
+  const Use second(*this, KeptSpectrum(pair + 1, secondGrey, dftSize));
+  const Use first(*this, LastUseOfSpectrum(pair, firstGrey, dftSize));
   Spectrum correlated = first.MemoryIfUnused();
   if (correlated == nullptr) {
     correlated = pool.Lend(SpectrumSize(dftSize), CV_32FC2);
@@ -46,34 +45,29 @@ SharedSpectra::Spectrum SharedSpectra::Use::MemoryIfUnused() const {
 }
 
 /// The spectrum of a capture that the next pair will ask for as well.
-SharedSpectra::Spectrum SharedSpectra::KeptSpectrum(const cv::Mat& grey, const cv::Size& dftSize) {
-  std::unique_lock<std::mutex> lock(mutex);
-  if (Spectrum known = WaitFor(Find(grey), lock)) {
-    return known;
-  }
-  const std::shared_ptr<Entry> entry = Keep(grey);
-  lock.unlock();
-  Spectrum spectrum;
+SharedSpectra::Spectrum SharedSpectra::KeptSpectrum(size_t capture, const cv::Mat& grey,
+                                                    const cv::Size& dftSize) {
+  const std::shared_ptr<Entry> entry = Keep(capture, grey);
   try {
-    spectrum = NewSpectrum(grey, dftSize);
+    Spectrum spectrum = NewSpectrum(grey, dftSize);
+    Finish(*entry, spectrum);
+    return spectrum;
   } catch (...) {
-    Finish(entry, nullptr);
+    Finish(*entry, nullptr);
     throw;
   }
-  Finish(entry, spectrum);
-  return spectrum;
 }
 
-/// The spectrum of a capture that no later pair will ask for.
-SharedSpectra::Spectrum SharedSpectra::LastUseOfSpectrum(const cv::Mat& grey,
+/// The spectrum of a capture that no later pair will ask for. Images are compared without the lock,
+/// which others need meanwhile.
+SharedSpectra::Spectrum SharedSpectra::LastUseOfSpectrum(size_t capture, const cv::Mat& grey,
                                                          const cv::Size& dftSize) {
-  std::unique_lock<std::mutex> lock(mutex);
-  const std::shared_ptr<Entry> entry = Find(grey);
-  entries.remove(entry);
-  if (Spectrum known = WaitFor(entry, lock)) {
-    return known;
+  const std::shared_ptr<const Entry> entry = Take(capture);
+  if (entry != nullptr && SamePixels(entry->grey, grey)) {
+    if (Spectrum known = WaitFor(*entry)) {
+      return known;
+    }
   }
-  lock.unlock();
   return NewSpectrum(grey, dftSize);
 }
 
@@ -83,39 +77,35 @@ SharedSpectra::Spectrum SharedSpectra::NewSpectrum(const cv::Mat& grey, const cv
   return columns;
 }
 
-std::shared_ptr<SharedSpectra::Entry> SharedSpectra::Find(const cv::Mat& grey) const {
-  const auto found = std::find_if(
-      entries.begin(), entries.end(),
-      [&](const std::shared_ptr<Entry>& entry) { return SamePixels(entry->grey, grey); });
-  return found == entries.end() ? nullptr : *found;
-}
-
-/// Null when there is no entry, or when its transform has failed: then the caller makes its own
-/// attempt.
-SharedSpectra::Spectrum SharedSpectra::WaitFor(const std::shared_ptr<Entry>& entry,
-                                               std::unique_lock<std::mutex>& lock) {
-  if (entry == nullptr) {
-    return nullptr;
-  }
-  made.wait(lock, [&] { return !entry->beingMade; });
-  return entry->columns;
-}
-
-std::shared_ptr<SharedSpectra::Entry> SharedSpectra::Keep(const cv::Mat& grey) {
+std::shared_ptr<SharedSpectra::Entry> SharedSpectra::Keep(size_t capture, const cv::Mat& grey) {
+  const auto entry = std::make_shared<Entry>(grey);
+  const std::lock_guard<std::mutex> lock(mutex);
   if (entries.size() == capacity) {
-    entries.pop_front();
+    entries.erase(entries.begin());
   }
-  return entries.emplace_back(std::make_shared<Entry>(grey));
+  entries[capture] = entry;
+  return entry;
+}
+
+/// The entry of a capture, which is then kept no longer; null when there is none.
+std::shared_ptr<SharedSpectra::Entry> SharedSpectra::Take(size_t capture) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  const auto node = entries.extract(capture);
+  return node.empty() ? nullptr : node.mapped();
+}
+
+/// Null when the transform has failed: then the caller makes its own attempt.
+SharedSpectra::Spectrum SharedSpectra::WaitFor(const Entry& entry) {
+  std::unique_lock<std::mutex> lock(mutex);
+  made.wait(lock, [&] { return !entry.beingMade; });
+  return entry.columns;
 }
 
 /// Tells waiting threads how the making has ended.
-void SharedSpectra::Finish(const std::shared_ptr<Entry>& entry, const Spectrum& columns) {
+void SharedSpectra::Finish(Entry& entry, const Spectrum& columns) {
   const std::lock_guard<std::mutex> lock(mutex);
-  entry->columns = columns;
-  entry->beingMade = false;
-  if (columns == nullptr) {
-    entries.remove(entry);
-  }
+  entry.columns = columns;
+  entry.beingMade = false;
   made.notify_all();
 }
 

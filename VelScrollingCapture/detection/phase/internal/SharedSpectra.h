@@ -2,7 +2,7 @@
 
 #include <condition_variable>
 #include <cstddef>
-#include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -16,18 +16,18 @@ namespace ScrollingCapture {
 /// Correlates the pairs of a sequence, whose neighbours share a capture, and transforms each
 /// capture only once.
 ///
-/// A spectrum belongs to the grey image that it was made from, and is used again only for an image
-/// of the same pixels; where those came from does not matter. Any number of threads may correlate
-/// at once.
+/// A spectrum is found by its capture's index, and used again only when the capture still has the
+/// very pixels that it was made from: providers may change them, and overriding detectors may hand
+/// on others. Any number of threads may correlate at once.
 class SharedSpectra {
  public:
-  /// @param capacity how many spectra are kept for later pairs; the oldest one makes room
+  /// @param capacity how many spectra are kept for later pairs; the earliest one makes room
   explicit SharedSpectra(size_t capacity) : capacity(capacity) {}
 
   /// As the function CorrelateImages, which gives the same bits.
-  std::shared_ptr<const cv::Mat> CorrelateImages(const cv::Mat& firstGrey,
-                                                 const cv::Mat& secondGrey,
-                                                 const cv::Size& dftSize);
+  /// @param pair the index of the first image's capture; the second one's comes after it
+  std::shared_ptr<const cv::Mat> CorrelatePair(size_t pair, const cv::Mat& firstGrey,
+                                               const cv::Mat& secondGrey, const cv::Size& dftSize);
 
  private:
   using Spectrum = std::shared_ptr<cv::Mat>;
@@ -61,19 +61,19 @@ class SharedSpectra {
     Spectrum spectrum;
   };
 
-  Spectrum KeptSpectrum(const cv::Mat& grey, const cv::Size& dftSize);
-  Spectrum LastUseOfSpectrum(const cv::Mat& grey, const cv::Size& dftSize);
+  Spectrum KeptSpectrum(size_t capture, const cv::Mat& grey, const cv::Size& dftSize);
+  Spectrum LastUseOfSpectrum(size_t capture, const cv::Mat& grey, const cv::Size& dftSize);
   Spectrum NewSpectrum(const cv::Mat& grey, const cv::Size& dftSize);
-  std::shared_ptr<Entry> Find(const cv::Mat& grey) const;
-  std::shared_ptr<Entry> Keep(const cv::Mat& grey);
-  Spectrum WaitFor(const std::shared_ptr<Entry>& entry, std::unique_lock<std::mutex>& lock);
-  void Finish(const std::shared_ptr<Entry>& entry, const Spectrum& columns);
+  std::shared_ptr<Entry> Keep(size_t capture, const cv::Mat& grey);
+  std::shared_ptr<Entry> Take(size_t capture);
+  Spectrum WaitFor(const Entry& entry);
+  void Finish(Entry& entry, const Spectrum& columns);
 
   const size_t capacity;
   MatrixPool pool;
   std::mutex mutex;
   std::condition_variable made;
-  std::list<std::shared_ptr<Entry>> entries;  ///< the oldest first
+  std::map<size_t, std::shared_ptr<Entry>> entries;  ///< by the capture's index
 };
 
 }  // namespace ScrollingCapture

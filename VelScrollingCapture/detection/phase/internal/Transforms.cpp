@@ -1,7 +1,4 @@
-#include <iostream>
-
-#include <opencv2/imgproc.hpp>
-
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/detection/phase/internal/Transforms.h>
 
 namespace ScrollingCapture {
@@ -26,11 +23,11 @@ void ReduceToSigns(cv::Mat& spectrum) {
 
 void ReportFailedTransform(const FailedTransform& failure) {
   if (failure.inverse) {
-    std::cerr << "Error: PerformIDFT failed." << std::endl;
-    std::cerr << "Error: Failed to perform IDFT." << std::endl;
+    TellError("Error: PerformIDFT failed.");
+    TellError("Error: Failed to perform IDFT.");
   } else {
-    std::cerr << "Error: PerformDFT failed." << std::endl;
-    std::cerr << "Error: Failed to perform DFT." << std::endl;
+    TellError("Error: PerformDFT failed.");
+    TellError("Error: Failed to perform DFT.");
   }
 }
 
@@ -45,12 +42,6 @@ bool LooksForColumns(ScrollOrientation orientation) {
 cv::Size TransformSize(const cv::Size& image, ScrollOrientation orientation) {
   return {TransformLength(image.width, LooksForColumns(orientation)),
           TransformLength(image.height, LooksForRows(orientation))};
-}
-
-cv::Mat GreyOf(const cv::Mat& capture) {
-  cv::Mat grey;
-  cv::cvtColor(capture, grey, cv::COLOR_RGBA2GRAY);
-  return grey;
 }
 
 void Transform(const cv::Mat& source, cv::Mat& destination, int flags) {

@@ -27,9 +27,6 @@ inline int CentredStart(int transformLength, int imageLength) {
   return (transformLength - imageLength) / 2;
 }
 
-/// The 8-bit grey image of a capture with the channels red, green, blue and perhaps alpha.
-cv::Mat GreyOf(const cv::Mat& capture);
-
 /// cv::dft that throws FailedTransform when it gives nothing. `destination` may be a view or the
 /// source itself.
 void Transform(const cv::Mat& source, cv::Mat& destination, int flags);
