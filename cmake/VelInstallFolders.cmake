@@ -2,7 +2,8 @@
 # installed tree starts from wherever it is put.
 
 # Debian names the folder of libraries after the machine, below /usr/local as below /usr.
-if(PROJECT_IS_TOP_LEVEL AND EXISTS /etc/debian_version AND CMAKE_LIBRARY_ARCHITECTURE)
+if(NOT DEFINED CMAKE_INSTALL_LIBDIR AND PROJECT_IS_TOP_LEVEL
+    AND EXISTS /etc/debian_version AND CMAKE_LIBRARY_ARCHITECTURE)
   set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Libraries")
 endif()
 include(GNUInstallDirs)
