@@ -27,6 +27,9 @@ struct CaptureAnchors {
   int type = 0;                 ///< of the capture
   std::vector<Anchor> anchors;  ///< ordered by hash
 
+  /// Whether the capture has four channels and all its transparent pixels are 0.
+  bool arePixelsKeys = false;
+
   cv::Point PlaceOf(const Anchor& anchor) const {
     const auto width = static_cast<std::uint32_t>(size.width);
     return {static_cast<int>(anchor.position % width), static_cast<int>(anchor.position / width)};

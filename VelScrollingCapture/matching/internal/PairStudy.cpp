@@ -61,8 +61,8 @@ class PairStudyRun {
       : earlier(earlier),
         later(later),
         settings(settings),
-        earlierKeys(PixelKeysOf(earlier.pixels)),
-        laterKeys(PixelKeysOf(later.pixels)),
+        earlierKeys(PixelKeysOf(earlier.pixels, earlier.anchors.arePixelsKeys)),
+        laterKeys(PixelKeysOf(later.pixels, later.anchors.arePixelsKeys)),
         matches(UniqueMatches(earlier.anchors, later.anchors, settings.orientation)),
         counted(CountMotions(matches)),
         proof(earlierKeys, laterKeys, matches) {}
@@ -114,13 +114,16 @@ class PairStudyRun {
       return {};
     }
     AddPeriods(tolerant, laterGrey, plausible);
+    for (const cv::Point& neighbour : NeighboursOf(plausible[BestOf(plausible)].motion)) {
+      AddPlausible(tolerant, neighbour, plausible);
+    }
     const std::size_t best = BestOf(plausible);
     PairMatch match;
     match.join.verdict = Verdict::Likely;
     match.join.motion = ToTranslation(plausible[best].motion);
     for (const TolerantFinding& rival : plausible) {
       if (!IsExcused(rival.motion, plausible[best].motion) &&
-          !plausible[best].Outclasses(rival) && !TolerantProof::Beats(plausible[best], rival)) {
+          !Surpasses(plausible[best], rival)) {
         match.join.verdict = Verdict::Doubtful;
         match.join.alternatives.push_back(ToTranslation(rival.motion));
       }
@@ -156,7 +159,7 @@ class PairStudyRun {
     const auto wins = [&](const TolerantFinding& one) {
       return std::count_if(findings.begin(), findings.end(), [&](const TolerantFinding& other) {
         return AreClose(one.motion, other.motion) ? one.explained > other.explained
-                                                  : TolerantProof::Beats(one, other);
+                                                  : Surpasses(one, other);
       });
     };
     const auto best = std::max_element(
@@ -164,6 +167,10 @@ class PairStudyRun {
           return std::pair(wins(left), left.explained) < std::pair(wins(right), right.explained);
         });
     return static_cast<std::size_t>(best - findings.begin());
+  }
+
+  static bool Surpasses(const TolerantFinding& one, const TolerantFinding& other) {
+    return one.Outclasses(other) || TolerantProof::Beats(one, other);
   }
 
   static bool AreClose(const cv::Point& one, const cv::Point& other) {
@@ -207,7 +214,7 @@ class PairStudyRun {
       }
     }
     for (const CountedMotion& candidate : candidates) {
-      if (candidate.motion != cv::Point()) {
+      if (candidate.motion != cv::Point() && proof.MayBePlausible(candidate.motion)) {
         const Finding finding = proof.Examine(candidate.motion);
         if (IsPlausible(finding)) {
           if (!IsSharp(finding)) {
@@ -288,7 +295,7 @@ class PairStudyRun {
       }
       if (AreNeighbours(rival, finding.motion)) {
         isDrawnAnew = true;
-      } else if (IsPlausible(proof.Examine(rival))) {
+      } else if (proof.MayBePlausible(rival) && IsPlausible(proof.Examine(rival))) {
         rivals.push_back(rival);
       }
     }

@@ -39,6 +39,14 @@ struct Strip {
   std::array<std::array<std::uint32_t, StripPatches>, PatchSide> lastRows;
   std::array<std::uint32_t, StripPatches> hashes;
   std::array<std::uint8_t, Selections> selected;
+  std::uint32_t hidden;  ///< not 0 once a transparent pixel had a colour
+};
+
+/// A row of pixels, for so many patches.
+struct PixelRow {
+  const unsigned char* pixels;
+  int channels;
+  int patches;
 };
 
 /// row[i] becomes the hash of the `columns` pixels from i on, by joining two halves.
@@ -49,12 +57,13 @@ struct Strip {
   }
 }
 
-/// Takes in one row of pixel keys, of as many patches as `patches`: hashes becomes those of the
-/// patches that end with it.
-[[gnu::always_inline]] inline void AddRow(Strip& strip, int patches, int ringRow,
+/// Takes in one row of pixels: the hashes become those of the patches that end with it.
+[[gnu::always_inline]] inline void AddRow(Strip& strip, const PixelRow& added, int ringRow,
                                           std::uint32_t mask) {
   std::uint32_t* const row = strip.row.data();
+  const int patches = added.patches;
   const int pixels = patches + PatchSide - 1;
+  strip.hidden |= WritePixelKeys(added.pixels, added.channels, pixels, row);
   for (int i = 0; i < pixels; ++i) {
     const std::uint32_t key = row[i] * SpreadPixel;
     row[i] = (key ^ key >> 15) * SpreadHash;
@@ -84,15 +93,15 @@ struct Strip {
   }
 }
 
-using RowAdder = void (*)(Strip&, int patches, int ringRow, std::uint32_t mask);
+using RowAdder = void (*)(Strip&, const PixelRow&, int ringRow, std::uint32_t mask);
 
-void AddRowPlainly(Strip& strip, int patches, int ringRow, std::uint32_t mask) {
-  AddRow(strip, patches, ringRow, mask);
+void AddRowPlainly(Strip& strip, const PixelRow& added, int ringRow, std::uint32_t mask) {
+  AddRow(strip, added, ringRow, mask);
 }
 
-SCROLLING_CAPTURE_WIDE_TARGET void AddRowWidely(Strip& strip, int patches, int ringRow,
+SCROLLING_CAPTURE_WIDE_TARGET void AddRowWidely(Strip& strip, const PixelRow& added, int ringRow,
                                                 std::uint32_t mask) {
-  AddRow(strip, patches, ringRow, mask);
+  AddRow(strip, added, ringRow, mask);
 }
 
 /// Calls take(patch) for each selected patch of the strip but the first.
@@ -113,8 +122,8 @@ void ForEachSelected(const Strip& strip, int patches, Take take) {
 
 }  // namespace
 
-std::vector<Anchor> SelectPatches(const cv::Mat& capture, int zeroBits, Vectors vectors) {
-  std::vector<Anchor> anchors;
+Selection SelectPatches(const cv::Mat& capture, int zeroBits, Vectors vectors) {
+  Selection selection;
   const RowAdder addRow =
       vectors == Vectors::Widest && HasWideVectors() ? AddRowWidely : AddRowPlainly;
   const std::uint32_t mask = (std::uint32_t{1} << zeroBits) - 1;
@@ -123,22 +132,23 @@ std::vector<Anchor> SelectPatches(const cv::Mat& capture, int zeroBits, Vectors 
     Strip strip{};
     const int patches = std::min(StripPatches, patchColumns - left);
     for (int row = 0; row < capture.rows; ++row) {
-      const auto* const pixels = capture.ptr<unsigned char>(row) + left * capture.elemSize();
-      WritePixelKeys(pixels, capture.channels(), patches + PatchSide - 1, strip.row.data());
-      addRow(strip, patches, row % PatchSide, mask);
+      const auto* const pixels =
+          capture.ptr<unsigned char>(row) + static_cast<std::size_t>(left) * capture.elemSize();
+      addRow(strip, {pixels, capture.channels(), patches}, row % PatchSide, mask);
       const int top = row - PatchSide + 1;
       if (top > 0) {
-        const std::uint32_t start = static_cast<std::uint32_t>(top) *
-                                        static_cast<std::uint32_t>(capture.cols) +
-                                    static_cast<std::uint32_t>(left);
+        const std::uint32_t start =
+            static_cast<std::uint32_t>(top) * static_cast<std::uint32_t>(capture.cols) +
+            static_cast<std::uint32_t>(left);
         ForEachSelected(strip, patches, [&](int patch) {
-          anchors.push_back({strip.hashes[static_cast<std::size_t>(patch)],
-                             start + static_cast<std::uint32_t>(patch)});
+          selection.anchors.push_back({strip.hashes[static_cast<std::size_t>(patch)],
+                                       start + static_cast<std::uint32_t>(patch)});
         });
       }
     }
+    selection.hasColouredTransparentPixels |= strip.hidden != 0;
   }
-  return anchors;
+  return selection;
 }
 
 }  // namespace ScrollingCapture
