@@ -44,9 +44,6 @@ class ExactProof {
   ExactProof(const cv::Mat& earlier, const cv::Mat& later, const std::vector<Match>& matches)
       : earlier(earlier), later(later), matches(matches) {}
 
-  /// Whether so much as the least number of unique cells moved so.
-  bool MayBePlausible(const cv::Point& motion) const;
-
   Finding Examine(const cv::Point& motion) const;
 
   /// Whether nothing moved: what agrees is not only bars at the window's edges.

@@ -20,7 +20,7 @@ constexpr std::size_t MostCandidates = 8;
 constexpr std::size_t MostRepeatedCandidates = 32;
 
 /// Fewer votes can not reach the cells that a motion needs.
-constexpr int LeastVotes = 8;
+constexpr int LeastVotes = 12;
 
 /// So many votes are no accident, even where many anchors vote otherwise.
 constexpr int ManyVotes = 48;
@@ -122,8 +122,7 @@ class PairStudyRun {
     match.join.verdict = Verdict::Likely;
     match.join.motion = ToTranslation(plausible[best].motion);
     for (const TolerantFinding& rival : plausible) {
-      if (!IsExcused(rival.motion, plausible[best].motion) &&
-          !Surpasses(plausible[best], rival)) {
+      if (!IsExcused(rival.motion, plausible[best].motion) && !Surpasses(plausible[best], rival)) {
         match.join.verdict = Verdict::Doubtful;
         match.join.alternatives.push_back(ToTranslation(rival.motion));
       }
@@ -214,7 +213,7 @@ class PairStudyRun {
       }
     }
     for (const CountedMotion& candidate : candidates) {
-      if (candidate.motion != cv::Point() && proof.MayBePlausible(candidate.motion)) {
+      if (candidate.motion != cv::Point()) {
         const Finding finding = proof.Examine(candidate.motion);
         if (IsPlausible(finding)) {
           if (!IsSharp(finding)) {
@@ -295,7 +294,7 @@ class PairStudyRun {
       }
       if (AreNeighbours(rival, finding.motion)) {
         isDrawnAnew = true;
-      } else if (proof.MayBePlausible(rival) && IsPlausible(proof.Examine(rival))) {
+      } else if (IsPlausible(proof.Examine(rival))) {
         rivals.push_back(rival);
       }
     }
@@ -310,8 +309,7 @@ class PairStudyRun {
     for (const cv::Point& rival : rivals) {
       match.join.alternatives.push_back(ToTranslation(rival));
     }
-    const bool isProven =
-        finding.IsClean() && !isDrawnAnew && finding.unique >= StrongEvidence;
+    const bool isProven = finding.IsClean() && !isDrawnAnew && finding.unique >= StrongEvidence;
     match.join.verdict = !rivals.empty() ? Verdict::Doubtful
                          : isProven      ? Verdict::Proven
                                          : Verdict::Likely;
@@ -395,8 +393,7 @@ PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& lat
 }
 
 Join PreferRepetition(Join join, const Translation& stepBefore) {
-  const auto repeated =
-      std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
+  const auto repeated = std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
   if (join.verdict == Verdict::Doubtful && repeated != join.alternatives.end()) {
     std::swap(join.motion, *repeated);
   }
