@@ -198,6 +198,9 @@ class CapturePlacer::Implementation {
 
   /// Joins the part of a capture with others that its content was seen in.
   void JoinParts(std::size_t index, const PreparedCapture& capture) {
+    if (!parts.AreSeveral()) {
+      return;
+    }
     for (const SeenAnchors::Vote& vote : seen.PlacesOf(capture.Anchors())) {
       const PartPlace place = parts.Resolve(records[index].place);
       if (vote.votes < LeastVotes) {

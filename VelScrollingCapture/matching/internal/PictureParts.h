@@ -19,6 +19,9 @@ class PictureParts {
   /// Begins a new part.
   int Add();
 
+  /// Whether there are parts that have not turned out to be one.
+  bool AreSeveral() const;
+
   /// The same place in the part that now stands for it.
   PartPlace Resolve(const PartPlace& place) const;
 
