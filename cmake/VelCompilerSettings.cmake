@@ -12,7 +12,8 @@ target_compile_options(vel_compiler_settings INTERFACE
   "$<$<COMPILE_LANGUAGE:CXX,OBJCXX>:-Wnon-virtual-dtor;-Woverloaded-virtual>"
   $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
   $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-sign-conversion>
-  $<$<BOOL:${VEL_WARNINGS_AS_ERRORS}>:-Werror>)
+  $<$<BOOL:${VEL_WARNINGS_AS_ERRORS}>:-Werror>
+  -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
 if(VEL_SANITIZERS)
   target_compile_options(vel_compiler_settings INTERFACE

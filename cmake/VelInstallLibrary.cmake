@@ -23,6 +23,10 @@ install(EXPORT VelScrollingCaptureTargets
   DESTINATION ${VEL_CMAKE_DIR}
   COMPONENT development)
 
+# A component of its own: a Debian package has its licence elsewhere.
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE
+  DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)
+
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/VelScrollingCaptureConfig.cmake.in
   ${PROJECT_BINARY_DIR}/VelScrollingCaptureConfig.cmake
@@ -40,9 +44,18 @@ if(VEL_FRAMEWORK_FOLDER)
   return()
 endif()
 
-# The module gives its prefix relative to its own folder, so that the installed tree can be moved.
+# The module gives its folders relative to its own, so that the installed tree can be moved.
 file(RELATIVE_PATH VEL_PREFIX_FROM_PKGCONFIG
   "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+file(RELATIVE_PATH VEL_INCLUDES_FROM_PKGCONFIG
+  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+# OpenCV's own module would link all of its libraries, so it only tells where the headers are.
+set(VEL_OPENCV_LINKS "-lopencv_imgproc -lopencv_core")
+get_target_property(VEL_OPENCV_FOLDER opencv_core LOCATION)
+get_filename_component(VEL_OPENCV_FOLDER "${VEL_OPENCV_FOLDER}" DIRECTORY)
+if(NOT VEL_OPENCV_FOLDER IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
+  string(PREPEND VEL_OPENCV_LINKS "-L${VEL_OPENCV_FOLDER} ")
+endif()
 configure_file(
   ${PROJECT_SOURCE_DIR}/cmake/VelScrollingCapture.pc.in
   ${PROJECT_BINARY_DIR}/VelScrollingCapture.pc @ONLY)

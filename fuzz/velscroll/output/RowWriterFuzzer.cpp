@@ -17,7 +17,7 @@ namespace {
 
 using Program::PictureFormat;
 
-constexpr int LongestSide = 300;
+constexpr int LongestSide = 64;
 
 Program::EncodingSettings AnySettings(FuzzedDataProvider& data) {
   Program::EncodingSettings settings;

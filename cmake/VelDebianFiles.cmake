@@ -1,0 +1,23 @@
+# What Debian wants to find in a package, beside what an installation puts there. CPack runs this over
+# the files of every package before it packs them.
+set(sources ${CMAKE_CURRENT_LIST_DIR})
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+
+# compress(<file>) puts <file>.gz in its place.
+function(compress file)
+  execute_process(COMMAND gzip -9 --no-name --force ${file} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER ${component} key)
+  set(root ${CPACK_TEMPORARY_DIRECTORY}/${component}${CPACK_PACKAGING_INSTALL_PREFIX})
+  set(documents ${root}/share/doc/${CPACK_DEBIAN_${key}_PACKAGE_NAME})
+
+  configure_file(${sources}/debian/copyright ${documents}/copyright COPYONLY)
+  configure_file(${sources}/debian/changelog.in ${documents}/changelog.Debian @ONLY)
+  configure_file(${sources}/../CHANGELOG.md ${documents}/changelog COPYONLY)
+  file(GLOB pages ${root}/share/man/man*/*[0-9])
+  foreach(file IN LISTS pages ITEMS ${documents}/changelog.Debian ${documents}/changelog)
+    compress(${file})
+  endforeach()
+endforeach()
