@@ -67,7 +67,7 @@ void ExpectWholeOrCropped(BasicImageProvider& captures, const ScrolledWindow& wi
   }
 }
 
-class BorderAllocations : public testing::TestWithParam<FailingMemory::Failures> {
+class BorderDetectionAllocations : public testing::TestWithParam<FailingMemory::Failures> {
  protected:
   /// Stitches copies of the window's captures.
   void Stitch() {
@@ -124,7 +124,7 @@ class BorderAllocations : public testing::TestWithParam<FailingMemory::Failures>
   bool succeeded = false;
 };
 
-TEST_P(BorderAllocations, GiveTheBorderedPageOrTellWhatFailed) {
+TEST_P(BorderDetectionAllocations, GiveTheBorderedPageOrTellWhatFailed) {
   ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
     stitcher = MakeStitcher();
     StartAnew();
@@ -145,8 +145,8 @@ TEST_P(BorderAllocations, GiveTheBorderedPageOrTellWhatFailed) {
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Failures, BorderAllocations, testing::ValuesIn(Testing::AllFailures),
-                         Testing::NameOfFailures);
+INSTANTIATE_TEST_SUITE_P(Failures, BorderDetectionAllocations,
+                         testing::ValuesIn(Testing::AllFailures), Testing::NameOfFailures);
 
 TEST(BorderDetectionOutOfMemory, KeepsTheCapturesUntilTheirBordersAreStored) {
   const ScrolledWindow window(ContentBox, {0, 40});

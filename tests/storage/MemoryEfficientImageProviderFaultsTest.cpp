@@ -36,13 +36,13 @@ struct BadFolder {
 
 void PrintTo(const BadFolder& folder, std::ostream* stream) { *stream << folder.name; }
 
-class FolderThatCannotBeWrittenTest : public testing::TestWithParam<BadFolder> {
+class MemoryEfficientImageProviderFolderTest : public testing::TestWithParam<BadFolder> {
  protected:
   TemporaryFolder folder;
   std::vector<cv::Mat> captures = NoiseCaptures(5);
 };
 
-TEST_P(FolderThatCannotBeWrittenTest, LeavesEveryCaptureInMemory) {
+TEST_P(MemoryEfficientImageProviderFolderTest, LeavesEveryCaptureInMemory) {
   WriteFile(folder.Prefix() + "plain", "plain");
   MemoryEfficientImageProvider provider((folder.Path() / GetParam().path).string(), 0);
   AddAll(provider, captures);
@@ -59,7 +59,7 @@ TEST_P(FolderThatCannotBeWrittenTest, LeavesEveryCaptureInMemory) {
   EXPECT_TRUE(provider.IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Folders, FolderThatCannotBeWrittenTest,
+INSTANTIATE_TEST_SUITE_P(Folders, MemoryEfficientImageProviderFolderTest,
                          testing::Values(BadFolder{"Missing", "missing/"},
                                          BadFolder{"BelowAFile", "plain/"},
                                          BadFolder{"OfTheSystem", "/proc/"},

@@ -44,7 +44,7 @@ struct Failure {
 
 void PrintTo(const Failure& failure, std::ostream* stream) { *stream << failure.name; }
 
-class FailingTransform : public testing::TestWithParam<Failure> {
+class PhaseCorrelationTranslationDetectorFailingTransform : public testing::TestWithParam<Failure> {
  protected:
   const cv::Mat first = NoiseCapture({40, 30}, 1);
   const cv::Mat second = NoiseCapture({40, 30}, 2);
@@ -53,19 +53,20 @@ class FailingTransform : public testing::TestWithParam<Failure> {
   const Testing::StreamCapture errors{std::cerr};
 };
 
-TEST_P(FailingTransform, LeavesTheSurfaceEmptyAndTheTransformSizeUntouched) {
+TEST_P(PhaseCorrelationTranslationDetectorFailingTransform,
+       LeavesTheSurfaceEmptyAndTheTransformSizeUntouched) {
   cv::Size dftSize(7, 9);
   EXPECT_TRUE(detector.CalculateCorrelationMatrix(first, second, dftSize).empty());
   EXPECT_EQ(errors.Text(), GetParam().lines);
   EXPECT_EQ(dftSize, cv::Size(7, 9));
 }
 
-TEST_P(FailingTransform, MakesThePairsTranslationZero) {
+TEST_P(PhaseCorrelationTranslationDetectorFailingTransform, MakesThePairsTranslationZero) {
   EXPECT_EQ(detector.DetectTranslation(first, second), Translation(0, 0));
   EXPECT_EQ(errors.Text(), GetParam().lines + NoSurfaceLine);
 }
 
-TEST_P(FailingTransform, LeavesTheAlternativeUntouched) {
+TEST_P(PhaseCorrelationTranslationDetectorFailingTransform, LeavesTheAlternativeUntouched) {
   Translation alternative(7, 9);
   EXPECT_EQ(detector.DetectTranslationWithAlternative(first, second, alternative),
             Translation(0, 0));
@@ -73,7 +74,7 @@ TEST_P(FailingTransform, LeavesTheAlternativeUntouched) {
   EXPECT_EQ(errors.Text(), GetParam().lines + NoSurfaceLine);
 }
 
-TEST_P(FailingTransform, IsToldToAHostThatTakesTheMessages) {
+TEST_P(PhaseCorrelationTranslationDetectorFailingTransform, IsToldToAHostThatTakesTheMessages) {
   const Testing::MessageCapture messages;
   detector.DetectTranslation(first, second);
   std::string lines;
@@ -85,13 +86,15 @@ TEST_P(FailingTransform, IsToldToAHostThatTakesTheMessages) {
   EXPECT_EQ(errors.Text(), "");
 }
 
-TEST_P(FailingTransform, DoesNotHideACaptureThatCannotBeTurnedToGrey) {
+TEST_P(PhaseCorrelationTranslationDetectorFailingTransform,
+       DoesNotHideACaptureThatCannotBeTurnedToGrey) {
   cv::Size dftSize;
   EXPECT_THROW(detector.CalculateCorrelationMatrix(first, {}, dftSize), cv::Exception);
   EXPECT_EQ(errors.Text(), "");
 }
 
-TEST_P(FailingTransform, GivesZerosForEachPairOfASequenceThatGoesOn) {
+TEST_P(PhaseCorrelationTranslationDetectorFailingTransform,
+       GivesZerosForEachPairOfASequenceThatGoesOn) {
   BasicImageProvider captures;
   for (unsigned int seed = 0; seed < 3; ++seed) {
     cv::Mat capture = NoiseCapture({40, 30}, seed);
@@ -109,14 +112,14 @@ TEST_P(FailingTransform, GivesZerosForEachPairOfASequenceThatGoesOn) {
   EXPECT_EQ(errors.Text(), pair + pair + pair + pair);
 }
 
-INSTANTIATE_TEST_SUITE_P(Directions, FailingTransform,
+INSTANTIATE_TEST_SUITE_P(Directions, PhaseCorrelationTranslationDetectorFailingTransform,
                          testing::Values(Failure{"Forward", IsForward, ForwardLines},
                                          Failure{"Inverse", IsInverse, InverseLines},
                                          Failure{"All", [](int) { return true; }, ForwardLines}),
                          [](const auto& instance) { return instance.param.name; });
 
 /// Lets the n-th transform of a pair fail, for every n until there are no more transforms.
-TEST(FailingTransform, IsToldOnceWhicheverTransformFails) {
+TEST(PhaseCorrelationTranslationDetectorFailingTransform, IsToldOnceWhicheverTransformFails) {
   const cv::Mat first = NoiseCapture({40, 30}, 1);
   const cv::Mat second = NoiseCapture({40, 30}, 2);
   bool failed = true;
@@ -146,7 +149,7 @@ TEST(FailingTransform, IsToldOnceWhicheverTransformFails) {
 }
 
 /// A spectrum that could not be made is never taken for that of the next pair.
-TEST(FailingTransform, OfOnePairDoesNotHarmTheOthers) {
+TEST(PhaseCorrelationTranslationDetectorFailingTransform, OfOnePairDoesNotHarmTheOthers) {
   const cv::Mat page = Testing::TextPage({200, 300});
   BasicImageProvider captures;
   for (const int top : {0, 20, 50, 90}) {
@@ -164,7 +167,7 @@ TEST(FailingTransform, OfOnePairDoesNotHarmTheOthers) {
 }
 
 /// Whichever pair it hits: its neighbour waits for the spectrum and then makes its own.
-TEST(FailingTransform, OfOneOfManyThreadsDoesNotHarmTheOthers) {
+TEST(PhaseCorrelationTranslationDetectorFailingTransform, OfOneOfManyThreadsDoesNotHarmTheOthers) {
   const cv::Mat page = Testing::TextPage({200, 300});
   BasicImageProvider captures;
   for (int top = 0; top < 80; top += 10) {
@@ -200,20 +203,22 @@ int ForwardTransformsOf(ITranslationDetector& detector, int captureCount) {
   return calls;
 }
 
-TEST(SequenceDetection, TransformsEachCaptureOnce) {
+TEST(PhaseCorrelationTranslationDetectorSequence, TransformsEachCaptureOnce) {
   PhaseCorrelationTranslationDetector detector(Both, false, 1);
   const int callsForTwoCaptures = ForwardTransformsOf(detector, 2);
   EXPECT_GT(callsForTwoCaptures, 0);
   EXPECT_EQ(ForwardTransformsOf(detector, 8), 4 * callsForTwoCaptures);
 }
 
-TEST(SequenceDetection, TransformsEachCaptureOnceForADerivedDetectorThatLeavesPairsToItsBase) {
+TEST(PhaseCorrelationTranslationDetectorSequence,
+     TransformsEachCaptureOnceForADerivedDetectorThatLeavesPairsToItsBase) {
   OpenDetector detector(Both);
   const int callsForTwoCaptures = ForwardTransformsOf(detector, 2);
   EXPECT_EQ(ForwardTransformsOf(detector, 8), 4 * callsForTwoCaptures);
 }
 
-TEST(PerformDFT, TellsThatItFailedAfterWritingTheTransformSize) {
+TEST(PhaseCorrelationTranslationDetectorForwardTransform,
+     TellsThatItFailedAfterWritingTheTransformSize) {
   const ScopedInterposition interposition{{IsForward, nullptr, nullptr}};
   const Testing::StreamCapture errors(std::cerr);
   cv::Mat spectrum(1, 1, CV_8UC1, cv::Scalar(42));
@@ -226,7 +231,8 @@ TEST(PerformDFT, TellsThatItFailedAfterWritingTheTransformSize) {
   EXPECT_EQ(spectrum.at<uchar>(0, 0), 42);
 }
 
-TEST(PerformIDFT, TellsThatItFailedAndLeavesTheSurfaceUntouched) {
+TEST(PhaseCorrelationTranslationDetectorInverseTransform,
+     TellsThatItFailedAndLeavesTheSurfaceUntouched) {
   const ScopedInterposition interposition{{IsInverse, nullptr, nullptr}};
   const Testing::StreamCapture errors(std::cerr);
   cv::Mat surface(1, 1, CV_8UC1, cv::Scalar(42));

@@ -80,9 +80,9 @@ Outcome OutcomeOf(Search search, cv::Range rows, cv::Range columns) {
   return {found, rows, columns, errors.Text()};
 }
 
-class ContentSearchInSize : public testing::TestWithParam<cv::Size> {};
+class BasicBorderDetectionSearchInSize : public testing::TestWithParam<cv::Size> {};
 
-TEST_P(ContentSearchInSize, FindsWhatThePixelByPixelSearchFinds) {
+TEST_P(BasicBorderDetectionSearchInSize, FindsWhatThePixelByPixelSearchFinds) {
   const unsigned int noLimit = std::numeric_limits<unsigned int>::max();
   cv::RNG random(static_cast<std::uint64_t>(GetParam().width * 1000 + GetParam().height));
   for (int pattern = 0; pattern < PatternsOfEachSize; ++pattern) {
@@ -121,7 +121,7 @@ TEST_P(ContentSearchInSize, FindsWhatThePixelByPixelSearchFinds) {
   }
 }
 
-TEST_P(ContentSearchInSize, CountsTheNeighboursThatThePixelByPixelSearchCounts) {
+TEST_P(BasicBorderDetectionSearchInSize, CountsTheNeighboursThatThePixelByPixelSearchCounts) {
   cv::RNG random(7);
   const StreamCapture errors(std::cerr);
   for (int pattern = 0; pattern < PatternsOfEachSize; ++pattern) {
@@ -144,14 +144,14 @@ std::string NameOfSize(const testing::TestParamInfo<cv::Size>& info) {
   return std::to_string(info.param.width) + "By" + std::to_string(info.param.height);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sizes, ContentSearchInSize,
+INSTANTIATE_TEST_SUITE_P(Sizes, BasicBorderDetectionSearchInSize,
                          testing::Values(cv::Size(1, 1), cv::Size(40, 1), cv::Size(1, 40),
                                          cv::Size(2, 2), cv::Size(3, 7), cv::Size(31, 17),
                                          cv::Size(255, 6), cv::Size(256, 5), cv::Size(257, 4),
                                          cv::Size(600, 9), cv::Size(6, 300)),
                          NameOfSize);
 
-TEST(ContentSearch, ReadsAViewOfALargerImage) {
+TEST(BasicBorderDetectionSearch, ReadsAViewOfALargerImage) {
   const cv::Mat whole(40, 50, CV_8UC1, cv::Scalar(255));
   cv::Mat view = whole.clone()(cv::Rect(10, 10, 20, 20));
   view.setTo(0);
@@ -165,7 +165,7 @@ TEST(ContentSearch, ReadsAViewOfALargerImage) {
   EXPECT_EQ(columns, cv::Range(5, 9));
 }
 
-TEST(ContentSearch, FindsNothingInAnEmptyImage) {
+TEST(BasicBorderDetectionSearch, FindsNothingInAnEmptyImage) {
   cv::Mat empty;
   cv::Range rows(0, 0);
   cv::Range columns(0, 0);

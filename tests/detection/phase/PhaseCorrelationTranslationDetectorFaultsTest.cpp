@@ -39,9 +39,9 @@ struct Operation {
 };
 void PrintTo(const Operation& operation, std::ostream* stream) { *stream << operation.name; }
 
-class DetectorAllocations : public testing::TestWithParam<Operation> {};
+class PhaseCorrelationTranslationDetectorAllocations : public testing::TestWithParam<Operation> {};
 
-TEST_P(DetectorAllocations, GiveTheWholeAnswerOrThrow) {
+TEST_P(PhaseCorrelationTranslationDetectorAllocations, GiveTheWholeAnswerOrThrow) {
   const cv::Mat page = TextPage({100, 150});
   const cv::Mat first = page.rowRange(0, 120);
   const cv::Mat second = page.rowRange(30, 150);
@@ -67,7 +67,7 @@ TEST_P(DetectorAllocations, GiveTheWholeAnswerOrThrow) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Operations, DetectorAllocations,
+    Operations, PhaseCorrelationTranslationDetectorAllocations,
     testing::Values(Operation{"BestTranslation",
                               [](OpenDetector& detector, const cv::Mat& first,
                                  const cv::Mat& second, Detected& detected) {
@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(
                               }}),
     [](const auto& test) { return test.param.name; });
 
-TEST(DetectorListener, EndsASequenceByThrowingAtItsEndAndLosesNothing) {
+TEST(PhaseCorrelationTranslationDetectorListener, EndsASequenceByThrowingAtItsEndAndLosesNothing) {
   const cv::Mat page = TextPage({100, 180});
   BasicImageProvider captures;
   for (const int top : {0, 30, 60}) {

@@ -41,7 +41,7 @@ Interposition WhenTheCallerWaits(std::function<void()> action) {
           }};
 }
 
-TEST(WorkerThreads, StartOneMoreWhenCancelledWhileTheDispatcherWaits) {
+TEST(PhaseCorrelationTranslationDetectorWorkers, StartOneMoreWhenCancelledWhileTheDispatcherWaits) {
   BasicImageProvider captures = NumberedCaptures(5);
   std::promise<void> dispatcherWaits;
   bool waited = false;
@@ -67,7 +67,7 @@ TEST(WorkerThreads, StartOneMoreWhenCancelledWhileTheDispatcherWaits) {
   EXPECT_THAT(listener.calls, ElementsAre("progress 25", "error 4 false"));
 }
 
-TEST(WorkerThreads, AreWaitedForAsSoonAsTheirLimitRuns) {
+TEST(PhaseCorrelationTranslationDetectorWorkers, AreWaitedForAsSoonAsTheirLimitRuns) {
   constexpr int Limit = 3;
   BasicImageProvider captures = NumberedCaptures(13);
   int starts = 0;
@@ -100,7 +100,7 @@ TEST(WorkerThreads, AreWaitedForAsSoonAsTheirLimitRuns) {
   EXPECT_EQ(exceeded, 0);
 }
 
-TEST(WorkerThreads, AreJoinedWhenAnotherOneCannotBeStarted) {
+TEST(PhaseCorrelationTranslationDetectorWorkers, AreJoinedWhenAnotherOneCannotBeStarted) {
   BasicImageProvider captures = NumberedCaptures(5);
   int starts = 0;
   std::promise<void> thirdStartFailed;
@@ -127,7 +127,7 @@ TEST(WorkerThreads, AreJoinedWhenAnotherOneCannotBeStarted) {
   EXPECT_THAT(listener.calls, ElementsAre("progress 25", "progress 50"));
 }
 
-TEST(WorkerThreads, CanBeStartedInALaterDetectionWhenOneIsRefused) {
+TEST(PhaseCorrelationTranslationDetectorWorkers, CanBeStartedInALaterDetectionWhenOneIsRefused) {
   BasicImageProvider captures = NumberedCaptures(5);
   NumberedPairsDetector detector(2, [](size_t) { return Translation(-1, 0); });
   ITranslationDetector& interface = detector;
@@ -141,7 +141,8 @@ TEST(WorkerThreads, CanBeStartedInALaterDetectionWhenOneIsRefused) {
             std::vector<Translation>(4, Translation(-1, 0)));
 }
 
-TEST(WorkerThreads, LeaveACaptureObjectReadyForAnotherStitchWhenOneIsRefused) {
+TEST(PhaseCorrelationTranslationDetectorWorkers,
+     LeaveACaptureObjectReadyForAnotherStitchWhenOneIsRefused) {
   auto capture = VelScrollingCapture::init();
   const cv::Mat page = TextPage({100, 180});
   for (const int top : {0, 30, 60}) {
@@ -159,7 +160,8 @@ TEST(WorkerThreads, LeaveACaptureObjectReadyForAnotherStitchWhenOneIsRefused) {
 }
 
 /// With a thread count of 0 there is no worker, so nothing can end the wait that is seen here.
-TEST(WorkerThreadsDeathTest, AreNeverStartedAndForEverWaitedForWithAThreadCountOfZero) {
+TEST(PhaseCorrelationTranslationDetectorWorkersDeathTest,
+     AreNeverStartedAndForEverWaitedForWithAThreadCountOfZero) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   constexpr int WaitedWithoutStarting = 7;
   constexpr int Started = 8;
@@ -175,7 +177,7 @@ TEST(WorkerThreadsDeathTest, AreNeverStartedAndForEverWaitedForWithAThreadCountO
       testing::ExitedWithCode(WaitedWithoutStarting), "");
 }
 
-TEST(WorkerThreadsDeathTest, EndTheProcessWhenOpenCVRejectsACapture) {
+TEST(PhaseCorrelationTranslationDetectorWorkersDeathTest, EndTheProcessWhenOpenCVRejectsACapture) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_DEATH(
       {
