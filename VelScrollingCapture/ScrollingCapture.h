@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Every exported C++ class of the library.
+/// Everything that the library exports in C++.
 
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>
 #include <VelScrollingCapture/borders/BorderDetection.h>
@@ -22,6 +22,8 @@
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 #include <VelScrollingCapture/frontend/Version.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
+#include <VelScrollingCapture/seams/Layout.h>
+#include <VelScrollingCapture/seams/Seam.h>
 #include <VelScrollingCapture/similarity/RepeatFilter.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/stitching/StitcherFactory.h>

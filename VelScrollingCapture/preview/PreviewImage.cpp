@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstdint>
-#include <utility>
 
 #include <opencv2/imgproc.hpp>
 
@@ -31,36 +30,53 @@ std::int32_t WrappedArea(const cv::Rect& rect) {
                                    static_cast<std::uint32_t>(rect.height));
 }
 
-int ShrunkHeight(const cv::Mat& capture) {
-  return TruncateToInt(static_cast<double>(capture.rows) / static_cast<double>(capture.cols) *
-                       static_cast<double>(ShrunkWidth));
+/// The size to which captures are shrunk: that of the last one, or else a width of its own with the
+/// aspect of the first.
+cv::Size ShrunkSize(const cv::Rect& last, const cv::Mat& capture) {
+  if (WrappedArea(last) >= 1) {
+    return last.size();
+  }
+  return {ShrunkWidth,
+          TruncateToInt(static_cast<double>(capture.rows) / static_cast<double>(capture.cols) *
+                        static_cast<double>(ShrunkWidth))};
 }
 
 /// How one axis of the canvas has to grow for a capture to fit.
-struct AxisGrowth {
+class AxisGrowth {
+ public:
   /// @param start        where the capture begins on the axis
   /// @param captureLength its length
   /// @param canvasLength  the canvas's present length
   AxisGrowth(int start, int captureLength, int canvasLength)
-      : shift(start < 0 ? -std::int64_t{start} : 0),
-        end(std::int64_t{captureLength} + (start < 0 ? 0 : start)),
-        length(canvasLength + shift + std::max<std::int64_t>(end - canvasLength, 0)),
-        grows(length > canvasLength) {}
+      : canvasLength(canvasLength),
+        shift(start < 0 ? -std::int64_t{start} : 0),
+        captureStart(std::max(start, 0)),
+        captureEnd(captureStart + captureLength),
+        length(canvasLength + shift + std::max<std::int64_t>(captureEnd - canvasLength, 0)) {}
+
+  bool Grows() const { return length > canvasLength; }
+  bool GrowsAtItsStart() const { return shift > 0; }
+
+  /// The length of the new canvas.
+  int Length() const { return Narrowed(length); }
 
   /// What the old canvas covers of the new one.
-  cv::Range OldCanvas(int canvasLength) const {
-    return {Narrowed(shift), Narrowed(shift + canvasLength)};
-  }
+  cv::Range OldCanvas() const { return {Narrowed(shift), Narrowed(shift + canvasLength)}; }
 
-  std::int64_t shift;   ///< By how much the canvas grows before its first element.
-  std::int64_t end;     ///< Where the capture ends on the new canvas.
-  std::int64_t length;  ///< The length of the new canvas.
-  bool grows;
+  /// What the capture covers of the new one.
+  cv::Range Capture() const { return {Narrowed(captureStart), Narrowed(captureEnd)}; }
+
+ private:
+  std::int64_t canvasLength;
+  std::int64_t shift;  // by how much the canvas grows before its first element
+  std::int64_t captureStart;
+  std::int64_t captureEnd;
+  std::int64_t length;
 };
 
 cv::Mat Grown(const cv::Mat& canvas, const AxisGrowth& rows, const AxisGrowth& columns) {
-  cv::Mat grown(Narrowed(rows.length), Narrowed(columns.length), CV_8UC4, Background());
-  cv::Mat block(grown, rows.OldCanvas(canvas.rows), columns.OldCanvas(canvas.cols));
+  cv::Mat grown(rows.Length(), columns.Length(), CV_8UC4, Background());
+  cv::Mat block(grown, rows.OldCanvas(), columns.OldCanvas());
   canvas.copyTo(block);
   return grown;
 }
@@ -81,6 +97,16 @@ cv::Mat GrownDown(const cv::Mat& canvas, int rows) {
   grown.adjustROI(0, rows - canvas.rows, 0, 0);
   grown.rowRange(canvas.rows, rows) = Background();
   return grown;
+}
+
+/// The canvas with room for a capture; the very same when it has it already.
+cv::Mat WithRoom(const cv::Mat& canvas, const AxisGrowth& rows, const AxisGrowth& columns) {
+  if (!rows.Grows() && !columns.Grows()) {
+    return canvas;
+  }
+  const bool growsDownOnly = !rows.GrowsAtItsStart() && !columns.Grows();
+  return growsDownOnly && !canvas.empty() ? GrownDown(canvas, rows.Length())
+                                          : Grown(canvas, rows, columns);
 }
 
 /// `size` scaled down to fit into a box. Each step works on the whole pixels of the one before.
@@ -116,30 +142,26 @@ PreviewImage::PreviewImage(cv::Size size, int row, int column)
 PreviewImage::~PreviewImage() = default;
 
 int PreviewImage::AddCapture(const cv::Mat& capture) try {
-  cv::Rect place = *placement;
-  if (WrappedArea(place) < 1) {
-    place.width = ShrunkWidth;
-    place.height = ShrunkHeight(capture);
-  }
-  cv::Mat shrunk = ResizeImage(capture, place.size());
+  const cv::Rect last = *placement;
+  cv::Rect next(last.tl(), ShrunkSize(last, capture));
+  cv::Mat shrunk = ResizeImage(capture, next.size());
   Translation translation;
   if (lastCapture) {
     translation = detector.DetectTranslation(*lastCapture, shrunk);
     if (translation == Translation()) {
       return NotMoved;
     }
-    place.x -= translation.GetCols();
-    place.y -= translation.GetRows();
+    next -= cv::Point(translation.GetCols(), translation.GetRows());
   }
-  const cv::Rect lastPlace = std::exchange(*placement, place);
-  const int result = UpdatePreview(shrunk, place, translation);
-  if (result == Laid) {
-    // Shared after the cut: the next detection compares with the capture as it was laid.
-    lastCapture = std::make_shared<cv::Mat>(shrunk);
-  } else {
-    *placement = lastPlace;
+  *placement = next;
+  const int result = UpdatePreview(shrunk, next, translation);
+  if (result != Laid) {
+    *placement = last;
+    return result;
   }
-  return result;
+  // Shared after the cut: the next detection compares with the capture as it was laid.
+  lastCapture = std::make_shared<cv::Mat>(shrunk);
+  return Laid;
 } catch (const cv::Exception&) {
   return Failed;
 }
@@ -155,26 +177,18 @@ int PreviewImage::UpdatePreview(cv::Mat& capture, cv::Rect placement,
   CV_Assert(capture.type() == preview->type());
   const AxisGrowth rows(placement.y, placement.height, preview->rows);
   const AxisGrowth columns(placement.x, placement.width, preview->cols);
-  const bool growsDownOnly = rows.grows && rows.shift == 0 && !columns.grows;
-  if (growsDownOnly && !preview->empty()) {
-    *preview = GrownDown(*preview, Narrowed(rows.length));
-  } else if (rows.grows || columns.grows) {
-    *preview = Grown(*preview, rows, columns);
-  }
+  *preview = WithRoom(*preview, rows, columns);
   // Nothing fails from here on, so that a failure leaves the canvas as it was.
-  if (placement.x < 0) {
-    placement.x = 0;
-    this->placement->x = 0;
-  }
-  if (placement.y < 0) {
-    placement.y = 0;
+  if (rows.GrowsAtItsStart()) {
     this->placement->y = 0;
+  }
+  if (columns.GrowsAtItsStart()) {
+    this->placement->x = 0;
   }
   if (lastCapture) {
     Utilities::CropCaptureImage(capture, translation, placement);
   }
-  Utilities::BlendImages(capture, *preview, {placement.y, Narrowed(rows.end)},
-                         {placement.x, Narrowed(columns.end)});
+  Utilities::BlendImages(capture, *preview, rows.Capture(), columns.Capture());
   return Laid;
 } catch (const cv::Exception&) {
   return Failed;

@@ -1,11 +1,12 @@
 #include <cstdint>
 #include <utility>
 
+#include <VelScrollingCapture/core/Place.h>
 #include <VelScrollingCapture/core/Utilities.h>
 #include <VelScrollingCapture/core/internal/Completion.h>
 #include <VelScrollingCapture/core/internal/Messages.h>
-#include <VelScrollingCapture/core/internal/Narrowing.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
+#include <VelScrollingCapture/seams/Layout.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 
 namespace ScrollingCapture {
@@ -19,14 +20,14 @@ void NotifyError(IStitcherListener* listener, int code) {
   }
 }
 
-/// The rows that a placement covers in the result; a placement's x is a row.
-cv::Range RowsOf(const cv::Rect& placement) {
-  return {placement.x, placement.x + placement.height};
+/// The rows of the result that a capture of `size` covers at `place`.
+cv::Range RowsOf(const Place& place, const cv::Size& size) {
+  return {place.row, place.row + size.height};
 }
 
-/// The columns that a placement covers in the result; a placement's y is a column.
-cv::Range ColumnsOf(const cv::Rect& placement) {
-  return {placement.y, placement.y + placement.width};
+/// The columns of the result that a capture of `size` covers at `place`.
+cv::Range ColumnsOf(const Place& place, const cv::Size& size) {
+  return {place.column, place.column + size.width};
 }
 
 /// Wide enough for every progress range.
@@ -59,49 +60,6 @@ bool ShareOnlyCapture(IImageProvider& provider, cv::Mat& result, IStitcherListen
   result = capture;
   return true;
 }
-
-/// How far the captures reach along one axis, as they are placed one after another. Wider than any
-/// result can be, since a detector may report any motion.
-class AxisExtent {
- public:
-  explicit AxisExtent(int captureLength) : end(captureLength), maximumEnd(captureLength) {}
-
-  void Move(int translation) {
-    if (translation < 0) {
-      MoveForward(-std::int64_t{translation});
-    } else {
-      MoveBack(translation);
-    }
-  }
-
-  /// Both throw cv::Exception when the extent is longer than any matrix.
-  int Length() const { return Narrowed(maximumEnd - minimumStart); }
-  int FirstCaptureOffset() const { return Narrowed(firstCaptureOffset); }
-
- private:
-  void MoveForward(std::int64_t step) {
-    start += step;
-    end += step;
-    if (end > maximumEnd) {
-      maximumEnd += step;
-    }
-  }
-
-  void MoveBack(std::int64_t step) {
-    start -= step;
-    end -= step;
-    if (start < minimumStart) {
-      minimumStart -= step;
-      firstCaptureOffset += step;
-    }
-  }
-
-  std::int64_t start = 0;
-  std::int64_t end;
-  std::int64_t maximumEnd;
-  std::int64_t minimumStart = 0;
-  std::int64_t firstCaptureOffset = 0;
-};
 
 }  // namespace
 
@@ -145,7 +103,7 @@ bool BasicStitcher::BuildResultImage(IImageProvider& provider, cv::Mat& result,
                                      IStitcherListener* listener, int progressStart,
                                      int progressEnd) {
   cv::Mat canvas;
-  cv::Rect placement;
+  cv::Rect placement;  // of the first capture, which the layout tells as well
   const int code = SizeResultImage(canvas, placement);
   if (code != 0) {
     TellError("Error: Failed to size the resulting image.");
@@ -153,7 +111,9 @@ bool BasicStitcher::BuildResultImage(IImageProvider& provider, cv::Mat& result,
     return false;
   }
 
-  const cv::Mat firstBlock(canvas, RowsOf(placement), ColumnsOf(placement));
+  const cv::Size size = *captureSize;
+  const std::vector<Place> places = LayoutOf(size, translations).places;
+  const cv::Mat firstBlock(canvas, RowsOf(places[0], size), ColumnsOf(places[0], size));
   provider.GetImageAt(0)->copyTo(firstBlock);
   for (size_t i = 0; i < translations.size(); ++i) {
     const int progress = BuildProgress(i, translations.size(), progressStart, progressEnd);
@@ -161,13 +121,11 @@ bool BasicStitcher::BuildResultImage(IImageProvider& provider, cv::Mat& result,
       NotifyError(listener, IStitcherListener::Cancelled);
       return false;
     }
-    const Translation& translation = translations[i];
-    placement.x -= translation.GetRows();
-    placement.y -= translation.GetCols();
     cv::Mat capture = *provider.GetImageAt(i + 1);
-    if (translation != Translation()) {
-      Utilities::CropCaptureImage(capture, translation, placement);
-      Utilities::BlendImages(capture, canvas, RowsOf(placement), ColumnsOf(placement));
+    if (translations[i] != Translation()) {
+      Utilities::CropCaptureImage(capture, translations[i], {{}, size});
+      Utilities::BlendImages(capture, canvas, RowsOf(places[i + 1], size),
+                             ColumnsOf(places[i + 1], size));
     }
   }
   result = canvas;
@@ -192,15 +150,10 @@ bool BasicStitcher::CalcResultImage(cv::Rect& placement, cv::Size& size) {
     TellError("Error: No translations in list.");
     return false;
   }
-  AxisExtent rows(captureSize->height);
-  AxisExtent columns(captureSize->width);
-  for (const Translation& translation : translations) {
-    rows.Move(translation.GetRows());
-    columns.Move(translation.GetCols());
-  }
-  size = cv::Size(columns.Length(), rows.Length());
-  placement = cv::Rect(rows.FirstCaptureOffset(), columns.FirstCaptureOffset(), captureSize->width,
-                       captureSize->height);
+  const Layout layout = LayoutOf(*captureSize, translations);
+  size = layout.size;
+  const Place& first = layout.places.front();
+  placement = cv::Rect({first.row, first.column}, *captureSize);
   return true;
 }
 

@@ -14,24 +14,22 @@ class VEL_EXPORT StitcherFactory {
   StitcherFactory() = delete;
 
   /// A BasicStitcher with a PhaseCorrelationTranslationDetector; the caller is its only owner.
-  /// @param orientation               the scroll directions to look for
-  /// @param expectConsistentTranslations
-  ///        whether a pair may be given its second-best translation when that repeats the previous
-  ///        pair's
-  /// @param threadCount               the most detections that run at once; at least 1, not checked
+  /// @param orientation the scroll directions to look for
+  /// @param expectConsistentTranslations whether a pair may be given its second-best translation
+  ///        when that repeats the previous pair's
+  /// @param threadCount the most detections that run at once; at least 1, not checked
   static std::shared_ptr<IStitcher> CreateBasicStitcher(ScrollOrientation orientation,
                                                         bool expectConsistentTranslations,
                                                         unsigned int threadCount);
 
   /// A BasicBorderDetection around a CreateBasicStitcher; the caller is its only owner.
-  /// @param orientation               the scroll directions to look for
+  /// @param orientation as in CreateBasicStitcher
   /// @param expectConsistentTranslations as in CreateBasicStitcher
-  /// @param threadCount               as in CreateBasicStitcher
-  /// @param differenceThreshold       the grey-level difference, from 0 to 255, that a changed
-  /// pixel
-  ///                                  exceeds
-  /// @param neighborThreshold         the number of changed neighbours, from 0 to 8, that a changed
-  ///                                  pixel must exceed to count as content
+  /// @param threadCount as in CreateBasicStitcher
+  /// @param differenceThreshold the grey-level difference, from 0 to 255, that a changed pixel
+  ///        exceeds
+  /// @param neighborThreshold the number of changed neighbours, from 0 to 8, that a changed pixel
+  ///        must exceed to count as content
   static std::shared_ptr<IStitcher> CreateStitcherWithBasicBorderDetection(
       ScrollOrientation orientation, bool expectConsistentTranslations, unsigned int threadCount,
       unsigned int differenceThreshold, unsigned int neighborThreshold);

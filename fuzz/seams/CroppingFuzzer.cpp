@@ -1,8 +1,6 @@
-// Cuts and lays captures by any translations, points and ranges. What the plain drawing can do must
-// come out the same; anything else must leave the images as they were, or change pixels of theirs
-// only.
+// Cuts captures by any translations and points. What the plain drawing can do must come out the
+// same; anything else must leave the image as it was, or change pixels of its own only.
 
-#include <algorithm>
 #include <cstdlib>
 
 #include <fuzz/support/Expect.h>
@@ -82,31 +80,6 @@ void ClearLines(FuzzedDataProvider& data, cv::Mat& image) {
   Expect(!isInside || SameBits(image, expected), "lines are cleared like lines that are drawn");
 }
 
-cv::Range AnyRange(FuzzedDataProvider& data, int length, int within) {
-  const int start = AnyCoordinate(data, within);
-  if (data.ConsumeIntegralInRange(0, 3) == 0) {
-    return {start, AnyCoordinate(data, within)};
-  }
-  return {start, cv::saturate_cast<int>(std::int64_t{start} + length)};
-}
-
-bool Fits(const cv::Range& range, int length, int within) {
-  return range.start >= 0 && range.end >= range.start && range.end <= within &&
-         range.size() == length;
-}
-
-void Blend(FuzzedDataProvider& data, const cv::Mat& image) {
-  cv::Mat target = AnyPixels(data, AnySize(data, 2 * LongestSide), CV_8UC4);
-  const cv::Range rows = AnyRange(data, image.rows, target.rows);
-  const cv::Range columns = AnyRange(data, image.cols, target.cols);
-  cv::Mat expected = target.clone();
-  Utilities::BlendImages(image, target, rows, columns);
-  if (Fits(rows, image.rows, target.rows) && Fits(columns, image.cols, target.cols)) {
-    Testing::ReferenceBlendImages(image, expected, rows, columns);
-  }
-  Expect(SameBits(target, expected), "what fits is laid through a mask, nothing else is");
-}
-
 void TryAny(FuzzedDataProvider& data) {
   const Quiet quiet;
   // A view, so that a pixel beside the image is no pixel of it.
@@ -115,18 +88,15 @@ void TryAny(FuzzedDataProvider& data) {
   cv::Mat image = whole(cv::Rect({1, 1}, size));
   AnyPixels(data, size, CV_8UC4).copyTo(image);
 
-  switch (data.ConsumeIntegralInRange(0, 3)) {
+  switch (data.ConsumeIntegralInRange(0, 2)) {
     case 0:
       Clip(data, image);
       break;
     case 1:
       Crop(data, image);
       break;
-    case 2:
-      ClearLines(data, image);
-      break;
     default:
-      Blend(data, image);
+      ClearLines(data, image);
   }
 
   image.setTo(cv::Scalar::all(77));
