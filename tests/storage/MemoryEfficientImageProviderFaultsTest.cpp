@@ -8,13 +8,13 @@
 #include <sys/stat.h>
 #include <testkit/SpillTesting.h>
 #include <testkit/TemporaryFolder.h>
-#include <testkit/faults/FailingMemory.h>
+#include <testkit/faults/FailingAllocator.h>
 
 namespace ScrollingCapture {
 namespace {
 
 using Testing::AddAll;
-using Testing::FailingMemory;
+using Testing::FailingAllocator;
 using Testing::LoadedCount;
 using Testing::NoiseCaptures;
 using Testing::ReadFile;
@@ -175,7 +175,7 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesOnDiskWhileThereIsNo
   AddAll(provider, captures);
   ASSERT_FALSE(provider.IsMatLoaded(0));
   {
-    const FailingMemory memory;
+    const FailingAllocator memory;
     try {
       provider.GetImageAt(0);
       ADD_FAILURE() << "was read";
@@ -194,7 +194,7 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesLoadedThatCannotBeCo
   MemoryEfficientImageProvider provider(folder.Prefix(), 0);
   provider.Add(withGaps);
   {
-    const FailingMemory memory;
+    const FailingAllocator memory;
     EXPECT_FALSE(provider.UnloadMat());
   }
   EXPECT_TRUE(provider.IsMatLoaded(0));

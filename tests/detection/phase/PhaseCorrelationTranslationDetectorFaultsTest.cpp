@@ -16,7 +16,7 @@
 namespace ScrollingCapture {
 namespace {
 
-using Testing::FailingMemory;
+using Testing::FailingAllocator;
 using Testing::ForEachFailingAllocation;
 using Testing::MemoryFault;
 using Testing::OpenDetector;
@@ -49,7 +49,7 @@ TEST_P(PhaseCorrelationTranslationDetectorAllocations, GiveTheWholeAnswerOrThrow
     OpenDetector detector(orientation);
     Detected whole;
     GetParam().detect(detector, first, second, whole);
-    ForEachFailingAllocation(FailingMemory::First, [&](MemoryFault& fault) {
+    ForEachFailingAllocation(FailingAllocator::First, [&](MemoryFault& fault) {
       Detected detected;
       const bool failed =
           fault.HitsDuring([&] { GetParam().detect(detector, first, second, detected); });

@@ -11,15 +11,15 @@ namespace ScrollingCapture::Testing {
 /// Lets the thread that made it run out of memory for matrices while it lives: after a number of
 /// allocations the next one, or every further one, throws as OpenCV does then (StsNoMem). Other
 /// threads get what they ask for.
-class FailingMemory {
+class FailingAllocator {
  public:
   /// Which of the allocations fail that follow those that pass.
   enum Failures { First, All };
 
   /// All memory is gone.
-  FailingMemory() : FailingMemory(0, All) {}
+  FailingAllocator() : FailingAllocator(0, All) {}
 
-  FailingMemory(size_t passing, Failures failures) { Allocator().Start(passing, failures); }
+  FailingAllocator(size_t passing, Failures failures) { Allocator().Start(passing, failures); }
 
   /// Whether an allocation has failed.
   bool HasFailed() const { return Allocator().HasFailed(); }
@@ -28,7 +28,7 @@ class FailingMemory {
   static size_t LiveMatrices() { return Allocator().LiveMatrices(); }
 
  private:
-  class FailingAllocator : public ForwardingAllocator {
+  class Failing : public ForwardingAllocator {
    public:
     void Start(size_t passingAllocations, Failures failingOnes) {
       thread = std::this_thread::get_id();
@@ -60,12 +60,24 @@ class FailingMemory {
   };
 
   /// Lives as long as any matrix that it has made.
-  static FailingAllocator& Allocator() {
-    static auto& allocator = *new FailingAllocator;
+  static Failing& Allocator() {
+    static auto& allocator = *new Failing;
     return allocator;
   }
 
   const AllocatorInUse inUse{Allocator()};
 };
+
+/// Calls `attempt(passing)` with 0, 1, 2, ... until it returns false: until nothing has failed in
+/// it.
+/// @return how many attempts had a failure
+template <typename Attempt>
+size_t CountFailingAttempts(Attempt attempt) {
+  size_t passing = 0;
+  while (attempt(passing)) {
+    ++passing;
+  }
+  return passing;
+}
 
 }  // namespace ScrollingCapture::Testing
