@@ -8,10 +8,12 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 add_library(vel_compiler_settings INTERFACE)
 target_compile_options(vel_compiler_settings INTERFACE
-  -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion
+  -Wall -Wextra -Wpedantic -Wconversion
+  "$<$<COMPILE_LANGUAGE:CXX,OBJCXX>:-Wnon-virtual-dtor;-Woverloaded-virtual>"
   $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
   $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-sign-conversion>
-  $<$<BOOL:${VEL_WARNINGS_AS_ERRORS}>:-Werror>)
+  $<$<BOOL:${VEL_WARNINGS_AS_ERRORS}>:-Werror>
+  -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
 if(VEL_SANITIZERS)
   target_compile_options(vel_compiler_settings INTERFACE

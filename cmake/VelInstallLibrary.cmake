@@ -3,15 +3,21 @@ include(CMakePackageConfigHelpers)
 
 set(VEL_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/VelScrollingCapture")
 
+# A framework brings its headers along.
+if(NOT VEL_FRAMEWORK_FOLDER)
+  set(VEL_INSTALLED_INCLUDES INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/VelScrollingCapture
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT development
+    FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE PATTERN "appkit" EXCLUDE)
+endif()
 install(TARGETS VelScrollingCapture
   EXPORT VelScrollingCaptureTargets
+  FRAMEWORK DESTINATION "${VEL_FRAMEWORK_FOLDER}" COMPONENT runtime
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/VelScrollingCapture
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-  COMPONENT development
-  FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE PATTERN "appkit" EXCLUDE)
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  ${VEL_INSTALLED_INCLUDES})
 install(EXPORT VelScrollingCaptureTargets
   NAMESPACE VelScrollingCapture::
   DESTINATION ${VEL_CMAKE_DIR}
@@ -29,6 +35,10 @@ install(FILES
   ${PROJECT_BINARY_DIR}/VelScrollingCaptureConfigVersion.cmake
   DESTINATION ${VEL_CMAKE_DIR}
   COMPONENT development)
+
+if(VEL_FRAMEWORK_FOLDER)
+  return()
+endif()
 
 # The module gives its prefix relative to its own folder, so that the installed tree can be moved.
 file(RELATIVE_PATH VEL_PREFIX_FROM_PKGCONFIG

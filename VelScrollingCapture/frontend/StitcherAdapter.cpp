@@ -15,6 +15,8 @@ void StitcherAdapter::setProgressListener(ScrollingCapture::IStitcherListener* l
   this->listener = listener;
 }
 
+ScrollingCapture::IStitcherListener* StitcherAdapter::progressListener() const { return listener; }
+
 bool StitcherAdapter::stitchImages() {
   return stitcher->Stitch(*this, result, listener, 0, 100, true);
 }

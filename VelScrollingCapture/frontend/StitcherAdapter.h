@@ -25,6 +25,9 @@ class VEL_EXPORT StitcherAdapter : public ScrollingCapture::BasicImageProvider {
   /// stitch that it is set for.
   void setProgressListener(ScrollingCapture::IStitcherListener* listener);
 
+  /// Who hears of progress, or null.
+  ScrollingCapture::IStitcherListener* progressListener() const;
+
   /// Stitches the captures with progress from 0 to 100 and a completion notice.
   /// @return true on success
   bool stitchImages();

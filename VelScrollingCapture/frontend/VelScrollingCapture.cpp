@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include <VelScrollingCapture/core/internal/Truncation.h>
@@ -21,14 +22,18 @@ void ReplaceWithoutFreeing(std::unique_ptr<Object>& owner, Object* object) {
 /// drops the listener's reference to the capture object, which may be the last one but for this.
 class EndOfStitch {
  public:
-  explicit EndOfStitch(std::shared_ptr<VelScrollingCapture> captureObject)
-      : captureObject(std::move(captureObject)) {}
+  EndOfStitch(std::shared_ptr<VelScrollingCapture> captureObject, StitcherAdapter& adapter)
+      : captureObject(std::move(captureObject)), adapter(adapter) {}
   EndOfStitch(const EndOfStitch&) = delete;
   EndOfStitch& operator=(const EndOfStitch&) = delete;
-  ~EndOfStitch() { captureObject->cleanupListener(); }
+  ~EndOfStitch() {
+    adapter.setProgressListener(nullptr);
+    captureObject->cleanupListener();
+  }
 
  private:
   const std::shared_ptr<VelScrollingCapture> captureObject;
+  StitcherAdapter& adapter;
 };
 
 }  // namespace
@@ -43,7 +48,7 @@ std::shared_ptr<VelScrollingCapture> VelScrollingCapture::initWithExpectConsiste
     bool expectConsistentTranslations, int threadCount) {
   std::shared_ptr<VelScrollingCapture> captureObject(new VelScrollingCapture);
   captureObject->_stitcherAdapter = std::make_unique<StitcherAdapter>(
-      ScrollOrientation::Both, expectConsistentTranslations, threadCount);
+      ScrollOrientation::Both, expectConsistentTranslations, std::max(threadCount, 1));
   captureObject->setupStitcher();
   return captureObject;
 }
@@ -55,11 +60,13 @@ VelScrollingCapture::~VelScrollingCapture() {
 }
 
 void VelScrollingCapture::setupStitcher() {
-  if (!_stitcherAdapter) {
+  if (stitcherAdapter() == nullptr) {
     _stitcherAdapter = std::make_unique<StitcherAdapter>();
   }
   _progressListener = std::make_unique<ProgressListener>(shared_from_this());
-  _stitcherAdapter->setProgressListener(_progressListener.get());
+  if (StitcherAdapter* const adapter = stitcherAdapter()) {
+    adapter->setProgressListener(_progressListener.get());
+  }
   setPreviewImageSize(DefaultPreviewSize);
 }
 
@@ -70,35 +77,37 @@ void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& 
   if (!isNew(capture)) {
     return;
   }
-  _stitcherAdapter->Add(capture);
-  if (_previewImageCreator) {
-    _previewImageCreator->AddCapture(capture);
+  stitcherAdapter()->Add(capture);
+  if (PreviewImage* const preview = previewImageCreator()) {
+    preview->AddCapture(capture);
   }
 } catch (const cv::Exception&) {
   return;
 }
 
 std::optional<PlatformImage> VelScrollingCapture::currentImagePreview() try {
-  if (!_previewImageCreator) {
+  PreviewImage* const preview = previewImageCreator();
+  if (preview == nullptr) {
     return std::nullopt;
   }
   const cv::Size size = wholePreviewSize();
   return bitmapImageRepresentation(
-      PlatformImage::imageWithCVMat(_previewImageCreator->GetPreview(size.width, size.height)));
+      PlatformImage::imageWithCVMat(preview->GetPreview(size.width, size.height)));
 } catch (const cv::Exception&) {
   return std::nullopt;
 }
 
 std::optional<PlatformImage> VelScrollingCapture::stitchAndReturnFinalImage() {
-  if (!_progressListener || !_stitcherAdapter) {
+  StitcherAdapter* const adapter = stitcherAdapter();
+  if (adapter == nullptr || (adapter->progressListener() == nullptr && !_progressListener)) {
     return std::nullopt;
   }
-  const EndOfStitch end(shared_from_this());
+  const EndOfStitch end(shared_from_this(), *adapter);
   try {
-    if (!_stitcherAdapter->stitchImages()) {
+    if (!adapter->stitchImages()) {
       return std::nullopt;
     }
-    return bitmapImageRepresentation(PlatformImage::imageWithCVMat(_stitcherAdapter->getResult()));
+    return bitmapImageRepresentation(PlatformImage::imageWithCVMat(adapter->getResult()));
   } catch (const cv::Exception&) {
     return std::nullopt;
   }
@@ -126,8 +135,9 @@ void VelScrollingCapture::stitchingComplete(bool /*success*/) { cleanupListener(
 
 void VelScrollingCapture::cleanupListener() {
   const std::shared_ptr<VelScrollingCapture> self = weak_from_this().lock();
-  if (_stitcherAdapter) {
-    _stitcherAdapter->setProgressListener(nullptr);
+  StitcherAdapter* const adapter = stitcherAdapter();
+  if (adapter != nullptr && adapter->progressListener() == _progressListener.get()) {
+    adapter->setProgressListener(nullptr);
   }
   _progressListener.reset();
 }
@@ -184,12 +194,13 @@ void VelScrollingCapture::setPreviewImageCreator(PreviewImage* preview) {
 }
 
 bool VelScrollingCapture::isNew(const cv::Mat& capture) const {
-  return _stitcherAdapter && !RepeatsLastCapture(*_stitcherAdapter, capture);
+  StitcherAdapter* const adapter = stitcherAdapter();
+  return adapter != nullptr && !RepeatsLastCapture(*adapter, capture);
 }
 
 /// A preview that cannot be made must not cost the capture; the next capture tries again.
 void VelScrollingCapture::makePreviewWhenAbsent() try {
-  if (!_previewImageCreator) {
+  if (previewImageCreator() == nullptr) {
     _previewImageCreator =
         std::make_unique<PreviewImage>(wholePreviewSize(), PreviewRow, PreviewColumn);
   }

@@ -302,6 +302,52 @@ TEST_F(CaptureObject, SwapsItsLibraryObjectsWithoutFreeingThem) {
   EXPECT_TRUE(listener->ProgressCallback(1));
 }
 
+TEST_F(CaptureObject, StitchesForTheAdaptersListenerWithoutOneOfItsOwn) {
+  const auto delegate = std::make_shared<Delegate>();
+  capture->setProgressDelegate(delegate);
+  AddAll(ScrolledCaptures(2));
+  const std::unique_ptr<ProgressListener> listener(capture->progressListener());
+  capture->setProgressListener(nullptr);
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(delegate->heard.back(), 100) << "The adapter still tells the listener it was given";
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+}
+
+TEST_F(CaptureObject, LeavesTheHostsListenerToTheAdapterUntilTheStitch) {
+  AddAll(ScrolledCaptures(2));
+  ProgressListener own(VelScrollingCapture::init());
+  capture->stitcherAdapter()->setProgressListener(&own);
+  capture->cleanupListener();
+  EXPECT_EQ(capture->stitcherAdapter()->progressListener(), &own);
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(capture->stitcherAdapter()->progressListener(), nullptr);
+}
+
+/// Has parts of its own.
+class CaptureWithOwnParts : public VelScrollingCapture {
+ public:
+  StitcherAdapter* stitcherAdapter() const override { return &ownAdapter; }
+  PreviewImage* previewImageCreator() const override { return &ownPreview; }
+
+ private:
+  mutable StitcherAdapter ownAdapter;
+  mutable PreviewImage ownPreview{{40, 30}, 1, 0};
+};
+
+TEST(DerivedCaptureObject, WorksOnPartsOfItsOwn) {
+  const auto own = std::make_shared<CaptureWithOwnParts>();
+  own->setupStitcher();
+  for (const int index : {0, 1, 1}) {
+    own->addImageToAdapter(PlatformImage::imageWithCVMat(ScrolledCaptures(2)[index]));
+  }
+  EXPECT_EQ(own->stitcherAdapter()->Count(), 2U) << "A repeat of the own last capture is dropped";
+  own->setPreviewImageSize({50, 60});
+  const cv::Mat preview = own->previewImageCreator()->GetPreview(50, 60);
+  EXPECT_TRUE(SameBits(own->currentImagePreview()->CVMat(), preview));
+  EXPECT_TRUE(SameBits(own->stitchAndReturnFinalImage()->CVMat(), ScrolledPage(2)));
+  EXPECT_EQ(own.use_count(), 1);
+}
+
 TEST_F(CaptureObject, DoesNothingWithoutAnAdapter) {
   const std::unique_ptr<StitcherAdapter> adapter(capture->stitcherAdapter());
   capture->setStitcherAdapter(nullptr);
@@ -353,6 +399,19 @@ TEST(ProgressListener, MayDropTheLastReferenceInItsCompletionNotice) {
   EXPECT_TRUE(watch.expired());
 }
 
+class ThreadCounts : public testing::TestWithParam<int> {};
+
+TEST_P(ThreadCounts, CountAsOneWhenLess) {
+  const auto capture = VelScrollingCapture::initWithExpectConsistentTranslations(false, GetParam());
+  for (const cv::Mat& matrix : ScrolledCaptures(3)) {
+    capture->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
+  }
+  EXPECT_TRUE(SameBits(capture->stitchAndReturnFinalImage()->CVMat(), ScrolledPage(3)));
+}
+
+INSTANTIATE_TEST_SUITE_P(CaptureObject, ThreadCounts,
+                         testing::Values(0, -1, std::numeric_limits<int>::min()));
+
 struct Ending {
   const char* name;
   int captures;
@@ -396,6 +455,17 @@ INSTANTIATE_TEST_SUITE_P(VelScrollingCapture, Ownership,
                          testing::Values(Ending{"Stitched", 3, 1000}, Ending{"Cancelled", 3, 1},
                                          Ending{"Failed", 0, 1000}, Ending{"OneCapture", 1, 1000}),
                          [](const auto& test) { return test.param.name; });
+
+TEST(OwnershipWithoutAStitch, OutlastsBeingSetUpAgain) {
+  auto capture = VelScrollingCapture::init();
+  VelScrollingCapture* const object = capture.get();
+  const std::weak_ptr<VelScrollingCapture> watch = capture;
+  capture.reset();
+  object->setupStitcher();
+  ASSERT_FALSE(watch.expired()) << "The new listener holds the capture object as the old one did";
+  object->cleanupListener();
+  EXPECT_TRUE(watch.expired());
+}
 
 TEST(OwnershipWithoutAStitch, KeepsItselfAliveUntilTheListenerIsCleanedUp) {
   auto capture = VelScrollingCapture::init();

@@ -1,15 +1,18 @@
-#include <functional>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/faults/FailingAllocator.h>
 #include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/ScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
 
+#include "AbsurdSizes.h"
 #include "PoolTest.h"
 
 /// Remembers the progress it is told, and goes on until it has been told `limit` times.
@@ -67,6 +70,23 @@
 - (void)dealloc {
   *gone = true;
   [super dealloc];
+}
+@end
+
+/// Has parts of its own.
+@interface CaptureWithOwnParts : VelScrollingCapture {
+ @public
+  StitcherAdapter* ownAdapter;
+  ScrollingCapture::PreviewImage* ownPreview;
+}
+@end
+
+@implementation CaptureWithOwnParts
+- (StitcherAdapter*)stitcherAdapter {
+  return ownAdapter;
+}
+- (ScrollingCapture::PreviewImage*)previewImageCreator {
+  return ownPreview;
 }
 @end
 
@@ -151,6 +171,16 @@ TEST_F(ObjectiveCCapture, StitchesOnSeveralThreads) {
   [threaded setProgressDelegate:nil];
 }
 
+TEST_F(ObjectiveCCapture, TakesAThreadCountOfLessThanOneForOne) {
+  for (const int threads : {0, -1, std::numeric_limits<int>::min()}) {
+    ::VelScrollingCapture* const other =
+        [[[::VelScrollingCapture alloc] initWithExpectConsistentTranslations:NO
+                                                              andThreadCount:threads] autorelease];
+    AddAll(other, ScrolledCaptures(3));
+    EXPECT_TRUE(SameBits(PixelsOf([other stitchAndReturnFinalImage]), ScrolledPage(3)));
+  }
+}
+
 TEST_F(ObjectiveCCapture, GivesNilWhenTheDelegateStopsAtTheFirstReport) {
   Listen(1);
   AddAll(capture, ScrolledCaptures(3));
@@ -163,6 +193,64 @@ TEST_F(ObjectiveCCapture, GivesNilWithoutCapturesAndForASecondStitch) {
   AddAll(capture, ScrolledCaptures(2));
   EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
   EXPECT_EQ([capture progressListener], nullptr);
+}
+
+/// Counts what it is told, and lets everything go on.
+class CountingListener : public IStitcherListener {
+ public:
+  bool ProgressCallback(int /*progress*/) override { return ++reports > 0; }
+  void StitchingComplete(bool /*success*/) override { ++completions; }
+  bool StitchingError(StitcherErrorCodes /*code*/, bool /*fatal*/) override { return false; }
+
+  int reports = 0;
+  int completions = 0;
+};
+
+TEST_F(ObjectiveCCapture, StitchesForTheAdaptersListenerWithoutOneOfItsOwn) {
+  Listen(1000);
+  AddAll(capture, ScrolledCaptures(2));
+  const std::unique_ptr<ProgressListener> listener([capture progressListener]);
+  [capture setProgressListener:nullptr];
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] != nil);
+  EXPECT_EQ(delegate->heard->back(), 100) << "The adapter still tells the listener it was given";
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+}
+
+TEST_F(ObjectiveCCapture, StitchesForAListenerOfTheHostsOwn) {
+  Listen(1000);
+  AddAll(capture, ScrolledCaptures(2));
+  CountingListener own;
+  [capture stitcherAdapter]->setProgressListener(&own);
+  [capture cleanupListener];
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] != nil);
+  EXPECT_GT(own.reports, 0);
+  EXPECT_EQ(own.completions, 1);
+  EXPECT_TRUE(delegate->heard->empty());
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+}
+
+TEST_F(ObjectiveCCapture, StitchesWhatASetAdapterHolds) {
+  const std::unique_ptr<StitcherAdapter> before([capture stitcherAdapter]);
+  [capture setStitcherAdapter:new StitcherAdapter];
+  AddAll(capture, ScrolledCaptures(3));
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), ScrolledPage(3)));
+  EXPECT_TRUE(before->IsEmpty());
+}
+
+TEST_F(ObjectiveCCapture, WorksOnThePartsOfItsSubclass) {
+  StitcherAdapter adapter;
+  PreviewImage preview({40, 30}, 1, 0);
+  CaptureWithOwnParts* const own = [[[CaptureWithOwnParts alloc] init] autorelease];
+  own->ownAdapter = &adapter;
+  own->ownPreview = &preview;
+  [own setupStitcher];
+  AddAll(own, ScrolledCaptures(2));
+  AddAll(own, {ScrolledCaptures(2)[1]});
+  EXPECT_EQ(adapter.Count(), 2U) << "A repeat of the subclass's last capture is dropped";
+  [own setPreviewImageSize:NSMakeSize(50, 60)];
+  EXPECT_TRUE(SameBits(PixelsOf([own currentImagePreview]), preview.GetPreview(50, 60)));
+  EXPECT_TRUE(SameBits(PixelsOf([own stitchAndReturnFinalImage]), ScrolledPage(2)));
+  EXPECT_TRUE(SameBits(adapter.getResult(), ScrolledPage(2)));
 }
 
 TEST_F(ObjectiveCCapture, GivesNoPreviewBeforeACapture) {
@@ -223,6 +311,80 @@ TEST_F(ObjectiveCCapture, RendersNothingWithoutAWholePoint) {
     NSImage* const image = [[[NSImage alloc] initWithSize:size] autorelease];
     EXPECT_TRUE([capture bitmapImageRepresentation:image] == nil);
   }
+}
+
+TEST_F(ObjectiveCCapture, RendersNothingForNilOrAnAbsurdSize) {
+  EXPECT_TRUE([capture bitmapImageRepresentation:nil] == nil);
+  for (const NSSize& size : Testing::AbsurdSizes()) {
+    NSImage* const image = [[[NSImage alloc] initWithSize:size] autorelease];
+    EXPECT_TRUE([capture bitmapImageRepresentation:image] == nil)
+        << size.width << " x " << size.height;
+  }
+}
+
+TEST_F(ObjectiveCCapture, DropsCapturesOfAnAbsurdSize) {
+  for (const NSSize& size : Testing::AbsurdSizes()) {
+    NSImage* const image = [NSImage imageWithCVMat:ScrolledCaptures(1)[0]];
+    [image setSize:size];
+    [capture addImageToAdapter:image];
+    EXPECT_TRUE([capture stitcherAdapter]->IsEmpty()) << size.width << " x " << size.height;
+  }
+  AddAll(capture, ScrolledCaptures(2));
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), ScrolledPage(2)));
+}
+
+TEST_F(ObjectiveCCapture, KeepsACaptureOrLeavesItToBeAddedAgainWhereMemoryRunsOut) {
+  const std::vector<cv::Mat> captures = ScrolledCaptures(2);
+  AddAll(capture, {captures[0]});
+  NSImage* const second = [NSImage imageWithCVMat:captures[1]];
+  const auto add = [&](size_t passing) {
+    const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::All);
+    [capture addImageToAdapter:second];
+    return memory.HasFailed();
+  };
+  EXPECT_GT(Testing::CountFailingAttempts(add), 0);
+  EXPECT_EQ([capture stitcherAdapter]->Count(), 2U);
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), ScrolledPage(2)));
+}
+
+TEST_F(ObjectiveCCapture, GivesTheWholeImageOrNilWhereMemoryRunsOut) {
+  NSImage* const image = [NSImage imageWithCVMat:ScrolledCaptures(1)[0]];
+  AddAll(capture, ScrolledCaptures(2));
+  const auto show = [&](size_t passing) {
+    NSBitmapImageRep *rendered = nil, *preview = nil;
+    bool failed = false;
+    {
+      const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::First);
+      rendered = [capture bitmapImageRepresentation:image];
+      preview = [capture currentImagePreview];
+      failed = memory.HasFailed();
+    }
+    EXPECT_EQ(rendered == nil || preview == nil, failed);
+    return failed;
+  };
+  EXPECT_GT(Testing::CountFailingAttempts(show), 0);
+}
+
+TEST_F(ObjectiveCCapture, SaysSoWhenTheStitchedImageDoesNotFitIntoABitmap) {
+  const auto stitch = [&](size_t passing) {
+    ::VelScrollingCapture* const other = [[[::VelScrollingCapture alloc] init] autorelease];
+    AddAll(other, ScrolledCaptures(1));
+    NSBitmapImageRep* image = nil;
+    std::string messages;
+    bool failed = false;
+    {
+      const Testing::StreamCapture errors(std::cerr);
+      const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::First);
+      image = [other stitchAndReturnFinalImage];
+      failed = memory.HasFailed();
+      messages = errors.Text();
+    }
+    EXPECT_EQ(image == nil, failed);
+    return failed && messages == "Error: The stitched image does not fit into a bitmap.\n";
+  };
+  // The first allocation is the inner object's own copy of the image.
+  EXPECT_FALSE(stitch(0));
+  EXPECT_TRUE(stitch(1));
 }
 
 TEST_F(ObjectiveCCapture, RendersGreyIntoColour) {
@@ -287,6 +449,16 @@ TEST_F(ObjectiveCOwnership, EndsWithAStitchThatAnExceptionStops) {
   EXPECT_FALSE(gone);
   [capture setProgressDelegate:nil];
   [capture release];
+  EXPECT_TRUE(gone);
+}
+
+TEST_F(ObjectiveCOwnership, OutlastsBeingSetUpAgainAfterTheHostHasLetGo) {
+  Start();
+  [capture release];
+  [capture setupStitcher];
+  ASSERT_FALSE(gone) << "The new listener retains the capture object as the old one did";
+  AddAll(capture, ScrolledCaptures(2));
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] != nil);
   EXPECT_TRUE(gone);
 }
 

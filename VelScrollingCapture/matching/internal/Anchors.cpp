@@ -1,0 +1,45 @@
+#include <limits>
+#include <stdexcept>
+
+#include <VelScrollingCapture/matching/internal/Anchors.h>
+#include <VelScrollingCapture/matching/internal/PatchHashes.h>
+#include <VelScrollingCapture/matching/internal/RadixSort.h>
+
+namespace ScrollingCapture {
+
+void RequireUsableCapture(const cv::Mat& capture) {
+  const int channels = capture.channels();
+  const bool isUsable = capture.dims == 2 && !capture.empty() && capture.depth() == CV_8U &&
+                        (channels == 1 || channels == 3 || channels == 4);
+  if (!isUsable) {
+    throw std::invalid_argument("A capture needs pixels of 8 bits in 1, 3 or 4 channels.");
+  }
+  if (capture.total() > std::numeric_limits<std::uint32_t>::max()) {
+    throw std::invalid_argument("A capture has too many pixels.");
+  }
+}
+
+int SelectingZeroBits(const cv::Size& size, int channels) {
+  const std::int64_t area = std::int64_t{size.width} * size.height;
+  if (area < 20'000) {
+    return 2;
+  }
+  if (area < 80'000) {
+    return 3;
+  }
+  if (area < 300'000) {
+    return 4;
+  }
+  return channels == 1 ? 7 : 5;
+}
+
+CaptureAnchors FindAnchors(const cv::Mat& capture) {
+  CaptureAnchors found{capture.size(), capture.type(), {}};
+  std::vector<Anchor> anchors = SelectPatches(
+      capture, SelectingZeroBits(capture.size(), capture.channels()), Vectors::Widest);
+  RadixSort(anchors, [](const Anchor& anchor) { return anchor.hash; });
+  found.anchors.assign(anchors.begin(), anchors.end());
+  return found;
+}
+
+}  // namespace ScrollingCapture
