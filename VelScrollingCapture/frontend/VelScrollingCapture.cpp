@@ -3,14 +3,13 @@
 
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
-#include <VelScrollingCapture/similarity/RepeatFilter.h>
+#include <VelScrollingCapture/session/CaptureIntake.h>
+#include <VelScrollingCapture/session/internal/HostPreview.h>
 
 namespace ScrollingCapture {
 namespace {
 
 constexpr ImageSize DefaultPreviewSize{250, 250};
-constexpr int PreviewRow = 1;
-constexpr int PreviewColumn = 0;
 
 template <typename Object>
 void ReplaceWithoutFreeing(std::unique_ptr<Object>& owner, Object* object) {
@@ -70,19 +69,23 @@ void VelScrollingCapture::setupStitcher() {
   setPreviewImageSize(DefaultPreviewSize);
 }
 
-/// A capture that cannot be compared with the last one could not be stitched to it either.
-void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& image) try {
-  cv::Mat capture = image ? image->CVMat() : cv::Mat();
+void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& image) {
+  addCapture(image);
+}
+
+CaptureOutcome VelScrollingCapture::addCapture(const std::optional<PlatformImage>& image) try {
+  const cv::Mat capture = image ? image->CVMat() : cv::Mat();
   makePreviewWhenAbsent();
-  if (!isNew(capture)) {
-    return;
+  StitcherAdapter* const adapter = stitcherAdapter();
+  if (adapter == nullptr) {
+    return {CaptureOutcome::State::Unusable, "has no adapter to be added to", {}};
   }
-  stitcherAdapter()->Add(capture);
-  if (PreviewImage* const preview = previewImageCreator()) {
-    preview->AddCapture(capture);
-  }
+  constexpr bool KeepRepeats = false;
+  return CaptureIntake(*adapter, previewImageCreator(), KeepRepeats).Add(capture);
 } catch (const cv::Exception&) {
-  return;
+  return {CaptureOutcome::State::Unusable,
+          "cannot be compared with the last one, or finds no memory",
+          {}};
 }
 
 std::optional<PlatformImage> VelScrollingCapture::currentImagePreview() try {
@@ -193,16 +196,10 @@ void VelScrollingCapture::setPreviewImageCreator(PreviewImage* preview) {
   ReplaceWithoutFreeing(_previewImageCreator, preview);
 }
 
-bool VelScrollingCapture::isNew(const cv::Mat& capture) const {
-  StitcherAdapter* const adapter = stitcherAdapter();
-  return adapter != nullptr && !RepeatsLastCapture(*adapter, capture);
-}
-
 /// A preview that cannot be made must not cost the capture; the next capture tries again.
 void VelScrollingCapture::makePreviewWhenAbsent() try {
   if (previewImageCreator() == nullptr) {
-    _previewImageCreator =
-        std::make_unique<PreviewImage>(wholePreviewSize(), PreviewRow, PreviewColumn);
+    _previewImageCreator = MakeHostPreview(wholePreviewSize());
   }
 } catch (const cv::Exception&) {
   return;

@@ -12,6 +12,7 @@
 #include <VelScrollingCapture/frontend/ScrollingProgressDelegate.h>
 #include <VelScrollingCapture/frontend/StitcherAdapter.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
+#include <VelScrollingCapture/session/CaptureOutcome.h>
 
 namespace ScrollingCapture {
 
@@ -55,10 +56,13 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   /// Adds the next capture and brings the preview up to date.
   ///
   /// The first capture is always kept, even when it is absent, which counts as empty. A later one
-  /// is dropped silently when it shows the same as the last one kept, or cannot be compared with it
-  /// because their sizes differ. Any capture is dropped when memory for it runs out; it may then be
-  /// added again. The image's pixels are copied.
+  /// is dropped silently when it shows the same as the last one kept, or differs from it in size.
+  /// Any capture is dropped when memory for it runs out; it may then be added again. The image's
+  /// pixels are copied.
   void addImageToAdapter(const std::optional<PlatformImage>& image);
+
+  /// Does what addImageToAdapter does, and says what has become of the capture.
+  CaptureOutcome addCapture(const std::optional<PlatformImage>& image);
 
   /// The preview as it stands, scaled down to fit into previewImageSize; absent before the first
   /// capture, when that size leaves no pixel, and when memory runs out. Always red, green, blue,
@@ -140,7 +144,6 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   VelScrollingCapture() = default;
 
  private:
-  bool isNew(const cv::Mat& capture) const;
   void makePreviewWhenAbsent();
   cv::Size wholePreviewSize() const;
 

@@ -8,6 +8,7 @@
 #include <fuzz/support/Quiet.h>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <velscroll/arguments/Arguments.h>
+#include <velscroll/arguments/SettingNames.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -50,15 +51,16 @@ std::string AnyWord(FuzzedDataProvider& data) {
 
 void ExpectWithinLimits(const Program::Arguments& arguments) {
   Expect(!arguments.captures.empty(), "there are captures");
-  Expect(!arguments.output.empty(), "there is an output");
-  Expect(arguments.threadCount >= 1 && arguments.threadCount <= 1024, "threads are limited");
-  Expect(!arguments.borders ||
-             (arguments.borders->difference <= 255 && arguments.borders->neighbors <= 8),
-         "thresholds are limited");
-  const cv::Size& size = arguments.previewSize;
+  Expect(!arguments.outputs.image.empty(), "there is an output");
+  const SessionSettings& session = arguments.session;
+  Expect(session.threadCount >= 1 && session.threadCount <= 1024, "threads are limited");
+  Expect(
+      !session.borders || (session.borders->difference <= 255 && session.borders->neighbors <= 8),
+      "thresholds are limited");
+  const cv::Size size = session.previewBox.value_or(cv::Size(1, 1));
   Expect(size.width >= 1 && size.height >= 1 && size.width <= 10000 && size.height <= 10000,
          "the preview's size is limited");
-  Expect(!Program::NameOf(arguments.orientation).empty(), "the orientation has a name");
+  Expect(!Program::NameOf(session.orientation).empty(), "the orientation has a name");
 }
 
 void ParseAny(FuzzedDataProvider& data) {

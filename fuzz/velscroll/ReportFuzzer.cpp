@@ -17,12 +17,12 @@ std::string AnyText(FuzzedDataProvider& data) {
   return data.ConsumeRandomLengthString(LongestName);
 }
 
-Program::CaptureOutcome AnyOutcome(FuzzedDataProvider& data) {
-  Program::CaptureOutcome outcome;
+Program::ReportedCapture AnyOutcome(FuzzedDataProvider& data) {
+  Program::ReportedCapture outcome;
   outcome.file = AnyText(data);
   outcome.state =
-      data.PickValueInArray({Program::CaptureOutcome::Kept, Program::CaptureOutcome::Repeated,
-                             Program::CaptureOutcome::LeftOut});
+      data.PickValueInArray({Program::ReportedCapture::Kept, Program::ReportedCapture::Repeated,
+                             Program::ReportedCapture::LeftOut});
   outcome.place = {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()};
   outcome.translation = AnyTranslation(data, {100, 100});
   if (data.ConsumeBool()) {
@@ -32,25 +32,26 @@ Program::CaptureOutcome AnyOutcome(FuzzedDataProvider& data) {
   return outcome;
 }
 
-Program::Arguments AnyArguments(FuzzedDataProvider& data) {
-  Program::Arguments arguments;
-  arguments.output = AnyText(data);
-  arguments.threadCount = data.ConsumeIntegral<unsigned int>();
+SessionSettings AnySettings(FuzzedDataProvider& data) {
+  SessionSettings settings;
+  settings.threadCount = data.ConsumeIntegral<unsigned int>();
   if (data.ConsumeBool()) {
-    arguments.borders = Program::BorderThresholds{data.ConsumeIntegral<unsigned int>(),
-                                                  data.ConsumeIntegral<unsigned int>()};
+    settings.borders = BorderThresholds{data.ConsumeIntegral<unsigned int>(),
+                                        data.ConsumeIntegral<unsigned int>()};
   }
   if (data.ConsumeBool()) {
-    arguments.memoryLimit = data.ConsumeIntegral<std::uint64_t>();
+    settings.memoryLimit = data.ConsumeIntegral<std::uint64_t>();
   }
-  return arguments;
+  return settings;
 }
 
 Program::ReportContent AnyContent(FuzzedDataProvider& data) {
   Program::ReportContent content;
+  content.resultFile = AnyText(data);
+  content.settings = AnySettings(data);
   content.resultSize = {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()};
   if (data.ConsumeBool()) {
-    content.borders = Program::Borders{{1, 2, 3, 4}, data.ConsumeIntegral<int>(), 0, 0, 0};
+    content.borders = FixedBorders{{1, 2, 3, 4}, data.ConsumeIntegral<int>(), 0, 0, 0};
   }
   for (int i = data.ConsumeIntegralInRange(0, 4); i > 0; --i) {
     content.captures.push_back(AnyOutcome(data));
@@ -74,17 +75,16 @@ void ExpectText(const std::string& told, const std::string& text) {
 }
 
 void ReportAny(FuzzedDataProvider& data) {
-  const Program::Arguments arguments = AnyArguments(data);
   const Program::ReportContent content = AnyContent(data);
-  const std::string text = Program::ReportText(arguments, content);
+  const std::string text = Program::ReportText(content);
   Expect(text.back() == '\n', "the report ends with an end of line");
 
   const ToldReport told = ReadReport(text);
-  ExpectText(told.file, arguments.output);
+  ExpectText(told.file, content.resultFile);
   Expect(told.size == content.resultSize, "the size comes back");
   Expect(told.captures.size() == content.captures.size(), "every capture is told of");
   for (size_t i = 0; i < told.captures.size(); ++i) {
-    const Program::CaptureOutcome& outcome = content.captures[i];
+    const Program::ReportedCapture& outcome = content.captures[i];
     ExpectText(told.captures[i].file, outcome.file);
     Expect(told.captures[i].row == outcome.place.row, "the place comes back");
     Expect(told.captures[i].hasOverlap == outcome.overlap.has_value(), "the overlap comes back");

@@ -14,7 +14,7 @@
 #include <testkit/SpillTesting.h>
 #include <testkit/TemporaryFolder.h>
 #include <velscroll/arguments/Arguments.h>
-#include <velscroll/stitch/Session.h>
+#include <velscroll/stitch/StitchCommand.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -55,34 +55,34 @@ void WriteCaptures(FuzzedDataProvider& data, const Testing::TemporaryFolder& fol
 /// @return the files that the session is asked for
 Paths ChooseSettings(FuzzedDataProvider& data, const Testing::TemporaryFolder& folder,
                      Program::Arguments& arguments) {
-  arguments.quiet = true;
-  arguments.orientation = data.PickValueInArray(
+  arguments.loudness = Program::Loudness::Nothing;
+  arguments.session.orientation = data.PickValueInArray(
       {ScrollOrientation::Vertical, ScrollOrientation::Horizontal, ScrollOrientation::Both});
-  arguments.expectConsistentTranslations = data.ConsumeBool();
-  arguments.keepRepeats = data.ConsumeBool();
-  arguments.output =
+  arguments.session.expectConsistentTranslations = data.ConsumeBool();
+  arguments.session.keepRepeats = data.ConsumeBool();
+  arguments.outputs.image =
       folder.Prefix() + "page" + data.PickValueInArray({".png", ".jpg", ".bmp", ".webp", ".tiff"});
-  arguments.report = folder.Prefix() + "report.json";
-  Paths asked = {arguments.output, arguments.report};
+  arguments.outputs.report = folder.Prefix() + "report.json";
+  Paths asked = {arguments.outputs.image, arguments.outputs.report};
   if (data.ConsumeBool()) {
-    arguments.borders = Program::BorderThresholds{data.ConsumeIntegralInRange(0U, 255U),
-                                                  data.ConsumeIntegralInRange(0U, 8U)};
+    arguments.session.borders = BorderThresholds{data.ConsumeIntegralInRange(0U, 255U),
+                                                 data.ConsumeIntegralInRange(0U, 8U)};
   }
   if (data.ConsumeBool()) {
-    arguments.memoryLimit = data.ConsumeIntegralInRange(0U, 8192U);
-    arguments.spillFolder = folder.Path().string();
+    arguments.session.memoryLimit = data.ConsumeIntegralInRange(0U, 8192U);
+    arguments.session.spillFolder = folder.Path().string();
   }
   if (data.ConsumeIntegralInRange(0, 7) == 0) {
-    arguments.preview = folder.Prefix() + "preview.png";
-    arguments.previewSize = AnySize(data, 300);
-    asked.insert(arguments.preview);
+    arguments.outputs.preview = folder.Prefix() + "preview.png";
+    arguments.session.previewBox = AnySize(data, 300);
+    asked.insert(arguments.outputs.preview);
   }
   return asked;
 }
 
 void ExpectReportTellsOfTheResult(const Program::Arguments& arguments) {
-  const ToldReport report = ReadReport(Testing::ReadFile(arguments.report));
-  const cv::Mat result = cv::imread(arguments.output, cv::IMREAD_UNCHANGED);
+  const ToldReport report = ReadReport(Testing::ReadFile(arguments.outputs.report));
+  const cv::Mat result = cv::imread(arguments.outputs.image, cv::IMREAD_UNCHANGED);
   Expect(!result.empty(), "the result can be read");
   Expect(report.size == result.size(), "the report tells the result's size");
   Expect(report.captures.size() == arguments.captures.size(), "every capture is told of");
@@ -96,7 +96,7 @@ void RunAny(FuzzedDataProvider& data) {
   WriteCaptures(data, folder, arguments);
   const Paths before = FilesIn(folder);
   try {
-    Program::RunSession(arguments);
+    Program::RunStitchCommand(arguments);
   } catch (const Program::Failure& failure) {
     ExpectOneLine(failure);
     Expect(FilesIn(folder) == before, "a session that fails leaves nothing behind");

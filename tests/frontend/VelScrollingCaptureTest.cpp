@@ -107,6 +107,22 @@ TEST_F(CaptureObject, DropsACaptureThatCannotBeComparedWithTheLast) {
   EXPECT_EQ(Count(), 1U);
 }
 
+TEST_F(CaptureObject, TellsWhatHasBecomeOfEachCapture) {
+  using State = CaptureOutcome::State;
+  const std::vector<cv::Mat> captures = ScrolledCaptures(2);
+  const auto add = [this](const cv::Mat& matrix) {
+    return capture->addCapture(PlatformImage::imageWithCVMat(matrix));
+  };
+  EXPECT_EQ(add(captures[0]).state, State::Placed);
+  EXPECT_EQ(add(captures[0]).state, State::Repeated);
+  EXPECT_EQ(add(captures[1]).state, State::Placed);
+  const CaptureOutcome refused = add(Testing::NoiseCapture({5, 5}, 1));
+  EXPECT_EQ(refused.state, State::Unusable);
+  EXPECT_NE(refused.reason.find("5 x 5 pixels"), std::string::npos) << refused.reason;
+  EXPECT_EQ(capture->addCapture(std::nullopt).state, State::Unusable);
+  EXPECT_EQ(Count(), 2U);
+}
+
 TEST_F(CaptureObject, KeepsTheHostsImageAsItIs) {
   const std::vector<cv::Mat> captures = ScrolledCaptures(2);
   const PlatformImage second = PlatformImage::imageWithCVMat(captures[1]);

@@ -43,14 +43,43 @@ cv::Mat Window(const cv::Point& corner, const cv::Size& size) {
 
 cv::Mat Plain(const cv::Size& size, const cv::Scalar& colour) { return {size, CV_8UC4, colour}; }
 
-TEST(ResizeImage, GivesExactlyTheSizeAsked) {
-  const cv::Mat image = NoiseCapture({40, 30}, 1);
-  cv::Mat expected;
-  cv::resize(image, expected, {17, 23}, 0, 0, cv::INTER_LINEAR);
-  EXPECT_TRUE(SameBits(ResizeImage(image, {17, 23}), expected));
+/// One row of grey, opaque pixels.
+cv::Mat GreyRow(const std::vector<uchar>& levels) {
+  cv::Mat row(1, static_cast<int>(levels.size()), CV_8UC4);
+  for (int column = 0; column < row.cols; ++column) {
+    const uchar level = levels[static_cast<size_t>(column)];
+    row.at<cv::Vec4b>(0, column) = cv::Vec4b(level, level, level, 255);
+  }
+  return row;
 }
 
-TEST(PreviewBackground, IsOpaqueBlack) { EXPECT_EQ(PreviewBackground, OpaqueBlack); }
+TEST(PreviewImage, EnlargesInEvenStepsBetweenPixels) {
+  EXPECT_TRUE(SameBits(ResizeImage(GreyRow({0, 100}), {4, 1}), GreyRow({0, 25, 75, 100})));
+}
+
+TEST(PreviewImage, ShrinksToTheMeanOfTheNearestPixels) {
+  EXPECT_TRUE(SameBits(ResizeImage(GreyRow({10, 30, 200, 100}), {2, 1}), GreyRow({20, 150})));
+}
+
+TEST(PreviewImage, ResizesToExactlyTheSizeAsked) {
+  const cv::Scalar colour(10, 20, 30, 40);
+  EXPECT_TRUE(SameBits(ResizeImage(Plain({40, 30}, colour), {17, 23}), Plain({17, 23}, colour)));
+}
+
+TEST(PreviewImage, RefusesToResizeFromOrToNothing) {
+  EXPECT_THROW(ResizeImage(cv::Mat(), {4, 4}), cv::Exception);
+  EXPECT_THROW(ResizeImage(GreyRow({1, 2}), {0, 4}), cv::Exception);
+}
+
+TEST(PreviewImage, ShowsItsBackgroundWhereNoCaptureLies) {
+  PreviewImage preview({300, 40}, 20, 30);
+  ASSERT_EQ(preview.AddCapture(NoiseCapture({250, 10}, 3)), Laid);
+  const cv::Mat shown = preview.GetPreview();
+  EXPECT_EQ(cv::Scalar(shown.at<cv::Vec4b>(19, 30)), PreviewBackground);
+  EXPECT_EQ(cv::Scalar(shown.at<cv::Vec4b>(20, 29)), PreviewBackground);
+  EXPECT_NE(cv::Scalar(shown.at<cv::Vec4b>(20, 30)), PreviewBackground);
+  EXPECT_EQ(PreviewBackground, OpaqueBlack);
+}
 
 TEST(PreviewImage, StartsAsBackgroundOf750By750) {
   PreviewImage preview;

@@ -21,7 +21,7 @@ using Testing::StreamCapture;
 
 const cv::Scalar Opaque(10, 20, 30, 255);
 
-TEST(BlendImages, CopiesEveryVisiblePixelWithItsAlpha) {
+TEST(Blending, CopiesEveryVisiblePixelWithItsAlpha) {
   cv::Mat source(1, 3, CV_8UC4);
   source.at<cv::Vec4b>(0, 0) = cv::Vec4b(1, 2, 3, 255);
   source.at<cv::Vec4b>(0, 1) = cv::Vec4b(4, 5, 6, 0);
@@ -35,21 +35,21 @@ TEST(BlendImages, CopiesEveryVisiblePixelWithItsAlpha) {
   EXPECT_TRUE(SameBits(target, expected));
 }
 
-TEST(BlendImages, LeavesTheTargetUnderATransparentSource) {
+TEST(Blending, LeavesTheTargetUnderATransparentSource) {
   cv::Mat target = NoiseCapture({12, 9}, 11);
   const cv::Mat before = target.clone();
   Utilities::BlendImages(cv::Mat(9, 12, CV_8UC4, cv::Scalar(1, 2, 3, 0)), target, {0, 9}, {0, 12});
   EXPECT_TRUE(SameBits(target, before));
 }
 
-TEST(BlendImages, ReplacesTheBlockUnderAnOpaqueSource) {
+TEST(Blending, ReplacesTheBlockUnderAnOpaqueSource) {
   cv::Mat target(9, 12, CV_8UC4, cv::Scalar(0, 0, 0, 0));
   const cv::Mat source = NoiseCapture({12, 9}, 12);
   Utilities::BlendImages(source, target, {0, 9}, {0, 12});
   EXPECT_TRUE(SameBits(target, source));
 }
 
-TEST(BlendImages, EqualsAMaskedCopyForRandomAlpha) {
+TEST(Blending, EqualsAMaskedCopyForRandomAlpha) {
   cv::RNG random(13);
   for (int i = 0; i < 100; ++i) {
     cv::Mat source(random.uniform(1, 40), random.uniform(1, 40), CV_8UC4);
@@ -80,7 +80,7 @@ class UnalignedCopy {
   cv::Mat view;
 };
 
-TEST(BlendImages, TakesPixelsAtAnyAddress) {
+TEST(Blending, TakesPixelsAtAnyAddress) {
   cv::Mat source = NoiseCapture({9, 5}, 17);
   source(cv::Rect(2, 1, 3, 2)).setTo(cv::Scalar(0, 0, 0, 0));
   const cv::Mat target = NoiseCapture({12, 8}, 18);
@@ -94,13 +94,13 @@ TEST(BlendImages, TakesPixelsAtAnyAddress) {
   }
 }
 
-TEST(BlendImages, TakesMatricesOfFloatingPointChannelsOnlyWithAnEightBitMask) {
+TEST(Blending, TakesMatricesOfFloatingPointChannelsOnlyWithAnEightBitMask) {
   cv::Mat target(4, 4, CV_32FC4, cv::Scalar(0));
   EXPECT_THROW(Utilities::BlendImages(cv::Mat(4, 4, CV_32FC4, Opaque), target, {0, 4}, {0, 4}),
                cv::Exception);
 }
 
-TEST(BlendImages, LeavesATargetOfAnotherType) {
+TEST(Blending, LeavesATargetOfAnotherType) {
   cv::Mat target(4, 4, CV_8UC3, cv::Scalar(7, 7, 7));
   const cv::Mat before = target.clone();
   Utilities::BlendImages(cv::Mat(4, 4, CV_8UC4, Opaque), target, {0, 4}, {0, 4});
@@ -116,9 +116,9 @@ struct BadBlock {
 
 void PrintTo(const BadBlock& block, std::ostream* stream) { *stream << block.name; }
 
-class BlendImagesIntoABadBlock : public testing::TestWithParam<BadBlock> {};
+class BlendingIntoABadBlock : public testing::TestWithParam<BadBlock> {};
 
-TEST_P(BlendImagesIntoABadBlock, TellsOfItAndLeavesTheTarget) {
+TEST_P(BlendingIntoABadBlock, TellsOfItAndLeavesTheTarget) {
   cv::Mat target = NoiseCapture({40, 30}, 15);
   const cv::Mat before = target.clone();
   const StreamCapture errors(std::cerr);
@@ -135,7 +135,7 @@ constexpr int Lowest = std::numeric_limits<int>::min();
 constexpr int Highest = std::numeric_limits<int>::max();
 
 INSTANTIATE_TEST_SUITE_P(
-    Ranges, BlendImagesIntoABadBlock,
+    Ranges, BlendingIntoABadBlock,
     testing::Values(BadBlock{"TooManyColumns", {0, 10}, {0, 21}, SizeMessage},
                     BadBlock{"TooFewRows", {0, 9}, {0, 20}, SizeMessage},
                     BadBlock{"WidestRange", {Lowest, Highest}, {0, 20}, SizeMessage},

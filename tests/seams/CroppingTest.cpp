@@ -28,7 +28,7 @@ cv::Mat ExpectedCapture(const cv::Size& size, const cv::Rect& transparent) {
   return capture;
 }
 
-TEST(MakeRowTransparent, ClearsFromTheStartToEitherSide) {
+TEST(Cropping, ClearsARowFromTheStartToEitherSide) {
   cv::Mat left = OpaqueCapture(4, 6);
   Utilities::MakeRowTransparent(left, cv::Point(2, 1), true);
   EXPECT_TRUE(SameBits(left, ExpectedCapture({6, 4}, {0, 1, 3, 1})));
@@ -38,7 +38,7 @@ TEST(MakeRowTransparent, ClearsFromTheStartToEitherSide) {
   EXPECT_TRUE(SameBits(right, ExpectedCapture({6, 4}, {2, 1, 4, 1})));
 }
 
-TEST(MakeColumnTransparent, ClearsFromTheStartToEitherEnd) {
+TEST(Cropping, ClearsAColumnFromTheStartToEitherEnd) {
   cv::Mat above = OpaqueCapture(6, 4);
   Utilities::MakeColumnTransparent(above, cv::Point(1, 2), true);
   EXPECT_TRUE(SameBits(above, ExpectedCapture({4, 6}, {1, 0, 1, 3})));
@@ -48,7 +48,7 @@ TEST(MakeColumnTransparent, ClearsFromTheStartToEitherEnd) {
   EXPECT_TRUE(SameBits(below, ExpectedCapture({4, 6}, {1, 2, 1, 4})));
 }
 
-TEST(MakeRunTransparent, TreatsStartsOutsideTheImageAsALineDoes) {
+TEST(Cropping, TreatsStartsOfRunsOutsideTheImageAsALineDoes) {
   for (const int x : {-9, -1, 0, 3, 4, 9}) {
     for (const int y : {-9, -1, 0, 2, 3, 9}) {
       for (const bool towardsOrigin : {true, false}) {
@@ -76,9 +76,9 @@ struct OutsidePoints {
 
 void PrintTo(const OutsidePoints& points, std::ostream* stream) { *stream << points.name; }
 
-class ClipCornerOutside : public testing::TestWithParam<OutsidePoints> {};
+class CroppingAlongAnOutsideLine : public testing::TestWithParam<OutsidePoints> {};
 
-TEST_P(ClipCornerOutside, TellsOfItAndLeavesTheImage) {
+TEST_P(CroppingAlongAnOutsideLine, TellsOfItAndLeavesTheImage) {
   cv::Mat image = NoiseCapture({8, 5}, 2);
   const cv::Mat before = image.clone();
   const StreamCapture errors(std::cerr);
@@ -87,7 +87,7 @@ TEST_P(ClipCornerOutside, TellsOfItAndLeavesTheImage) {
   EXPECT_TRUE(SameBits(image, before));
 }
 
-INSTANTIATE_TEST_SUITE_P(EachCoordinate, ClipCornerOutside,
+INSTANTIATE_TEST_SUITE_P(EachCoordinate, CroppingAlongAnOutsideLine,
                          testing::Values(OutsidePoints{"FirstXNegative", {-1, 0}, {1, 1}},
                                          OutsidePoints{"FirstYNegative", {0, -1}, {1, 1}},
                                          OutsidePoints{"SecondXNegative", {0, 0}, {-1, 1}},
@@ -98,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(EachCoordinate, ClipCornerOutside,
                                          OutsidePoints{"SecondYPastEnd", {0, 0}, {1, 5}}),
                          [](const auto& test) { return test.param.name; });
 
-TEST(ClipCorner, ClearsOneSideOfAVerticalLineAndTheLine) {
+TEST(Cropping, ClearsOneSideOfAVerticalLineAndTheLine) {
   cv::Mat left = OpaqueCapture(3, 6);
   Utilities::ClipCorner(left, {2, 0}, {2, 2}, true);
   EXPECT_TRUE(SameBits(left, ExpectedCapture({6, 3}, {0, 0, 3, 3})));
@@ -108,7 +108,7 @@ TEST(ClipCorner, ClearsOneSideOfAVerticalLineAndTheLine) {
   EXPECT_TRUE(SameBits(right, ExpectedCapture({6, 3}, {2, 0, 4, 3})));
 }
 
-TEST(ClipCorner, ClearsOneSideOfAHorizontalLineAndTheLine) {
+TEST(Cropping, ClearsOneSideOfAHorizontalLineAndTheLine) {
   cv::Mat above = OpaqueCapture(6, 3);
   Utilities::ClipCorner(above, {0, 2}, {2, 2}, true);
   EXPECT_TRUE(SameBits(above, ExpectedCapture({3, 6}, {0, 0, 3, 3})));
@@ -118,13 +118,13 @@ TEST(ClipCorner, ClearsOneSideOfAHorizontalLineAndTheLine) {
   EXPECT_TRUE(SameBits(below, ExpectedCapture({3, 6}, {0, 2, 3, 4})));
 }
 
-TEST(ClipCorner, TakesTwoEqualPointsAsAVerticalLine) {
+TEST(Cropping, TakesTwoEqualPointsAsAVerticalLine) {
   cv::Mat image = OpaqueCapture(3, 6);
   Utilities::ClipCorner(image, {2, 1}, {2, 1}, true);
   EXPECT_TRUE(SameBits(image, ExpectedCapture({6, 3}, {0, 0, 3, 3})));
 }
 
-TEST(ClipCorner, ClearsOnePixelAlongTheBorderThatASlantedLineLeavesThrough) {
+TEST(Cropping, ClearsOnePixelAlongTheBorderThatASlantedLineLeavesThrough) {
   // The line runs from the top left corner to the bottom row's middle and leaves the image there.
   cv::Mat image = OpaqueCapture(4, 9);
   Utilities::ClipCorner(image, {0, 0}, {4, 3}, false);
@@ -134,7 +134,7 @@ TEST(ClipCorner, ClearsOnePixelAlongTheBorderThatASlantedLineLeavesThrough) {
   }
 }
 
-TEST(ClipCorner, EqualsTheWalkAlongRandomLines) {
+TEST(Cropping, EqualsTheWalkAlongRandomLines) {
   cv::RNG random(4);
   for (int i = 0; i < 400; ++i) {
     const cv::Size size(random.uniform(1, 60), random.uniform(1, 60));
@@ -150,7 +150,7 @@ TEST(ClipCorner, EqualsTheWalkAlongRandomLines) {
   }
 }
 
-TEST(ClipCorner, EndsWhereStepsAreTooSmallForSinglePrecision) {
+TEST(Cropping, EndsWhereStepsAreTooSmallForSinglePrecision) {
   // Near row 2^20 single precision has steps of 1/8: a slope of 1/100 leads nowhere.
   cv::Mat image((1 << 20) + 8, 101, CV_8UC1, cv::Scalar(9));
   const int row = 1 << 20;
@@ -159,7 +159,7 @@ TEST(ClipCorner, EndsWhereStepsAreTooSmallForSinglePrecision) {
   EXPECT_EQ(image.at<uchar>(row - 1, 50), 9);
 }
 
-TEST(ClipCorner, StaysInsideOfColumnsThatSinglePrecisionRoundsUp) {
+TEST(Cropping, StaysInsideOfColumnsThatSinglePrecisionRoundsUp) {
   // The last column is 2^24 + 3, and the number of columns is the nearest in single precision.
   constexpr int Columns = (1 << 24) + 4;
   cv::Mat image(2, Columns, CV_8UC1, cv::Scalar(9));
@@ -168,7 +168,7 @@ TEST(ClipCorner, StaysInsideOfColumnsThatSinglePrecisionRoundsUp) {
   EXPECT_EQ(image.at<uchar>(1, Columns - 1), 9);
 }
 
-TEST(ClipCorner, WritesIntoTheRegionOfALargerImageOnly) {
+TEST(Cropping, WritesIntoTheRegionOfALargerImageOnly) {
   cv::Mat whole = NoiseCapture({40, 30}, 8);
   cv::Mat expected = whole.clone();
   cv::Mat region = whole(cv::Rect(5, 6, 20, 11));
@@ -187,16 +187,16 @@ struct StraightCrop {
 
 void PrintTo(const StraightCrop& crop, std::ostream* stream) { *stream << crop.name; }
 
-class StraightCropCaptureImage : public testing::TestWithParam<StraightCrop> {};
+class CroppingAfterAStraightScroll : public testing::TestWithParam<StraightCrop> {};
 
-TEST_P(StraightCropCaptureImage, ClearsHalfOfTheOverlap) {
+TEST_P(CroppingAfterAStraightScroll, ClearsHalfOfTheOverlap) {
   cv::Mat capture = OpaqueCapture(GetParam().size.height, GetParam().size.width);
   Utilities::CropCaptureImage(capture, GetParam().translation, {{5, 6}, GetParam().size});
   EXPECT_TRUE(SameBits(capture, ExpectedCapture(GetParam().size, GetParam().transparent)));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Seams, StraightCropCaptureImage,
+    Seams, CroppingAfterAStraightScroll,
     testing::Values(StraightCrop{"ContentMovedUp", {50, 100}, {-40, 0}, {0, 0, 50, 31}},
                     StraightCrop{"ContentMovedDown", {50, 100}, {40, 0}, {0, 70, 50, 30}},
                     StraightCrop{"OddOverlapTruncates", {50, 101}, {-40, 0}, {0, 0, 50, 31}},
@@ -206,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(
                     StraightCrop{"NoMotionClearsTheFirstHalf", {100, 50}, {0, 0}, {0, 0, 51, 50}}),
     [](const auto& test) { return test.param.name; });
 
-TEST(CropCaptureImage, EqualsTheWalkForRandomSizesAndTranslations) {
+TEST(Cropping, EqualsTheWalkForRandomSizesAndTranslations) {
   cv::RNG random(5);
   for (int i = 0; i < 800; ++i) {
     const cv::Size size(random.uniform(2, 90), random.uniform(2, 90));
@@ -220,9 +220,9 @@ TEST(CropCaptureImage, EqualsTheWalkForRandomSizesAndTranslations) {
   }
 }
 
-class CropWithoutOverlap : public testing::TestWithParam<Translation> {};
+class CroppingWithoutOverlap : public testing::TestWithParam<Translation> {};
 
-TEST_P(CropWithoutOverlap, TellsOfItAndLeavesTheCapture) {
+TEST_P(CroppingWithoutOverlap, TellsOfItAndLeavesTheCapture) {
   cv::Mat capture = NoiseCapture({20, 10}, 10);
   const cv::Mat before = capture.clone();
   const StreamCapture errors(std::cerr);
@@ -232,7 +232,7 @@ TEST_P(CropWithoutOverlap, TellsOfItAndLeavesTheCapture) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    TranslationsPastTheCapture, CropWithoutOverlap,
+    TranslationsPastTheCapture, CroppingWithoutOverlap,
     testing::Values(Translation(12, 0), Translation(-12, 0), Translation(0, 22),
                     Translation(0, -22), Translation(-11, -3), Translation(3, -21),
                     Translation(std::numeric_limits<int>::min(), 0),

@@ -13,6 +13,7 @@
 #include <testkit/RecordingListener.h>
 #include <testkit/ScriptedDetector.h>
 #include <testkit/StreamCapture.h>
+#include <testkit/VirtualSlots.h>
 
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
@@ -403,6 +404,13 @@ TEST(BasicStitcher, CropsByTheTranslationOfTheIndex) {
   pipeline.stitcher.CropSourceImage(image, 1, cv::Rect(0, 0, 20, 100));
   EXPECT_EQ(cv::countNonZero(image.rowRange(70, 100).reshape(1)), 0);
   EXPECT_EQ(cv::countNonZero(image.rowRange(0, 70).reshape(1)), 70 * 20 * 4);
+}
+
+TEST(BasicStitcher, HasItsOwnOperationInTheLastVirtualSlot) {
+  struct Slots : BasicStitcher {
+    static size_t OfBuild() { return Testing::SlotOf(&Slots::BuildResultImage); }
+  };
+  EXPECT_EQ(Slots::OfBuild(), 4U);
 }
 
 TEST(BasicStitcher, BuildsThroughItsVirtualOperation) {

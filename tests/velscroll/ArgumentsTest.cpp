@@ -53,19 +53,46 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUsage{"UnknownOrientation",
                    {Capture, "-o", "page.png", "--orientation", "sideways"},
                    "vertical, horizontal or both"},
+        WrongUsage{"UnknownEngine",
+                   {Capture, "-o", "page.png", "--engine", "guess"},
+                   "'guess'; use exact or phase-correlation"},
+        WrongUsage{"UnknownFixed",
+                   {Capture, "-o", "page.png", "--fixed", "twice"},
+                   "'twice'; use once or keep"},
+        WrongUsage{"BordersWithExactJoins",
+                   {Capture, "-o", "page.png", "--borders"},
+                   "--borders needs --engine phase-correlation"},
+        WrongUsage{"FixedWithPhaseCorrelation",
+                   {Capture, "-o", "page.png", "--engine", "phase-correlation", "--fixed", "keep"},
+                   "--fixed needs --engine exact"},
+        WrongUsage{"SplitIntoNothing", {Capture, "-o", "page.png", "--split", "0"}, "--split"},
+        WrongUsage{"TooMuchQuality",
+                   {Capture, "-o", "page.jpg", "--jpeg-quality", "101"},
+                   "from 1 to 100, not '101'"},
+        WrongUsage{"LevelTooHigh", {Capture, "-o", "page.png", "--png-level", "10"}, "from 0 to 9"},
+        WrongUsage{
+            "UnknownColour", {Capture, "-o", "page.png", "--background", "nice"}, "--background"},
+        WrongUsage{"JoinsThatAreNotThere",
+                   {Capture, "-o", "page.png", "--joins", "none.json"},
+                   "none.json"},
+        WrongUsage{"TwoResultsToStandardOutput", {Capture, "-o", "-", "--report", "-"}, "'-'"},
         WrongUsage{"NoExtension", {Capture, "-o", "page"}, "has no extension; use one of .png"},
         WrongUsage{"UnknownExtension", {Capture, "-o", "page.doc"}, "use one of .png"},
         WrongUsage{"DifferenceTooLarge",
-                   {Capture, "-o", "page.png", "--borders", "--difference-threshold", "256"},
+                   {Capture, "-o", "page.png", "--engine", "phase-correlation", "--borders",
+                    "--difference-threshold", "256"},
                    "from 0 to 255, not '256'"},
         WrongUsage{"DifferenceNegative",
-                   {Capture, "-o", "page.png", "--borders", "--difference-threshold=-1"},
+                   {Capture, "-o", "page.png", "--engine", "phase-correlation", "--borders",
+                    "--difference-threshold=-1"},
                    "from 0 to 255, not '-1'"},
         WrongUsage{"TooManyNeighbors",
-                   {Capture, "-o", "page.png", "--borders", "--neighbor-threshold", "9"},
+                   {Capture, "-o", "page.png", "--engine", "phase-correlation", "--borders",
+                    "--neighbor-threshold", "9"},
                    "from 0 to 8, not '9'"},
         WrongUsage{"NeighborsInWords",
-                   {Capture, "-o", "page.png", "--borders", "--neighbor-threshold", "few"},
+                   {Capture, "-o", "page.png", "--engine", "phase-correlation", "--borders",
+                    "--neighbor-threshold", "few"},
                    "from 0 to 8, not 'few'"},
         WrongUsage{"ThresholdWithoutBorders",
                    {Capture, "-o", "page.png", "--difference-threshold", "10"},
@@ -124,10 +151,29 @@ TEST_F(Arguments, HelpTellsEveryOption) {
   const Testing::ProgramResult result = Run({"--help"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.standardError, "");
-  for (const char* const option :
-       {"--output", "--orientation", "--consistent", "--threads", "--keep-repeats", "--borders",
-        "--difference-threshold", "--neighbor-threshold", "--memory-limit", "--spill-folder",
-        "--preview", "--preview-size", "--report", "--quiet", "--version"}) {
+  for (const char* const option : {"--output",
+                                   "--engine",
+                                   "--fixed",
+                                   "--joins",
+                                   "--strict",
+                                   "--split",
+                                   "--background",
+                                   "--jpeg-quality",
+                                   "--png-level",
+                                   "--orientation",
+                                   "--consistent",
+                                   "--threads",
+                                   "--keep-repeats",
+                                   "--borders",
+                                   "--difference-threshold",
+                                   "--neighbor-threshold",
+                                   "--memory-limit",
+                                   "--spill-folder",
+                                   "--preview",
+                                   "--preview-size",
+                                   "--report",
+                                   "--quiet",
+                                   "--version"}) {
     EXPECT_THAT(result.standardOutput, HasSubstr(option));
   }
 }
@@ -147,14 +193,26 @@ TEST_F(Arguments, OneLineTellsWhatWasWritten) {
   EXPECT_EQ(result.standardError, "");
 }
 
-TEST_F(Arguments, QuietPrintsNothing) {
+TEST_F(Arguments, QuietPrintsNoSummary) {
   WriteScroll();
-  for (const char* const quiet : {"-q", "--quiet"}) {
+  for (const char* const quiet : {"-q", "--quiet", "-qq"}) {
     const Testing::ProgramResult result = Run({"capture-*.png", quiet, "-o", "page.png"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.standardOutput, "");
     EXPECT_EQ(result.standardError, "");
   }
+}
+
+TEST_F(Arguments, QuietOnceKeepsWarningsAndTwiceDropsThem) {
+  WriteCapture("1.png", 0);
+  WriteCapture("2.png", 250);
+  const auto errorsWith = [this](std::vector<std::string> quiet) {
+    quiet.insert(quiet.end(), {"1.png", "2.png", "-o", "page.png"});
+    return Run(quiet).standardError;
+  };
+  EXPECT_THAT(errorsWith({"-q"}), HasSubstr("warning"));
+  EXPECT_EQ(errorsWith({"-qq"}), "");
+  EXPECT_EQ(errorsWith({"--quiet", "--quiet"}), "");
 }
 
 TEST_F(Arguments, DefaultsAreTheLibrarysButForTheThreads) {
@@ -181,7 +239,7 @@ TEST_F(Arguments, OrientationLimitsTheMotion) {
   WriteCapture("a.png", 0, 0);
   WriteCapture("b.png", 20, 30);
   const auto motion = [this](const std::string& orientation) {
-    return Report({"a.png", "b.png", "--orientation", orientation})
+    return Report({"a.png", "b.png", "--engine", "phase-correlation", "--orientation", orientation})
         .at("captures")
         .at(1)
         .at("translation");
@@ -200,7 +258,7 @@ TEST_F(Arguments, ConsistentPrefersTheStepBefore) {
   page(cv::Rect(0, 50, otherColumns, last.rows)).copyTo(last.colRange(0, otherColumns));
   WriteImage("c.png", last);
   const auto lastMotion = [this](std::vector<std::string> options) {
-    options.insert(options.end(), {"a.png", "b.png", "c.png"});
+    options.insert(options.end(), {"a.png", "b.png", "c.png", "--engine", "phase-correlation"});
     return Report(options).at("captures").at(2).at("translation").at("rows");
   };
   EXPECT_EQ(lastMotion({}), -20);

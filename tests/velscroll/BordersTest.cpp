@@ -23,6 +23,12 @@ class Borders : public Testing::ProgramTest {
     }
   }
 
+  /// The options that borders take, and what else is given.
+  static std::vector<std::string> WithBorders(std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--engine", "phase-correlation", "--borders"});
+    return arguments;
+  }
+
   static json Bars() {
     return {{"contentBox", {{"row", Toolbar}, {"column", 0}, {"rows", 60}, {"columns", 96}}},
             {"top", Toolbar},
@@ -34,7 +40,7 @@ class Borders : public Testing::ProgramTest {
 
 TEST_F(Borders, AreLaidOnceAroundWhatScrolls) {
   WriteBorderedScroll();
-  const auto result = Run({"capture-*.png", "-o", "page.png", "--borders"});
+  const auto result = Run(WithBorders({"capture-*.png", "-o", "page.png"}));
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.standardError, "");
   const cv::Mat image = ReadImage("page.png");
@@ -48,7 +54,7 @@ TEST_F(Borders, AreLaidOnceAroundWhatScrolls) {
 
 TEST_F(Borders, AreInTheReport) {
   WriteBorderedScroll();
-  const json report = Report({"capture-*.png", "--borders"});
+  const json report = Report(WithBorders({"capture-*.png"}));
   EXPECT_EQ(report.at("borders"), Bars());
   EXPECT_EQ(report.at("settings").at("borders"),
             (json{{"differenceThreshold", 10}, {"neighborThreshold", 2}}));
@@ -57,17 +63,27 @@ TEST_F(Borders, AreInTheReport) {
 
 TEST_F(Borders, AreNullInTheReportUnlessAskedFor) {
   WriteBorderedScroll();
-  const json report = Report({"capture-*.png"});
+  const json report = Report({"capture-*.png", "--engine", "phase-correlation"});
   EXPECT_EQ(report.at("borders"), nullptr);
   EXPECT_EQ(report.at("settings").at("borders"), nullptr);
 }
 
 TEST_F(Borders, ThatAreNotThereAreTold) {
   WriteScroll();
-  const auto result = Run({"capture-*.png", "-o", "page.png", "--borders"});
+  const auto result = Run(WithBorders({"capture-*.png", "-o", "page.png"}));
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.standardOutput, HasSubstr("no borders found"));
   EXPECT_EQ(result.standardError, "");
+}
+
+TEST_F(Borders, ThatStandStillAreShownOnceByExactJoinsUnlessTheyAreToBeKept) {
+  WriteBorderedScroll();
+  ASSERT_EQ(Run({"capture-*.png", "-o", "once.png"}).status, 0);
+  ASSERT_EQ(Run({"capture-*.png", "-o", "keep.png", "--fixed", "keep"}).status, 0);
+  const cv::Mat once = ReadImage("once.png");
+  const cv::Mat expected = page(cv::Rect(0, 0, 96, 100));
+  EXPECT_EQ(cv::norm(once.rowRange(Toolbar, 112), expected, cv::NORM_INF), 0);
+  EXPECT_GT(cv::norm(ReadImage("keep.png").rowRange(Toolbar, 112), expected, cv::NORM_INF), 0);
 }
 
 TEST_F(Borders, FollowTheThresholds) {
@@ -75,7 +91,7 @@ TEST_F(Borders, FollowTheThresholds) {
   // No pixel changes by more than 255, and none has more than 8 neighbours.
   for (const std::vector<std::string>& threshold :
        {std::vector<std::string>{"--difference-threshold", "255"}, {"--neighbor-threshold", "8"}}) {
-    std::vector<std::string> arguments = {"capture-*.png", "--borders"};
+    std::vector<std::string> arguments = WithBorders({"capture-*.png"});
     arguments.insert(arguments.end(), threshold.begin(), threshold.end());
     EXPECT_EQ(Report(arguments).at("borders"), nullptr);
   }

@@ -44,8 +44,8 @@ TEST_P(Signals, CancelWhileCapturesAreRead) {
   Testing::ProgramProcess program(pipeArguments, setting);
   const int pipe = open(PathOf("pipe.png").c_str(), O_WRONLY);  // returns when the program reads
   program.Signal(GetParam());
+  const Testing::ProgramResult result = program.Wait();  // although nothing comes from the pipe
   close(pipe);
-  const Testing::ProgramResult result = program.Wait();
   EXPECT_EQ(result.status, 130);
   Testing::ExpectOneLine(result);
   EXPECT_THAT(result.standardError, HasSubstr("cancelled"));
@@ -58,7 +58,9 @@ TEST_P(Signals, CancelTheStitch) {
   Testing::ProgramSetting setting;
   setting.folder = folder.Prefix();
   setting.hasTerminal = true;
-  Testing::ProgramProcess program({"capture-*.bmp", "-o", "page.png", "--threads", "1"}, setting);
+  Testing::ProgramProcess program(
+      {"capture-*.bmp", "-o", "page.png", "--threads", "1", "--engine", "phase-correlation"},
+      setting);
   ASSERT_TRUE(program.WaitForOnTerminal("Stitching"));
   program.Signal(GetParam());
   const Testing::ProgramResult result = program.Wait();

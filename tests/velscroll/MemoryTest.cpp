@@ -13,7 +13,8 @@ class Memory : public Testing::ProgramTest {
                      const std::string& complaint) const {
     const auto before = Names();
     std::vector<std::string> arguments = captures;
-    arguments.insert(arguments.end(), {"-o", "page.png", "--threads", "1"});
+    arguments.insert(arguments.end(),
+                     {"-o", "page.png", "--threads", "1", "--engine", "phase-correlation"});
     Testing::ProgramSetting setting;
     setting.memoryLimit = limit;
     const Testing::ProgramResult result = Run(arguments, setting);

@@ -99,9 +99,7 @@ TEST_P(TooLargeForFormat, IsToldWithAFormatThatWouldDo) {
 INSTANTIATE_TEST_SUITE_P(
     Limits, TooLargeForFormat,
     ::testing::Values(
-        Excess{"PngRows", {1, 1000001}, "p.png", "1000000 rows or columns", "(.tif)"},
-        Excess{"PngColumns", {1000001, 1}, "p.png", "1000000 rows or columns", "(.tif)"},
-        Excess{"JpegRows", {1, 65501}, "p.jpg", "65500 rows or columns", "(.png)"},
+        Excess{"JpegRows", {1, 65501}, "p.jpg", "65500 rows or columns", "--split 65500"},
         Excess{"JpegColumns", {65501, 1}, "p.jpeg", "65500 rows or columns", "(.png)"},
         Excess{"WebPRows", {1, 16384}, "p.webp", "16383 rows or columns", "(.png)"},
         Excess{"WebPColumns", {16384, 1}, "p.webp", "16383 rows or columns", "(.png)"}),

@@ -1,17 +1,28 @@
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <sys/types.h>
+#include <velscroll/files/FileDescriptor.h>
 #include <velscroll/input/FileContent.h>
 #include <velscroll/terminal/Failure.h>
-#include <velscroll/terminal/FileDescriptor.h>
 #include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {
 namespace {
 
 constexpr size_t PieceSize = size_t{1} << 20U;
+
+/// Returns when something can be read. The system interrupts only one thread's waiting, so each
+/// looks for itself whether it is to go on.
+void WaitForContent(const FileDescriptor& file) {
+  constexpr int LongestWaitMilliseconds = 100;
+  struct pollfd waiting = {file.Number(), POLLIN, 0};
+  while (::poll(&waiting, 1, LongestWaitMilliseconds) == 0) {
+    StopIfInterrupted();
+  }
+}
 
 [[noreturn]] void Refuse(const std::string& path, int errorNumber) {
   StopIfInterrupted();
@@ -22,7 +33,7 @@ constexpr size_t PieceSize = size_t{1} << 20U;
 }  // namespace
 
 std::vector<unsigned char> ReadFile(const std::string& path) {
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!file.IsOpen()) {
     Refuse(path, errno);
   }
@@ -30,8 +41,9 @@ std::vector<unsigned char> ReadFile(const std::string& path) {
   while (true) {
     const size_t length = content.size();
     content.resize(length + PieceSize);
+    WaitForContent(file);
     const ssize_t got = ::read(file.Number(), content.data() + length, PieceSize);
-    if (got < 0 && errno != EINTR) {
+    if (got < 0 && errno != EINTR && errno != EAGAIN) {
       Refuse(path, errno);
     }
     StopIfInterrupted();

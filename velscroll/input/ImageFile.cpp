@@ -1,109 +1,22 @@
-#include <algorithm>
-#include <array>
-#include <string_view>
-#include <vector>
-
-#include <opencv2/imgcodecs.hpp>
-#include <opencv2/imgproc.hpp>
+#include <velscroll/input/CaptureDecoding.h>
 #include <velscroll/input/FileContent.h>
 #include <velscroll/input/ImageFile.h>
-#include <velscroll/input/JpegEnd.h>
-#include <velscroll/input/Premultiplication.h>
 #include <velscroll/terminal/Failure.h>
-#include <velscroll/terminal/Silence.h>
 
 namespace ScrollingCapture::Program {
-namespace {
 
-/// What files of the common formats start with. WebP shares its start with other media files.
-constexpr std::array<std::string_view, 6> Signatures = {"\x89PNG",    "\xFF\xD8\xFF", "RIFF",
-                                                        {"II*\0", 4}, {"MM\0*", 4},   "BM"};
-
-bool StartsLikeAnImage(const std::vector<unsigned char>& file) {
-  return std::any_of(Signatures.begin(), Signatures.end(), [&file](std::string_view signature) {
-    return file.size() >= signature.size() &&
-           std::equal(signature.begin(), signature.end(), file.begin(),
-                      [](char expected, unsigned char found) {
-                        return static_cast<unsigned char>(expected) == found;
-                      });
-  });
-}
-
-[[noreturn]] void RefuseDamaged(const std::string& path) {
-  throw BadInput(Quoted(path) + " is damaged or cut short; save the capture again or leave it out");
-}
-
-cv::Mat Decode(const std::string& path, const std::vector<unsigned char>& file) {
+CaptureImage ReadCapture(const std::string& path) {
   try {
-    const Silence silence;
-    return cv::imdecode(file, cv::IMREAD_UNCHANGED);
+    const std::vector<unsigned char> file = ReadFile(path);
+    return {DecodeCapture(file), MetadataOf(file)};
+  } catch (const UnusableImage& unusable) {
+    throw BadInput(Quoted(path) + " " + unusable.what());
   } catch (const cv::Exception& error) {
-    if (error.code == cv::Error::StsNoMem) {
-      throw Failed("not enough memory to read " + Quoted(path));
+    if (error.code != cv::Error::StsNoMem) {
+      throw;
     }
-    throw BadInput(Quoted(path) +
-                   " is damaged, or larger than images may be (1048576 rows or columns, 1073741824 "
-                   "pixels); cut it into smaller captures");
+    throw Failed("not enough memory to read " + Quoted(path));
   }
-}
-
-/// To 8 bits a channel, so that the brightest value stays the brightest.
-void ReduceDepth(const std::string& path, cv::Mat& image) {
-  constexpr double Brightest = 255.0;
-  constexpr double From16Bits = Brightest / 65535.0;
-  switch (image.depth()) {
-    case CV_8U:
-      break;
-    case CV_16U:
-      image.convertTo(image, CV_8U, From16Bits);
-      break;
-    case CV_32F:
-    case CV_64F:
-      image.convertTo(image, CV_8U, Brightest);
-      break;
-    default:
-      throw BadInput(Quoted(path) + " has pixels of an unusual kind; save it as a PNG file");
-  }
-}
-
-cv::Mat ToRgba(const std::string& path, const cv::Mat& image) {
-  cv::Mat capture;
-  switch (image.channels()) {
-    case 1:
-      cv::cvtColor(image, capture, cv::COLOR_GRAY2RGBA);
-      break;
-    case 3:
-      cv::cvtColor(image, capture, cv::COLOR_BGR2RGBA);
-      break;
-    case 4:
-      cv::cvtColor(image, capture, cv::COLOR_BGRA2RGBA);
-      break;
-    default:
-      throw BadInput(Quoted(path) + " has " + std::to_string(image.channels()) +
-                     " channels, but grey, colour, or colour with alpha is needed; save it as a "
-                     "PNG file");
-  }
-  return capture;
-}
-
-}  // namespace
-
-cv::Mat ReadCapture(const std::string& path) {
-  const std::vector<unsigned char> file = ReadFile(path);
-  if (IsJpegCutShort(file)) {
-    RefuseDamaged(path);
-  }
-  cv::Mat image = Decode(path, file);
-  if (image.empty()) {
-    if (StartsLikeAnImage(file)) {
-      RefuseDamaged(path);
-    }
-    throw BadInput(Quoted(path) + " is not an image that can be read; leave it out");
-  }
-  ReduceDepth(path, image);
-  cv::Mat capture = ToRgba(path, image);
-  Premultiply(capture);
-  return capture;
 }
 
 }  // namespace ScrollingCapture::Program

@@ -3,14 +3,18 @@
 #include <string>
 
 #include <opencv2/core.hpp>
+#include <velscroll/output/metadata/ImageMetadata.h>
 
 namespace ScrollingCapture::Program {
 
-/// Reads an image file as a capture: CV_8UC4 with the channels red, green, blue and premultiplied
-/// alpha. Grey, palette, 16-bit and 3-channel images are converted; floating-point values count
-/// from 0 to 1.
-///
-/// Throws BadInput when the file cannot be read, is no image, is damaged or is cut short.
-cv::Mat ReadCapture(const std::string& path);
+/// What an image file holds.
+struct CaptureImage {
+  cv::Mat pixels;  ///< as DecodeCapture gives them
+  ImageMetadata metadata;
+};
+
+/// Reads an image file as a capture. Throws BadInput when it cannot be read or is no usable image,
+/// Failed when memory runs out, and Cancelled when the user stops the work.
+CaptureImage ReadCapture(const std::string& path);
 
 }  // namespace ScrollingCapture::Program

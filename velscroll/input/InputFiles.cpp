@@ -6,6 +6,7 @@
 #include <string_view>
 #include <system_error>
 
+#include <velscroll/files/SameFile.h>
 #include <velscroll/input/InputFiles.h>
 #include <velscroll/input/NaturalOrder.h>
 #include <velscroll/terminal/Failure.h>
@@ -131,15 +132,6 @@ std::vector<std::string> FindCaptureFiles(const std::vector<std::string>& names,
     }
   }
   return files;
-}
-
-bool IsSameFile(const std::string& first, const std::string& second) {
-  std::error_code error;
-  if (fs::equivalent(first, second, error) && !error) {
-    return true;
-  }
-  const fs::path firstPath = fs::weakly_canonical(fs::absolute(first, error), error);
-  return !error && firstPath == fs::weakly_canonical(fs::absolute(second, error), error) && !error;
 }
 
 }  // namespace ScrollingCapture::Program

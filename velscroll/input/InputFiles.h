@@ -15,7 +15,4 @@ namespace ScrollingCapture::Program {
 std::vector<std::string> FindCaptureFiles(const std::vector<std::string>& names,
                                           const std::vector<std::string>& outputs);
 
-/// Whether two paths name the same file, which need not exist.
-bool IsSameFile(const std::string& first, const std::string& second);
-
 }  // namespace ScrollingCapture::Program

@@ -1,6 +1,6 @@
 #include <opencv2/imgproc.hpp>
-#include <velscroll/input/Premultiplication.h>
 #include <velscroll/output/FilePixels.h>
+#include <velscroll/pixels/Premultiplication.h>
 
 namespace ScrollingCapture::Program {
 

@@ -4,10 +4,16 @@
 #include <velscroll/output/OrderedWork.h>
 
 namespace ScrollingCapture::Program {
+namespace {
 
-OrderedWork::OrderedWork(unsigned int threads) : mostItems(threads > 1 ? 2 * size_t{threads} : 1) {
+constexpr size_t MostThreads = 16;
+
+}  // namespace
+
+OrderedWork::OrderedWork(unsigned int threads)
+    : mostItems(threads > 1 ? 2 * std::min(size_t{threads}, MostThreads) : 1) {
   try {
-    while (helpers.size() + 1 < threads) {
+    while (helpers.size() + 1 < std::min(size_t{threads}, MostThreads)) {
       helpers.emplace_back([this] { Help(); });
     }
   } catch (...) {

@@ -18,7 +18,8 @@ namespace ScrollingCapture::Program {
 /// belong to one thread.
 class OrderedWork {
  public:
-  /// @param threads how many work at once, the one that adds items included; at least 1
+  /// @param threads how many work at once at most, the one that adds items included; at least 1.
+  /// More than 16 do not: what they hold would take much memory.
   explicit OrderedWork(unsigned int threads);
   OrderedWork(const OrderedWork&) = delete;
   OrderedWork& operator=(const OrderedWork&) = delete;

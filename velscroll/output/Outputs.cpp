@@ -1,10 +1,18 @@
-#include <velscroll/input/InputFiles.h>
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include <velscroll/files/SameFile.h>
 #include <velscroll/output/Outputs.h>
+#include <velscroll/output/Pieces.h>
+#include <velscroll/output/staging/StagedStandardOutput.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {
 namespace {
+
+bool IsStandardOutput(const std::string& name) { return name == StagedStandardOutput::Argument; }
 
 /// The file that comes last would replace the others.
 void RequireDifferentFiles(const std::vector<std::string>& names) {
@@ -20,55 +28,76 @@ void RequireDifferentFiles(const std::vector<std::string>& names) {
 
 }  // namespace
 
-Outputs::ImageOutput::ImageOutput(const std::string& path)
-    : path(path), format(FormatOf(path)), file(path) {}
-
-void Outputs::ImageOutput::Stage(cv::Mat& image) {
-  RequireFits(format, image.size(), path);
-  const std::vector<unsigned char> encoded = Encode(format, image, path);
-  file.Stage(encoded.data(), encoded.size());
-}
-
-Outputs::Outputs(const Arguments& arguments)
-    : image(arguments.output), reportPath(arguments.report) {
-  if (!arguments.preview.empty()) {
-    preview.emplace(arguments.preview);
+Outputs::Outputs(const OutputSettings& asked) : settings(asked) {
+  PictureFormatOf(asked.image);
+  if (TakesPreview()) {
+    PictureFormatOf(asked.preview);
   }
-  if (!arguments.report.empty()) {
-    report.emplace(arguments.report);
+  const std::vector<std::string> names = Names();
+  for (const std::string& name : names) {
+    MakeStagedOutput(name);
   }
-  RequireDifferentFiles(Names());
+  RequireDifferentFiles(names);
 }
 
 std::vector<std::string> Outputs::Names() const {
-  std::vector<std::string> names = {image.path};
-  if (preview) {
-    names.push_back(preview->path);
+  std::vector<std::string> names;
+  const auto isAsked = [](const std::string& name) { return !name.empty(); };
+  const std::initializer_list<std::string> all = {settings.image, settings.preview,
+                                                  settings.report};
+  std::copy_if(all.begin(), all.end(), std::back_inserter(names), isAsked);
+  return names;
+}
+
+bool Outputs::UseStandardOutput() const {
+  const std::vector<std::string> names = Names();
+  return std::any_of(names.begin(), names.end(), IsStandardOutput);
+}
+
+std::string Outputs::NameOfPart(size_t part, size_t count) const {
+  return count == 1 ? settings.image : PieceName(settings.image, part + 1);
+}
+
+void Outputs::RequireWritable(const std::vector<cv::Size>& parts) const {
+  if (parts.size() > 1 && IsStandardOutput(settings.image)) {
+    throw Failed("the picture is in " + std::to_string(parts.size()) +
+                 " parts, which cannot all go to standard output; name a file with -o FILE");
   }
-  if (report) {
-    names.push_back(reportPath);
+  for (const cv::Size& size : parts) {
+    Program::RequireWritable({settings.image, settings.encoding, {}, settings.mostRowsPerFile},
+                             size);
+  }
+}
+
+std::vector<std::string> Outputs::StagePart(const std::string& name, const Picture& picture,
+                                            const ImageMetadata& metadata,
+                                            const RowProgress& progress) {
+  std::vector<std::string> names;
+  for (auto& file : StagePicture(
+           picture, {name, settings.encoding, metadata, settings.mostRowsPerFile}, progress)) {
+    names.push_back(file->Name());
+    staged.push_back(std::move(file));
   }
   return names;
 }
 
-void Outputs::StageImage(cv::Mat picture) { image.Stage(picture); }
-
-void Outputs::StagePreview(cv::Mat picture) { preview->Stage(picture); }
+void Outputs::StagePreview(const cv::Mat& picture) {
+  const auto goOn = [](int /*rows*/) {};
+  auto files =
+      StagePicture(PictureOf(picture), {settings.preview, settings.encoding, {}, {}}, goOn);
+  std::move(files.begin(), files.end(), std::back_inserter(staged));
+}
 
 void Outputs::StageReport(const std::string& text) {
-  if (report) {
-    report->Stage(text.data(), text.size());
-  }
+  staged.push_back(MakeStagedOutput(settings.report));
+  staged.back()->Append(text.data(), text.size());
+  staged.back()->Close();
 }
 
 void Outputs::Commit() {
   StopIfInterrupted();
-  image.file.Commit();
-  if (preview) {
-    preview->file.Commit();
-  }
-  if (report) {
-    report->Commit();
+  for (const auto& output : staged) {
+    output->Commit();
   }
 }
 

@@ -104,10 +104,9 @@ std::string PictureFormatList() {
 
 void RequireHolds(const PictureFormat& format, const cv::Size& size, const std::string& path) {
   if (!Holds(format, size)) {
-    throw Failed("cannot write " + Quoted(path) + ": the stitched image has " +
-                 std::to_string(size.width) + " x " + std::to_string(size.height) +
-                 " pixels, but " + format.name + " holds at most " + LimitOf(format) + "; " +
-                 Advice(format, size));
+    throw Failed("cannot write " + Quoted(path) + ": an image of " + std::to_string(size.width) +
+                 " x " + std::to_string(size.height) + " pixels is too large for " + format.name +
+                 ", which holds at most " + LimitOf(format) + "; " + Advice(format, size));
   }
 }
 

@@ -1,10 +1,10 @@
 #include <algorithm>
 
-#include <velscroll/input/Premultiplication.h>
 #include <velscroll/output/PictureWriting.h>
 #include <velscroll/output/Pieces.h>
 #include <velscroll/output/Strips.h>
 #include <velscroll/output/staging/StagedStandardOutput.h>
+#include <velscroll/pixels/Premultiplication.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Interruption.h>
 

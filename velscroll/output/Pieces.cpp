@@ -6,6 +6,7 @@
 
 #include <velscroll/output/Pieces.h>
 #include <velscroll/output/Strips.h>
+#include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -22,6 +23,7 @@ bool IsOfOneColour(const cv::Mat& row) {
 int LowestRowOfOneColour(const Picture& picture, int first, int last) {
   const int stripRows = RowsPerStrip(picture.size);
   for (int end = last + 1; end > first; end -= stripRows) {
+    StopIfInterrupted();
     const int begin = std::max(first, end - stripRows);
     const cv::Mat rows = picture.render({0, begin, picture.size.width, end - begin});
     for (int row = end - 1; row >= begin; --row) {

@@ -1,4 +1,5 @@
 #include <nlohmann/json.hpp>
+#include <velscroll/arguments/SettingNames.h>
 #include <velscroll/report/Report.h>
 
 namespace ScrollingCapture::Program {
@@ -6,11 +7,11 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-const char* StateName(CaptureOutcome::State state) {
+const char* StateName(ReportedCapture::State state) {
   switch (state) {
-    case CaptureOutcome::Repeated:
+    case ReportedCapture::Repeated:
       return "repeated";
-    case CaptureOutcome::LeftOut:
+    case ReportedCapture::LeftOut:
       return "left out";
     default:
       return "kept";
@@ -19,29 +20,45 @@ const char* StateName(CaptureOutcome::State state) {
 
 Json RowsAndColumns(int rows, int columns) { return {{"rows", rows}, {"columns", columns}}; }
 
-Json Describe(const Overlap& overlap) {
-  Json described = RowsAndColumns(overlap.rows, overlap.columns);
-  described["correlation"] = overlap.correlation ? Json(*overlap.correlation) : Json();
-  described["agrees"] = overlap.Agrees();
+Json Describe(const Join& join) {
+  Json described = {{"verdict", NameOf(join.verdict)},
+                    {"rows", join.motion.GetRows()},
+                    {"columns", join.motion.GetCols()},
+                    {"compared", join.compared},
+                    {"equal", join.equal},
+                    {"alternatives", Json::array()}};
+  for (const Translation& motion : join.alternatives) {
+    described["alternatives"].push_back(RowsAndColumns(motion.GetRows(), motion.GetCols()));
+  }
   return described;
 }
 
-Json Describe(const CaptureOutcome& capture, bool isFirst) {
-  const Translation& translation = capture.translation;
+Json Describe(const ReportedCapture& capture) {
+  const auto& join = capture.join;
   return {
       {"file", capture.file},
       {"state", StateName(capture.state)},
+      {"part", capture.part + 1},
       {"translation",
-       isFirst ? Json() : RowsAndColumns(translation.GetRows(), translation.GetCols())},
+       join ? RowsAndColumns(join->motion.GetRows(), join->motion.GetCols()) : Json()},
       {"place", {{"row", capture.place.row}, {"column", capture.place.column}}},
-      {"overlap", capture.overlap ? Describe(*capture.overlap) : Json()},
+      {"join", join ? Describe(*join) : Json()},
   };
 }
 
-Json DescribeAll(const std::vector<CaptureOutcome>& captures) {
+Json Describe(const ReportedPart& part) {
+  Json described = {{"file", part.file}, {"width", part.size.width}, {"height", part.size.height}};
+  if (part.pieces.size() > 1) {
+    described["pieces"] = part.pieces;
+  }
+  return described;
+}
+
+template <typename Items>
+Json DescribeAll(const Items& items) {
   Json described = Json::array();
-  for (const CaptureOutcome& capture : captures) {
-    described.push_back(Describe(capture, described.empty()));
+  for (const auto& item : items) {
+    described.push_back(Describe(item));
   }
   return described;
 }
@@ -51,18 +68,20 @@ Json Describe(const BorderThresholds& thresholds) {
           {"neighborThreshold", thresholds.neighbors}};
 }
 
-Json Describe(const Arguments& settings) {
+Json Describe(const SessionSettings& settings) {
   return {
+      {"engine", NameOf(settings.engine)},
       {"orientation", NameOf(settings.orientation)},
       {"consistent", settings.expectConsistentTranslations},
       {"threads", settings.threadCount},
       {"keepRepeats", settings.keepRepeats},
+      {"fixed", settings.engine == Engine::Exact ? Json(NameOf(settings.fixedParts)) : Json()},
       {"borders", settings.borders ? Describe(*settings.borders) : Json()},
       {"memoryLimit", settings.memoryLimit ? Json(*settings.memoryLimit) : Json()},
   };
 }
 
-Json Describe(const Borders& borders) {
+Json Describe(const FixedBorders& borders) {
   const cv::Rect& box = borders.contentBox;
   return {
       {"contentBox",
@@ -85,14 +104,12 @@ Json Describe(const StageSeconds& seconds) {
 
 }  // namespace
 
-std::string ReportText(const Arguments& arguments, const ReportContent& content) {
+std::string ReportText(const ReportContent& content) {
   const Json report = {
       {"version", VELSCROLL_VERSION},
-      {"result",
-       {{"file", arguments.output},
-        {"width", content.resultSize.width},
-        {"height", content.resultSize.height}}},
-      {"settings", Describe(arguments)},
+      {"result", content.parts.size() == 1 ? Describe(content.parts.front()) : Json()},
+      {"parts", DescribeAll(content.parts)},
+      {"settings", Describe(content.settings)},
       {"borders", content.borders ? Describe(*content.borders) : Json()},
       {"captures", DescribeAll(content.captures)},
       {"warnings", content.warnings},

@@ -5,9 +5,10 @@
 #include <vector>
 
 #include <opencv2/core.hpp>
-#include <velscroll/arguments/Arguments.h>
-#include <velscroll/report/CaptureOutcome.h>
-#include <velscroll/stitch/RecordedBorders.h>
+#include <velscroll/report/ReportedCapture.h>
+
+#include <VelScrollingCapture/session/SessionResult.h>
+#include <VelScrollingCapture/session/SessionSettings.h>
 
 namespace ScrollingCapture::Program {
 
@@ -19,17 +20,25 @@ struct StageSeconds {
   double writing = 0;
 };
 
+/// A part of the picture as it was written.
+struct ReportedPart {
+  std::string file;
+  cv::Size size;
+  std::vector<std::string> pieces;  ///< the files it was cut into; only itself unless it was cut
+};
+
 /// All that the report tells.
 struct ReportContent {
-  cv::Size resultSize;
-  std::optional<Borders> borders;
-  std::vector<CaptureOutcome> captures;
+  std::vector<ReportedPart> parts;
+  SessionSettings settings;
+  std::optional<FixedBorders> borders;
+  std::vector<ReportedCapture> captures;
   std::vector<std::string> warnings;  ///< the program's own
   std::vector<std::string> remarks;   ///< the library's
   StageSeconds seconds;
 };
 
 /// The report as JSON text, with an end of line. docs/report.md tells what the fields mean.
-std::string ReportText(const Arguments& arguments, const ReportContent& content);
+std::string ReportText(const ReportContent& content);
 
 }  // namespace ScrollingCapture::Program

@@ -1,12 +1,12 @@
-#include <iostream>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include <velscroll/stitch/StageClock.h>
 #include <velscroll/stitch/StitchRun.h>
 #include <velscroll/terminal/Failure.h>
+#include <velscroll/terminal/HeldMessages.h>
 #include <velscroll/terminal/Interruption.h>
-#include <velscroll/terminal/StreamHold.h>
 
 #include <VelScrollingCapture/core/IStitcherListener.h>
 
@@ -17,7 +17,7 @@ namespace {
 /// stitch failed.
 class RunListener : public IStitcherListener {
  public:
-  explicit RunListener(ProgressBar& progress) : progress(progress) {}
+  explicit RunListener(Console& console) : console(console) {}
 
   /// While translations are detected, the calls come from worker threads: the first one from the
   /// thread that called the stitcher tells that they are all found.
@@ -25,7 +25,7 @@ class RunListener : public IStitcherListener {
     if (!detectionSeconds && std::this_thread::get_id() == caller) {
       detectionSeconds = clock.Lap();
     }
-    progress.Show("Stitching", percent);
+    console.ShowProgress("Stitching", percent);
     return !InterruptionRequested();
   }
 
@@ -44,7 +44,7 @@ class RunListener : public IStitcherListener {
   }
 
  private:
-  ProgressBar& progress;
+  Console& console;
   const std::thread::id caller = std::this_thread::get_id();
   StageClock clock;
   std::optional<double> detectionSeconds;
@@ -63,24 +63,17 @@ class RunListener : public IStitcherListener {
 
 }  // namespace
 
-Stitched RunStitch(IStitcher& stitcher, IImageProvider& captures, ProgressBar& progress) {
+Stitched RunStitch(CaptureSession& session, Console& console) {
   Stitched stitched;
-  RunListener listener(progress);
-  bool success = false;
-  {
-    StreamHold standardError(std::cerr);
-    StreamHold standardOutput(std::cout);
-    success = stitcher.Stitch(captures, stitched.image, &listener, 0, 100, false);
-    stitched.remarks = standardError.Lines();
-    for (const std::string& line : standardOutput.Lines()) {
-      stitched.remarks.push_back(line);
-    }
-  }
-  if (!success) {
+  RunListener listener(console);
+  const HeldMessages messages;
+  std::optional<SessionResult> result = session.Stitch(&listener);
+  stitched.remarks = messages.Lines();
+  if (!result) {
     ExplainFailure(listener, stitched.remarks);
   }
   listener.FillTimes(stitched);
-  stitched.translations = stitcher.GetTranslations();
+  stitched.result = std::move(*result);
   return stitched;
 }
 

@@ -10,6 +10,7 @@ enum ExitStatus : int {
   Done = 0,
   WorkFailed = 1,
   WrongUsage = 2,
+  DoneInParts = 3,  ///< since captures are missing in between
   WasCancelled = 130,
 };
 

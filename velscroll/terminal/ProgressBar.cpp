@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cstring>
-#include <unistd.h>
 
 #include <velscroll/terminal/ProgressBar.h>
+#include <velscroll/terminal/Silence.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -11,14 +11,6 @@ constexpr const char* ClearLine = "\r\033[K";
 constexpr int Whole = 100;
 constexpr int Width = 40;
 constexpr size_t StageWidth = 11;
-
-bool IsTerminal() { return ::isatty(STDERR_FILENO) == 1; }
-
-/// Not through std::cerr, which is held back while the library works. A bar that cannot be written
-/// is no reason to stop.
-void Write(const char* text, size_t length) {
-  [[maybe_unused]] const ssize_t ignored = ::write(STDERR_FILENO, text, length);
-}
 
 std::string Line(std::string stage, int percent) {
   stage.resize(StageWidth, ' ');
@@ -29,13 +21,9 @@ std::string Line(std::string stage, int percent) {
 
 }  // namespace
 
-ProgressBar::ProgressBar(bool wanted) : visible(wanted && IsTerminal()) {}
+ProgressBar::ProgressBar(bool wanted) : visible(wanted && UserHasTerminal()) {}
 
-ProgressBar::~ProgressBar() {
-  if (!shown.empty()) {
-    ClearProgressLine();
-  }
-}
+ProgressBar::~ProgressBar() { Hide(); }
 
 void ProgressBar::Show(const std::string& stage, int percent) {
   if (!visible) {
@@ -45,13 +33,20 @@ void ProgressBar::Show(const std::string& stage, int percent) {
   if (line != shown) {
     shown = line;
     const std::string text = ClearLine + line;
-    Write(text.data(), text.size());
+    TellUser(text.data(), text.size());
+  }
+}
+
+void ProgressBar::Hide() {
+  if (!shown.empty()) {
+    shown.clear();
+    ClearProgressLine();
   }
 }
 
 void ClearProgressLine() {
-  if (IsTerminal()) {
-    Write(ClearLine, std::strlen(ClearLine));
+  if (UserHasTerminal()) {
+    TellUser(ClearLine, std::strlen(ClearLine));
   }
 }
 

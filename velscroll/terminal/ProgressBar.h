@@ -20,6 +20,9 @@ class ProgressBar {
   /// @param percent how much of it is done, from 0 to 100
   void Show(const std::string& stage, int percent);
 
+  /// Clears the line until the next Show.
+  void Hide();
+
  private:
   bool visible;
   std::string shown;

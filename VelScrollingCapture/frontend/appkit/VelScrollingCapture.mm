@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <utility>
 
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
@@ -167,7 +167,7 @@ NSImage* ImageOf(const PlatformImage& image) try {
   const std::optional<PlatformImage> image = _state->capture->stitchAndReturnFinalImage();
   NSBitmapImageRep* const bitmap = image ? [self bitmapImageRepresentation:ImageOf(*image)] : nil;
   if (image && bitmap == nil) {
-    std::cerr << "Error: The stitched image does not fit into a bitmap." << std::endl;
+    ScrollingCapture::TellError("Error: The stitched image does not fit into a bitmap.");
   }
   return bitmap;
 }

@@ -34,12 +34,14 @@ int SelectingZeroBits(const cv::Size& size, int channels) {
 }
 
 CaptureAnchors FindAnchors(const cv::Mat& capture) {
-  CaptureAnchors found{capture.size(), capture.type(), {}};
-  std::vector<Anchor> anchors = SelectPatches(
+  Selection selection = SelectPatches(
       capture, SelectingZeroBits(capture.size(), capture.channels()), Vectors::Widest);
-  RadixSort(anchors, [](const Anchor& anchor) { return anchor.hash; });
-  found.anchors.assign(anchors.begin(), anchors.end());
-  return found;
+  RadixSort(selection.anchors, [](const Anchor& anchor) { return anchor.hash; });
+  // Narrower captures than a patch are not looked at.
+  const bool arePixelsKeys = capture.channels() == 4 && capture.cols > PatchSide &&
+                             !selection.hasColouredTransparentPixels;
+  return {capture.size(), capture.type(),
+          std::vector<Anchor>(selection.anchors.begin(), selection.anchors.end()), arePixelsKeys};
 }
 
 }  // namespace ScrollingCapture

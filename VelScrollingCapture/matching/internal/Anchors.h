@@ -17,15 +17,18 @@ struct Anchor {
   std::uint32_t position;  ///< of its top-left pixel: row times the capture's width, plus column
 };
 
-/// The anchors of one capture: of all its patches those whose hash ends in some zero bits, so that
-/// the same content gives the same anchors wherever it lies (S. Schleimer, D. S. Wilkerson,
-/// A. Aiken, "Winnowing: Local Algorithms for Document Fingerprinting", SIGMOD 2003). Patches that
-/// equal their neighbour to the left or above are left out: they say nothing about the motion along
-/// that axis.
+/// The anchors of one capture: of all its patches those whose hash, once spread, begins with some
+/// zero bits, so that the same content gives the same anchors wherever it lies (S. Schleimer, D. S.
+/// Wilkerson, A. Aiken, "Winnowing: Local Algorithms for Document Fingerprinting", SIGMOD 2003).
+/// Patches that equal their neighbour to the left or above are left out: they say nothing about the
+/// motion along that axis.
 struct CaptureAnchors {
   cv::Size size;                ///< of the capture
   int type = 0;                 ///< of the capture
   std::vector<Anchor> anchors;  ///< ordered by hash
+
+  /// Whether the capture has four channels and all its transparent pixels are 0.
+  bool arePixelsKeys = false;
 
   cv::Point PlaceOf(const Anchor& anchor) const {
     const auto width = static_cast<std::uint32_t>(size.width);
@@ -41,8 +44,8 @@ inline cv::Point CentreOf(const cv::Point& place) {
 /// Throws std::invalid_argument unless the capture has pixels of 8 bits in 1, 3 or 4 channels.
 void RequireUsableCapture(const cv::Mat& capture);
 
-/// How many zero bits the hash of an anchor ends in: fewer in small captures, which have few
-/// patches to choose from. Eight bytes an anchor then stay far below the size of the capture.
+/// How many zero bits the spread hash of an anchor begins with: fewer in small captures, which have
+/// few patches to choose from. Eight bytes an anchor then stay far below the size of the capture.
 int SelectingZeroBits(const cv::Size& size, int channels);
 
 /// The anchors of a capture that RequireUsableCapture accepts.

@@ -52,7 +52,7 @@ bool IsMarkedInEarlier(const cv::Mat& marks, const cv::Rect& pixels) {
 }
 
 cv::Mat UniqueCells(const std::vector<Match>& matches, const cv::Point& motion,
-                      const cv::Size& cells) {
+                    const cv::Size& cells) {
   cv::Mat agreeing = cv::Mat::zeros(cells, CV_8UC1);
   for (const Match& match : matches) {
     if (match.motion == motion) {
@@ -67,8 +67,9 @@ cv::Mat ContradictingCells(const Comparison& comparison, const cv::Point& motion
                            const StandingParts& parts, int& standing) {
   cv::Mat contradicting = cv::Mat::zeros(comparison.unequal.size(), CV_8UC1);
   for (int row = 0; row < contradicting.rows; ++row) {
+    const auto* const unequal = comparison.unequal.ptr<unsigned char>(row);
     for (int column = 0; column < contradicting.cols; ++column) {
-      if (comparison.unequal.at<unsigned char>(row, column) == 0) {
+      if (unequal[column] == 0) {
         continue;
       }
       const cv::Rect pixels =
@@ -93,7 +94,8 @@ cv::Mat AgreeingCells(const Comparison& comparison, const cv::Mat& detailed,
   const cv::Point end = comparison.overlap.br() / CellSide;
   if (first.x < end.x && first.y < end.y) {
     const cv::Rect whole(first, end);
-    agreeing(whole) = detailed(whole) & (comparison.unequal(whole) == 0) & (parts.later(whole) == 0);
+    agreeing(whole) =
+        detailed(whole) & (comparison.unequal(whole) == 0) & (parts.later(whole) == 0);
   }
   return agreeing;
 }
@@ -104,13 +106,25 @@ struct Tiles {
   int notMore = 0;
 };
 
+/// How many cells of a tile are marked.
+int CountMarked(const cv::Mat& cells, const cv::Rect& tile) {
+  int marked = 0;
+  for (int row = tile.y; row < tile.br().y; ++row) {
+    const auto* const line = cells.ptr<unsigned char>(row);
+    for (int column = tile.x; column < tile.br().x; ++column) {
+      marked += static_cast<int>(line[column] != 0);
+    }
+  }
+  return marked;
+}
+
 Tiles CompareTiles(const cv::Mat& one, const cv::Mat& other, int tileCells, const cv::Rect& part) {
   Tiles tiles;
   for (int row = part.y; row < part.br().y; row += tileCells) {
     for (int column = part.x; column < part.br().x; column += tileCells) {
       const cv::Rect tile = cv::Rect(column, row, tileCells, tileCells) & part;
-      const int left = cv::countNonZero(one(tile));
-      const int right = cv::countNonZero(other(tile));
+      const int left = CountMarked(one, tile);
+      const int right = CountMarked(other, tile);
       tiles.more += static_cast<int>(left > right);
       tiles.notMore += static_cast<int>(right > 0 && right >= left);
     }
@@ -123,7 +137,7 @@ cv::Rect AllOf(const cv::Mat& cells) { return {{0, 0}, cells.size()}; }
 }  // namespace
 
 bool Finding::IsPlausible(bool isDominant) const {
-  if (unique < LeastUnique) {
+  if (unique < LeastUnique || standing > MostExcuses * std::min(unique, witnesses)) {
     return false;
   }
   if (tilesUnique >= tilesAgainstUnique) {
@@ -134,10 +148,7 @@ bool Finding::IsPlausible(bool isDominant) const {
          (isDominant && unique >= ManyUnique && 2 * tilesAgreeing >= tilesAgainst);
 }
 
-bool Finding::IsClean() const {
-  return contradicting * SmallContradiction <= unique && standing <= MostExcuses * witnesses &&
-         standing <= MostExcuses * unique;
-}
+bool Finding::IsClean() const { return contradicting * SmallContradiction <= unique; }
 
 bool Finding::IsPossible() const {
   return agreeing >= LeastPossible && standing <= agreeing &&

@@ -6,11 +6,11 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include <VelScrollingCapture/matching/internal/CorrelationCandidates.h>
 #include <VelScrollingCapture/matching/internal/PairStudy.h>
 #include <VelScrollingCapture/matching/internal/PixelKeys.h>
 #include <VelScrollingCapture/matching/internal/SeenAnchors.h>
 #include <VelScrollingCapture/matching/internal/TolerantProof.h>
+#include <VelScrollingCapture/matching/internal/TolerantSearch.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -20,7 +20,7 @@ constexpr std::size_t MostCandidates = 8;
 constexpr std::size_t MostRepeatedCandidates = 32;
 
 /// Fewer votes can not reach the cells that a motion needs.
-constexpr int LeastVotes = 8;
+constexpr int LeastVotes = 12;
 
 /// So many votes are no accident, even where many anchors vote otherwise.
 constexpr int ManyVotes = 48;
@@ -34,16 +34,6 @@ constexpr int Dominance = 8;
 constexpr int StrongEvidence = 24;
 
 constexpr std::size_t MostEvidence = 32;
-
-bool AreNeighbours(const cv::Point& one, const cv::Point& other) {
-  return std::abs(one.x - other.x) <= 1 && std::abs(one.y - other.y) <= 1;
-}
-
-/// A motion that parts of a window may have beside the content's: none, or along one axis only.
-bool IsPartOf(const cv::Point& part, const cv::Point& motion) {
-  return part == cv::Point(0, 0) || part == cv::Point(motion.x, 0) ||
-         part == cv::Point(0, motion.y);
-}
 
 cv::Mat GreyOf(const cv::Mat& capture) {
   cv::Mat grey;
@@ -61,8 +51,8 @@ class PairStudyRun {
       : earlier(earlier),
         later(later),
         settings(settings),
-        earlierKeys(PixelKeysOf(earlier.pixels)),
-        laterKeys(PixelKeysOf(later.pixels)),
+        earlierKeys(PixelKeysOf(earlier.pixels, earlier.anchors.arePixelsKeys)),
+        laterKeys(PixelKeysOf(later.pixels, later.anchors.arePixelsKeys)),
         matches(UniqueMatches(earlier.anchors, later.anchors, settings.orientation)),
         counted(CountMotions(matches)),
         proof(earlierKeys, laterKeys, matches) {}
@@ -85,8 +75,9 @@ class PairStudyRun {
       join.alternatives.clear();
       join.verdict = Verdict::None;
     }
-    join.motion = prescribed;
-    Measure(motion, join);
+    std::vector<cv::Point> rivals(join.alternatives.size());
+    std::transform(join.alternatives.begin(), join.alternatives.end(), rivals.begin(), ToPoint);
+    SetMotions(motion, rivals, join);
     found.evidence.clear();
     return found;
   }
@@ -102,94 +93,35 @@ class PairStudyRun {
   }
 
  private:
-  PairMatch ByCorrelation() {
+  PairMatch ByCorrelation() const {
     const cv::Mat earlierGrey = GreyOf(earlier.pixels);
     const cv::Mat laterGrey = GreyOf(later.pixels);
-    const TolerantProof tolerant(earlierGrey, laterGrey);
-    std::vector<TolerantFinding> plausible;
-    for (const cv::Point& motion : TolerantCandidates(earlierGrey, laterGrey)) {
-      AddPlausible(tolerant, motion, plausible);
+    TolerantSearch search(earlierGrey, laterGrey, settings.orientation,
+                          [this](const cv::Point& motion) { return IsSupported(motion); });
+    std::vector<cv::Point> proposed;
+    for (std::size_t i = 0; i < std::min(counted.size(), MostCandidates / 2); ++i) {
+      proposed.push_back(counted[i].motion);
     }
-    if (plausible.empty()) {
+    const std::optional<FoundMotion> found = search.Run(proposed);
+    if (!found) {
       return {};
     }
-    AddPeriods(tolerant, laterGrey, plausible);
-    const std::size_t best = BestOf(plausible);
     PairMatch match;
-    match.join.verdict = Verdict::Likely;
-    match.join.motion = ToTranslation(plausible[best].motion);
-    for (const TolerantFinding& rival : plausible) {
-      if (!IsExcused(rival.motion, plausible[best].motion) &&
-          !plausible[best].Outclasses(rival) && !TolerantProof::Beats(plausible[best], rival)) {
-        match.join.verdict = Verdict::Doubtful;
-        match.join.alternatives.push_back(ToTranslation(rival.motion));
-      }
-    }
-    Measure(plausible[best].motion, match.join);
+    match.join.verdict = found->rivals.empty() ? Verdict::Likely : Verdict::Doubtful;
+    SetMotions(found->motion, found->rivals, match.join);
     return match;
   }
 
-  void AddPlausible(const TolerantProof& tolerant, const cv::Point& motion,
-                    std::vector<TolerantFinding>& plausible) const {
-    const bool isKnown = std::any_of(plausible.begin(), plausible.end(),
-                                     [&](const auto& known) { return known.motion == motion; });
-    if (!isKnown) {
-      TolerantFinding finding = tolerant.Examine(motion);
-      if (finding.IsPlausible(IsSupported(motion))) {
-        plausible.push_back(std::move(finding));
-      }
-    }
-  }
-
-  /// Where content repeats itself within a capture, the next repetitions are tried as well.
-  void AddPeriods(const TolerantProof& tolerant, const cv::Mat& laterGrey,
-                  std::vector<TolerantFinding>& plausible) const {
-    const cv::Point motion = plausible[BestOf(plausible)].motion;
-    for (const cv::Point& period :
-         CorrelationCandidates(laterGrey, laterGrey, settings.orientation)) {
-      AddPlausible(tolerant, motion + period, plausible);
-    }
-  }
-
-  /// The finding that beats most of the others, and of equal ones that which explains most.
-  static std::size_t BestOf(const std::vector<TolerantFinding>& findings) {
-    const auto wins = [&](const TolerantFinding& one) {
-      return std::count_if(findings.begin(), findings.end(), [&](const TolerantFinding& other) {
-        return AreClose(one.motion, other.motion) ? one.explained > other.explained
-                                                  : TolerantProof::Beats(one, other);
-      });
-    };
-    const auto best = std::max_element(
-        findings.begin(), findings.end(), [&](const auto& left, const auto& right) {
-          return std::pair(wins(left), left.explained) < std::pair(wins(right), right.explained);
-        });
-    return static_cast<std::size_t>(best - findings.begin());
-  }
-
-  static bool AreClose(const cv::Point& one, const cv::Point& other) {
-    return std::max(std::abs(one.x - other.x), std::abs(one.y - other.y)) <= 2;
-  }
-
-  static bool IsExcused(const cv::Point& rival, const cv::Point& motion) {
-    return AreClose(rival, motion) || IsPartOf(rival, motion);
-  }
-
-  void Measure(const cv::Point& motion, Join& join) const {
+  /// Fills in a join under a motion, whose rivals come in any order.
+  void SetMotions(const cv::Point& motion, std::vector<cv::Point> rivals, Join& join) const {
+    std::sort(rivals.begin(), rivals.end(), IsSmaller);
     const Comparison comparison = Compare(earlierKeys, laterKeys, motion, Vectors::Widest);
+    join.motion = ToTranslation(motion);
     join.compared = comparison.Compared();
     join.equal = comparison.equal;
-  }
-
-  std::vector<cv::Point> TolerantCandidates(const cv::Mat& earlierGrey,
-                                            const cv::Mat& laterGrey) const {
-    std::vector<cv::Point> candidates =
-        CorrelationCandidates(earlierGrey, laterGrey, settings.orientation);
-    for (std::size_t i = 0; i < std::min(counted.size(), MostCandidates / 2); ++i) {
-      if (std::find(candidates.begin(), candidates.end(), counted[i].motion) == candidates.end()) {
-        candidates.push_back(counted[i].motion);
-      }
-    }
-    return candidates;
+    join.alternatives.clear();
+    std::transform(rivals.begin(), rivals.end(), std::back_inserter(join.alternatives),
+                   ToTranslation);
   }
 
   std::optional<PairMatch> ByUniqueAnchors() {
@@ -231,7 +163,7 @@ class PairStudyRun {
 
   bool IsDominant(const cv::Point& motion) const {
     const auto rival = std::find_if(counted.begin(), counted.end(), [&](const auto& other) {
-      return !AreNeighbours(other.motion, motion) && !IsPartOf(other.motion, motion);
+      return !AreNeighbours(other.motion, motion) && !IsMotionOfPart(other.motion, motion);
     });
     const int votes = VotesFor(motion);
     return votes > 0 && (rival == counted.end() || votes >= Dominance * rival->votes);
@@ -258,23 +190,10 @@ class PairStudyRun {
     const cv::Mat laterGrey = GreyOf(later.pixels);
     const TolerantProof tolerant(earlierGrey, laterGrey);
     const double explained = tolerant.Examine(finding.motion).explained;
-    const std::vector<cv::Point> neighbours = NeighboursOf(finding.motion);
+    const std::vector<cv::Point> neighbours = NeighboursOf(finding.motion, settings.orientation);
     return std::none_of(neighbours.begin(), neighbours.end(), [&](const cv::Point& neighbour) {
       return tolerant.Examine(neighbour).explained > explained;
     });
-  }
-
-  std::vector<cv::Point> NeighboursOf(const cv::Point& motion) const {
-    std::vector<cv::Point> neighbours;
-    for (int y = -1; y <= 1; ++y) {
-      for (int x = -1; x <= 1; ++x) {
-        const cv::Point neighbour = motion + cv::Point(x, y);
-        if (neighbour != motion && IsAllowed(neighbour, settings.orientation)) {
-          neighbours.push_back(neighbour);
-        }
-      }
-    }
-    return neighbours;
   }
 
   PairMatch Judge(const Finding& finding, const std::vector<CountedMotion>& candidates) {
@@ -282,7 +201,7 @@ class PairStudyRun {
     bool isDrawnAnew = false;
     for (const CountedMotion& candidate : candidates) {
       const cv::Point& rival = candidate.motion;
-      if (rival == finding.motion || IsPartOf(rival, finding.motion) ||
+      if (rival == finding.motion || IsMotionOfPart(rival, finding.motion) ||
           proof.Beats(finding.motion, rival)) {
         continue;
       }
@@ -297,14 +216,8 @@ class PairStudyRun {
 
   PairMatch Accept(const Finding& finding, const std::vector<cv::Point>& rivals, bool isDrawnAnew) {
     PairMatch match;
-    match.join.motion = ToTranslation(finding.motion);
-    match.join.compared = finding.comparison.Compared();
-    match.join.equal = finding.comparison.equal;
-    for (const cv::Point& rival : rivals) {
-      match.join.alternatives.push_back(ToTranslation(rival));
-    }
-    const bool isProven =
-        finding.IsClean() && !isDrawnAnew && finding.unique >= StrongEvidence;
+    SetMotions(finding.motion, rivals, match.join);
+    const bool isProven = finding.IsClean() && !isDrawnAnew && finding.unique >= StrongEvidence;
     match.join.verdict = !rivals.empty() ? Verdict::Doubtful
                          : isProven      ? Verdict::Proven
                                          : Verdict::Likely;
@@ -344,24 +257,20 @@ class PairStudyRun {
       return std::nullopt;
     }
     if (survivors.size() == 1) {
-      for (const cv::Point& neighbour : NeighboursOf(survivors.front().motion)) {
+      for (const cv::Point& neighbour : NeighboursOf(survivors.front().motion, settings.orientation)) {
         Finding finding = proof.Examine(neighbour);
         if (finding.IsPossible()) {
           survivors.push_back(std::move(finding));
         }
       }
     }
-    std::sort(survivors.begin(), survivors.end(), [](const auto& left, const auto& right) {
-      return IsSmaller(left.motion, right.motion);
-    });
+    std::vector<cv::Point> motions(survivors.size());
+    std::transform(survivors.begin(), survivors.end(), motions.begin(),
+                   [](const Finding& finding) { return finding.motion; });
+    std::sort(motions.begin(), motions.end(), IsSmaller);
     PairMatch match;
-    match.join.verdict = survivors.size() > 1 ? Verdict::Doubtful : Verdict::Likely;
-    match.join.motion = ToTranslation(survivors.front().motion);
-    match.join.compared = survivors.front().comparison.Compared();
-    match.join.equal = survivors.front().comparison.equal;
-    for (std::size_t i = 1; i < survivors.size(); ++i) {
-      match.join.alternatives.push_back(ToTranslation(survivors[i].motion));
-    }
+    match.join.verdict = motions.size() > 1 ? Verdict::Doubtful : Verdict::Likely;
+    SetMotions(motions.front(), {motions.begin() + 1, motions.end()}, match.join);
     return match;
   }
 
@@ -388,8 +297,7 @@ PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& lat
 }
 
 Join PreferRepetition(Join join, const Translation& stepBefore) {
-  const auto repeated =
-      std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
+  const auto repeated = std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
   if (join.verdict == Verdict::Doubtful && repeated != join.alternatives.end()) {
     std::swap(join.motion, *repeated);
   }

@@ -18,10 +18,10 @@ constexpr int StripPixels = StripPatches + PatchSide - 1;
 
 /// Selections are looked through eight at a time.
 constexpr int SelectionsAtOnce = 8;
-constexpr int Selections = (StripPatches + SelectionsAtOnce - 1) / SelectionsAtOnce * SelectionsAtOnce;
+constexpr int Selections =
+    (StripPatches + SelectionsAtOnce - 1) / SelectionsAtOnce * SelectionsAtOnce;
 
 /// Odd numbers with their bits well spread.
-constexpr std::uint32_t SpreadPixel = 0x9E3779B1U;
 constexpr std::array<std::uint32_t, 4> ColumnFactors = {0x85EBCA77U, 0xC2B2AE3DU, 0x27D4EB2FU,
                                                         0x165667B1U};
 constexpr std::uint32_t RowFactor = 0x2C1B3C6DU;
@@ -39,9 +39,21 @@ struct Strip {
   std::array<std::array<std::uint32_t, StripPatches>, PatchSide> lastRows;
   std::array<std::uint32_t, StripPatches> hashes;
   std::array<std::uint8_t, Selections> selected;
+  std::uint32_t hidden;  ///< not 0 once a transparent pixel had a colour
 };
 
-/// row[i] becomes the hash of the `columns` pixels from i on, by joining two halves.
+/// A row of pixels, for so many patches.
+struct PixelRow {
+  const unsigned char* pixels;
+  int channels;
+  int patches;
+};
+
+/// Lets the upper bits of a key, such as those of one colour, count as much as the lower ones,
+/// which reach further in products.
+[[gnu::always_inline]] inline std::uint32_t Folded(std::uint32_t key) { return key ^ key >> 13; }
+
+/// row[i] becomes the hash of twice as many pixels from i on, by joining two halves.
 [[gnu::always_inline]] inline void DoubleColumns(std::uint32_t* row, int count, int half,
                                                  std::uint32_t factor) {
   for (int i = 0; i < count; ++i) {
@@ -49,17 +61,16 @@ struct Strip {
   }
 }
 
-/// Takes in one row of pixel keys, of as many patches as `patches`: hashes becomes those of the
-/// patches that end with it.
-[[gnu::always_inline]] inline void AddRow(Strip& strip, int patches, int ringRow,
-                                          std::uint32_t mask) {
+/// Takes in one row of pixels: the hashes become those of the patches that end with it.
+[[gnu::always_inline]] inline void AddRow(Strip& strip, const PixelRow& added, int ringRow,
+                                          std::uint32_t limit) {
   std::uint32_t* const row = strip.row.data();
+  const int patches = added.patches;
   const int pixels = patches + PatchSide - 1;
-  for (int i = 0; i < pixels; ++i) {
-    const std::uint32_t key = row[i] * SpreadPixel;
-    row[i] = (key ^ key >> 15) * SpreadHash;
+  strip.hidden |= WritePixelKeys(added.pixels, added.channels, pixels, row);
+  for (int i = 0; i < pixels - 1; ++i) {
+    row[i] = Folded(row[i]) * ColumnFactors[0] + Folded(row[i + 1]);
   }
-  DoubleColumns(row, pixels - 1, 1, ColumnFactors[0]);
   DoubleColumns(row, pixels - 3, 2, ColumnFactors[1]);
   DoubleColumns(row, pixels - 7, 4, ColumnFactors[2]);
   DoubleColumns(row, patches, 8, ColumnFactors[3]);
@@ -76,23 +87,21 @@ struct Strip {
   }
   for (int i = 1; i < patches; ++i) {
     const std::uint32_t hash = hashes[i];
-    std::uint32_t mixed = (hash ^ hash >> 15) * SpreadHash;
-    mixed ^= mixed >> 13;
-    const bool isChosen = (mixed & mask) == 0;
+    const bool isChosen = hash * SpreadHash <= limit;
     const bool differs = static_cast<int>(row[i] != 0) & static_cast<int>(hash != hashes[i - 1]);
     selected[i] = static_cast<std::uint8_t>(static_cast<int>(isChosen) & static_cast<int>(differs));
   }
 }
 
-using RowAdder = void (*)(Strip&, int patches, int ringRow, std::uint32_t mask);
+using RowAdder = void (*)(Strip&, const PixelRow&, int ringRow, std::uint32_t limit);
 
-void AddRowPlainly(Strip& strip, int patches, int ringRow, std::uint32_t mask) {
-  AddRow(strip, patches, ringRow, mask);
+void AddRowPlainly(Strip& strip, const PixelRow& added, int ringRow, std::uint32_t limit) {
+  AddRow(strip, added, ringRow, limit);
 }
 
-SCROLLING_CAPTURE_WIDE_TARGET void AddRowWidely(Strip& strip, int patches, int ringRow,
-                                                std::uint32_t mask) {
-  AddRow(strip, patches, ringRow, mask);
+SCROLLING_CAPTURE_WIDE_TARGET void AddRowWidely(Strip& strip, const PixelRow& added, int ringRow,
+                                                std::uint32_t limit) {
+  AddRow(strip, added, ringRow, limit);
 }
 
 /// Calls take(patch) for each selected patch of the strip but the first.
@@ -113,32 +122,33 @@ void ForEachSelected(const Strip& strip, int patches, Take take) {
 
 }  // namespace
 
-std::vector<Anchor> SelectPatches(const cv::Mat& capture, int zeroBits, Vectors vectors) {
-  std::vector<Anchor> anchors;
+Selection SelectPatches(const cv::Mat& capture, int zeroBits, Vectors vectors) {
+  Selection selection;
   const RowAdder addRow =
       vectors == Vectors::Widest && HasWideVectors() ? AddRowWidely : AddRowPlainly;
-  const std::uint32_t mask = (std::uint32_t{1} << zeroBits) - 1;
+  const std::uint32_t limit = ~std::uint32_t{0} >> zeroBits;
   const int patchColumns = capture.cols - PatchSide + 1;
   for (int left = 0; left + 1 < patchColumns; left += StripColumns) {
     Strip strip{};
     const int patches = std::min(StripPatches, patchColumns - left);
     for (int row = 0; row < capture.rows; ++row) {
-      const auto* const pixels = capture.ptr<unsigned char>(row) + left * capture.elemSize();
-      WritePixelKeys(pixels, capture.channels(), patches + PatchSide - 1, strip.row.data());
-      addRow(strip, patches, row % PatchSide, mask);
+      const auto* const pixels =
+          capture.ptr<unsigned char>(row) + static_cast<std::size_t>(left) * capture.elemSize();
+      addRow(strip, {pixels, capture.channels(), patches}, row % PatchSide, limit);
       const int top = row - PatchSide + 1;
       if (top > 0) {
-        const std::uint32_t start = static_cast<std::uint32_t>(top) *
-                                        static_cast<std::uint32_t>(capture.cols) +
-                                    static_cast<std::uint32_t>(left);
+        const std::uint32_t start =
+            static_cast<std::uint32_t>(top) * static_cast<std::uint32_t>(capture.cols) +
+            static_cast<std::uint32_t>(left);
         ForEachSelected(strip, patches, [&](int patch) {
-          anchors.push_back({strip.hashes[static_cast<std::size_t>(patch)],
-                             start + static_cast<std::uint32_t>(patch)});
+          selection.anchors.push_back({strip.hashes[static_cast<std::size_t>(patch)],
+                                       start + static_cast<std::uint32_t>(patch)});
         });
       }
     }
+    selection.hasColouredTransparentPixels |= strip.hidden != 0;
   }
-  return anchors;
+  return selection;
 }
 
 }  // namespace ScrollingCapture

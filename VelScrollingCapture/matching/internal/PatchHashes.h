@@ -10,9 +10,15 @@
 
 namespace ScrollingCapture {
 
-/// The patches of a capture whose hash ends in `zeroBits` zero bits and that differ from their
-/// neighbours to the left and above, in any order. The colour of fully transparent pixels does not
-/// count.
-std::vector<Anchor> SelectPatches(const cv::Mat& capture, int zeroBits, Vectors vectors);
+/// What SelectPatches finds.
+struct Selection {
+  std::vector<Anchor> anchors;  ///< in any order
+  bool hasColouredTransparentPixels = false;
+};
+
+/// The patches of a capture whose hash, once spread, begins with `zeroBits` zero bits and that
+/// differ from their neighbours to the left and above. The colour of fully transparent pixels does
+/// not count.
+Selection SelectPatches(const cv::Mat& capture, int zeroBits, Vectors vectors);
 
 }  // namespace ScrollingCapture

@@ -11,6 +11,14 @@ int PictureParts::Add() {
   return part;
 }
 
+bool PictureParts::AreSeveral() const {
+  int roots = 0;
+  for (std::size_t part = 0; part < parents.size(); ++part) {
+    roots += static_cast<int>(parents[part].part == static_cast<int>(part));
+  }
+  return roots > 1;
+}
+
 PartPlace PictureParts::Resolve(const PartPlace& place) const {
   PartPlace resolved = place;
   for (Parent parent = parents[static_cast<std::size_t>(resolved.part)];

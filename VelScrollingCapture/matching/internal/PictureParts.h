@@ -12,12 +12,15 @@ struct PartPlace {
   cv::Point place;
 };
 
-/// Parts of a picture, each with coordinates of its own, that may turn out to be one (a disjoint-set
-/// forest whose edges carry offsets).
+/// Parts of a picture, each with coordinates of its own, that may turn out to be one (a
+/// disjoint-set forest whose edges carry offsets).
 class PictureParts {
  public:
   /// Begins a new part.
   int Add();
+
+  /// Whether there are parts that have not turned out to be one.
+  bool AreSeveral() const;
 
   /// The same place in the part that now stands for it.
   PartPlace Resolve(const PartPlace& place) const;

@@ -116,6 +116,28 @@ bool IsAllowed(const cv::Point& motion, ScrollOrientation orientation) {
   }
 }
 
+bool AreNeighbours(const cv::Point& one, const cv::Point& other) {
+  return std::abs(one.x - other.x) <= 1 && std::abs(one.y - other.y) <= 1;
+}
+
+std::vector<cv::Point> NeighboursOf(const cv::Point& motion, ScrollOrientation orientation) {
+  std::vector<cv::Point> neighbours;
+  for (int y = -1; y <= 1; ++y) {
+    for (int x = -1; x <= 1; ++x) {
+      const cv::Point neighbour = motion + cv::Point(x, y);
+      if (neighbour != motion && IsAllowed(neighbour, orientation)) {
+        neighbours.push_back(neighbour);
+      }
+    }
+  }
+  return neighbours;
+}
+
+bool IsMotionOfPart(const cv::Point& part, const cv::Point& motion) {
+  return part == cv::Point(0, 0) || part == cv::Point(motion.x, 0) ||
+         part == cv::Point(0, motion.y);
+}
+
 bool IsSmaller(const cv::Point& left, const cv::Point& right) {
   const auto order = [](const cv::Point& motion) {
     return std::tuple(std::int64_t{std::abs(motion.x)} + std::abs(motion.y), motion.y, motion.x);
@@ -155,7 +177,8 @@ std::vector<CountedMotion> MotionsOfRepeatedAnchors(const CaptureAnchors& earlie
   ForEachSharedHash(earlier, later, [&](const Group& left, const Group& right) {
     const std::size_t rights = std::min(right.Count(), MostPairsOfHash / left.Count());
     if (left.Count() > 1 || right.Count() > 1) {
-      for (auto one = right.first; one != right.first + static_cast<std::ptrdiff_t>(rights); ++one) {
+      for (auto one = right.first; one != right.first + static_cast<std::ptrdiff_t>(rights);
+           ++one) {
         for (auto other = left.first; other != left.last; ++other) {
           const cv::Point motion = later.PlaceOf(*one) - earlier.PlaceOf(*other);
           if (IsAllowed(motion, orientation)) {

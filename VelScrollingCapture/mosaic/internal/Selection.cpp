@@ -15,6 +15,8 @@ namespace ScrollingCapture {
 namespace {
 
 constexpr float Covered = 0.5F;
+constexpr float Surely = 0.85;
+constexpr float Close = 0.05;
 constexpr float Clearly = 0.1F;
 constexpr std::uint32_t Nobody = std::numeric_limits<std::uint32_t>::max();
 
@@ -157,8 +159,11 @@ class Selector {
       equal = equal && value == votes.front().value;
     }
     std::vector<Vote> uncovered;
+    float lowest = 1;
+    for (const Vote& v : votes) lowest = std::min(lowest, v.suspicion);
+    const float limit = lowest < Covered ? Covered : lowest < Surely ? lowest + Close : 0;
     for (const Vote& v : votes) {
-      if (v.suspicion < Covered) {
+      if (v.suspicion < limit) {
         uncovered.push_back(v);
         choice.shown[v.k]++;
         choice.doubt[v.k] += v.suspicion;

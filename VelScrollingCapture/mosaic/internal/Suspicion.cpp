@@ -18,6 +18,13 @@ constexpr float Power = 2;
 constexpr float Near = 0.49F;
 constexpr float Far = 0.4F;
 constexpr float Strength = 64;
+constexpr float Moving = 0.6;
+constexpr float Neutral = 0.85;
+const float Weights[3] = {Moving, Neutral, 1};
+constexpr float Rho = 0.1;
+constexpr int RhoRounds = 8;
+constexpr float Strength2 = 64;
+constexpr float Location = 0.3;
 
 struct Pair {
   size_t first;
@@ -40,6 +47,7 @@ class SuspicionSearch {
     ChoosePairs();
     ChooseTimeNeighbours();
     FindStanding();
+    for (size_t i = 0; i < n; ++i) MarkPlain(i);
     maps.assign(n, cv::Mat());
     for (auto& map : maps) {
       map = cv::Mat(cells, CV_32F, cv::Scalar(0.5));
@@ -50,12 +58,14 @@ class SuspicionSearch {
       Gather(pair);
     }
     for (int round = 0; round < Rounds; ++round) {
+      currentRound = round;
       evidence.assign(n, {});
       for (size_t i = 0; i < n; ++i) {
         evidence[i].blame = cv::Mat::zeros(cells, CV_32F);
         evidence[i].innocent = base[i].clone();
       }
       for (const Block& block : blocks) Weigh(block);
+      ConcludeLocation();
       AddUpRuns();
       for (size_t i = 0; i < n; ++i) {
         Conclude(i);
@@ -126,8 +136,8 @@ class SuspicionSearch {
         MarkDifferences(a->ptr(y), b->ptr(y), w, a->elemSize(), differs.data());
         for (int x = 0; x < w; ++x) {
           if (!differs[x]) {
-            standing[i].at<uchar>(y, x) = 1;
-            standing[next[i]].at<uchar>(y, x) = 1;
+            standing[i].at<uchar>(y, x) = 2;
+            standing[next[i]].at<uchar>(y, x) = 2;
             ++count.at<uchar>(y / CellSize, x / CellSize);
           }
         }
@@ -144,7 +154,7 @@ class SuspicionSearch {
   struct Block {
     std::uint32_t first, second;
     std::uint32_t firstCell, secondCell;
-    std::uint8_t counts[4];
+    std::uint8_t counts[9];
   };
 
   void Weigh(const Block& k) {
@@ -152,12 +162,13 @@ class SuspicionSearch {
     float& blameB = reinterpret_cast<float*>(evidence[k.second].blame.data)[k.secondCell];
     float& innocentA = reinterpret_cast<float*>(evidence[k.first].innocent.data)[k.firstCell];
     float& innocentB = reinterpret_cast<float*>(evidence[k.second].innocent.data)[k.secondCell];
+    const float rho = currentRound < RhoRounds ? 1 : Rho;
     const float ta = reinterpret_cast<float*>(maps[k.first].data)[k.firstCell];
     const float tb = reinterpret_cast<float*>(maps[k.second].data)[k.secondCell];
-    for (int c = 0; c < 4; ++c) {
+    for (int c = 0; c < 9; ++c) {
       if (!k.counts[c]) continue;
-      const float pa = ta * ((c & 1) ? 1.0F : 0.4F);
-      const float pb = tb * ((c & 2) ? 1.0F : 0.4F);
+      const float pa = ta * Weights[c % 3];
+      const float pb = tb * Weights[c / 3];
       const float qa = std::pow(pa, Power);
       const float qb = std::pow(pb, Power);
       const float any = qa + qb + 1e-9F;
@@ -165,9 +176,28 @@ class SuspicionSearch {
       const float rb = qb / any;
       const float n = k.counts[c] * (Floor + (1 - Floor) * std::abs(ra - rb));
       blameA += n * ra;
-      innocentA += n * (1 - ra);
+      innocentA += rho * n * (1 - ra);
       blameB += n * rb;
-      innocentB += n * (1 - rb);
+      innocentB += rho * n * (1 - rb);
+    }
+  }
+
+  void MarkPlain(size_t i) {
+    const auto a = source.Get(i);
+    const size_t e = a->elemSize();
+    const int reach = 4;
+    for (int y = 0; y < a->rows; ++y) {
+      const int up = std::max(0, y - reach);
+      const int down = std::min(a->rows - 1, y + reach);
+      for (int x = 0; x < a->cols; ++x) {
+        const std::uint32_t v = PixelValue(a->ptr(y, x), e);
+        const int left = std::max(0, x - reach);
+        const int right = std::min(a->cols - 1, x + reach);
+        if (v == PixelValue(a->ptr(up, x), e) && v == PixelValue(a->ptr(down, x), e) &&
+            v == PixelValue(a->ptr(y, left), e) && v == PixelValue(a->ptr(y, right), e)) {
+          standing[i].at<uchar>(y, x) = std::min<uchar>(standing[i].at<uchar>(y, x), 1);
+        }
+      }
     }
   }
 
@@ -203,7 +233,7 @@ class SuspicionSearch {
           if (at.second) {
             blocks.push_back({std::uint32_t(pair.first), std::uint32_t(pair.second), ka, kb, {}});
           }
-          ++blocks[at.first->second].counts[sa[xa] + 2 * sb[xb]];
+          ++blocks[at.first->second].counts[sa[xa] + 3 * sb[xb]];
         } else {
           baseA[qa] += ea[k] ? 1.0F : Plain;
           baseB[qb] += eb[k] ? 1.0F : Plain;
@@ -241,10 +271,14 @@ class SuspicionSearch {
   }
 
   void Conclude(size_t i) {
-    const float strength = Strength;
     cv::Mat theta(cells, CV_32F, cv::Scalar(0.2));
-    for (int radius = 8; radius >= 0; radius = radius == 1 ? 0 : radius == 0 ? -1 : radius / 2) {
-      cv::Mat b, g;
+    for (const int radius : {8, 4, 2, 1, 0}) {
+      if (radius == 0) {
+        theta = (1 - Location) * theta + Location * atLocation;
+      }
+      const float strength = radius == 0 ? Strength : Strength2;
+      cv::Mat b;
+      cv::Mat g;
       const cv::Size k(2 * radius + 1, 2 * radius + 1);
       cv::boxFilter(evidence[i].blame, b, -1, k, {-1, -1}, false, cv::BORDER_CONSTANT);
       cv::boxFilter(evidence[i].innocent, g, -1, k, {-1, -1}, false, cv::BORDER_CONSTANT);
@@ -253,6 +287,21 @@ class SuspicionSearch {
       theta = num / den;
     }
     maps[i] = theta;
+  }
+
+  /// What all captures together say of each place of the window.
+  void ConcludeLocation() {
+    cv::Mat b = cv::Mat::zeros(cells, CV_32F);
+    cv::Mat g = b.clone();
+    for (const Evidence& e : evidence) {
+      b += e.blame;
+      g += e.innocent;
+    }
+    cv::boxFilter(b, b, -1, {3, 3}, {-1, -1}, false, cv::BORDER_CONSTANT);
+    cv::boxFilter(g, g, -1, {3, 3}, {-1, -1}, false, cv::BORDER_CONSTANT);
+    cv::Mat num = b + 0.2 * Strength2;
+    cv::Mat den = b + g + Strength2;
+    atLocation = num / den;
   }
 
   const CaptureSource& source;
@@ -265,6 +314,8 @@ class SuspicionSearch {
   std::vector<Evidence> evidence;
   std::vector<Block> blocks;
   std::vector<cv::Mat> base;
+  int currentRound = 0;
+  cv::Mat atLocation;
   std::vector<cv::Mat> maps;
 };
 

@@ -9,15 +9,15 @@
 #include <opencv2/imgproc.hpp>
 #include <testkit/MatrixTesting.h>
 #include <testkit/output/MemorySink.h>
-#include <velscroll/input/Premultiplication.h>
 #include <velscroll/output/RowWriter.h>
+#include <velscroll/pixels/Premultiplication.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
 
 using Program::PictureFormat;
 
-constexpr int LongestSide = 300;
+constexpr int LongestSide = 64;
 
 Program::EncodingSettings AnySettings(FuzzedDataProvider& data) {
   Program::EncodingSettings settings;

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <testkit/StreamCapture.h>
-#include <testkit/faults/FailingAllocator.h>
+#include <testkit/MessageCapture.h>
+#include <testkit/faults/EveryFailure.h>
 #include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/ScrollingCapture.h>
@@ -338,7 +338,7 @@ TEST_F(ObjectiveCCapture, KeepsACaptureOrLeavesItToBeAddedAgainWhereMemoryRunsOu
   AddAll(capture, {captures[0]});
   NSImage* const second = [NSImage imageWithCVMat:captures[1]];
   const auto add = [&](size_t passing) {
-    const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::All);
+    const Testing::FailingMemory memory(passing, Testing::FailingMemory::All);
     [capture addImageToAdapter:second];
     return memory.HasFailed();
   };
@@ -350,41 +350,26 @@ TEST_F(ObjectiveCCapture, KeepsACaptureOrLeavesItToBeAddedAgainWhereMemoryRunsOu
 TEST_F(ObjectiveCCapture, GivesTheWholeImageOrNilWhereMemoryRunsOut) {
   NSImage* const image = [NSImage imageWithCVMat:ScrolledCaptures(1)[0]];
   AddAll(capture, ScrolledCaptures(2));
-  const auto show = [&](size_t passing) {
+  const auto show = [&](Testing::MemoryFault& fault) {
     NSBitmapImageRep *rendered = nil, *preview = nil;
-    bool failed = false;
-    {
-      const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::First);
+    const bool failed = fault.HitsDuring([&] {
       rendered = [capture bitmapImageRepresentation:image];
       preview = [capture currentImagePreview];
-      failed = memory.HasFailed();
-    }
+    });
+    EXPECT_FALSE(fault.HasThrown());
     EXPECT_EQ(rendered == nil || preview == nil, failed);
-    return failed;
   };
-  EXPECT_GT(Testing::CountFailingAttempts(show), 0);
+  Testing::ForEachFailingAllocation(Testing::FailingMemory::First, show);
 }
 
 TEST_F(ObjectiveCCapture, SaysSoWhenTheStitchedImageDoesNotFitIntoABitmap) {
-  const auto stitch = [&](size_t passing) {
-    ::VelScrollingCapture* const other = [[[::VelScrollingCapture alloc] init] autorelease];
-    AddAll(other, ScrolledCaptures(1));
-    NSBitmapImageRep* image = nil;
-    std::string messages;
-    bool failed = false;
-    {
-      const Testing::StreamCapture errors(std::cerr);
-      const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::First);
-      image = [other stitchAndReturnFinalImage];
-      failed = memory.HasFailed();
-      messages = errors.Text();
-    }
-    EXPECT_EQ(image == nil, failed);
-    return failed && messages == "Error: The stitched image does not fit into a bitmap.\n";
-  };
+  AddAll(capture, ScrolledCaptures(1));
+  const Testing::MessageCapture messages;
   // The first allocation is the inner object's own copy of the image.
-  EXPECT_FALSE(stitch(0));
-  EXPECT_TRUE(stitch(1));
+  const Testing::FailingMemory memory(1, Testing::FailingMemory::First);
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+  ASSERT_EQ(messages.Messages().size(), 1U);
+  EXPECT_EQ(messages.Messages()[0].second, "Error: The stitched image does not fit into a bitmap.");
 }
 
 TEST_F(ObjectiveCCapture, RendersGreyIntoColour) {

@@ -97,6 +97,19 @@ TEST_P(WithThreads, OnlySoManyItemsAreHeldAtOnce) {
 INSTANTIATE_TEST_SUITE_P(OrderedWork, WithThreads, ::testing::Values(1U, 2U, 5U),
                          [](const auto& threads) { return std::to_string(threads.param); });
 
+TEST(OrderedWork, HoldsNoMoreThanMemoryAllowsForManyThreads) {
+  std::atomic<int> held = 0;
+  int most = 0;
+  OrderedWork work(1000);
+  for (int i = 0; i < 200; ++i) {
+    most = std::max(most, ++held);
+    work.Add([] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); },
+             [&held] { --held; });
+  }
+  work.Finish();
+  EXPECT_LE(most, 33);
+}
+
 /// Each first step waits for the other.
 TEST(OrderedWork, DoesFirstStepsAtOnce) {
   std::promise<void> one;

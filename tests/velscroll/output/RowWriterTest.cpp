@@ -6,7 +6,7 @@
 #include <testkit/output/ColourProfile.h>
 #include <testkit/output/DrawnPicture.h>
 #include <testkit/output/MemorySink.h>
-#include <velscroll/input/Premultiplication.h>
+#include <velscroll/pixels/Premultiplication.h>
 #include <velscroll/output/RowWriter.h>
 #include <velscroll/terminal/Failure.h>
 

@@ -5,10 +5,10 @@
 
 #include <gmock/gmock.h>
 #include <testkit/TemporaryFolder.h>
+#include <velscroll/files/FileDescriptor.h>
 #include <velscroll/output/staging/StagedOutput.h>
 #include <velscroll/output/staging/StagedStandardOutput.h>
 #include <velscroll/terminal/Failure.h>
-#include <velscroll/terminal/FileDescriptor.h>
 
 namespace ScrollingCapture {
 namespace {

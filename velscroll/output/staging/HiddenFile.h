@@ -5,7 +5,7 @@
 #include <string>
 
 #include <sys/types.h>
-#include <velscroll/terminal/FileDescriptor.h>
+#include <velscroll/files/FileDescriptor.h>
 
 namespace ScrollingCapture::Program {
 
