@@ -31,8 +31,8 @@ class VEL_EXPORT AnchorTranslationDetector : public ITranslationDetector {
 
   /// Places every capture against everything seen before, as MatchSequence does, which also tells
   /// how the listener is called and what is thrown. The translation of a capture that lies in
-  /// another part than the one before is (0, 0); see Captures(). Fewer than two captures are refused
-  /// with a message.
+  /// another part than the one before is (0, 0); see Captures(). Fewer than two captures are
+  /// refused with a message.
   std::vector<Translation> DetectTranslation(IImageProvider& images, IStitcherListener* listener,
                                              int progressStart, int progressEnd) override;
 

@@ -39,8 +39,8 @@ MatchedPair::MatchedPair(const cv::Mat& earlier, const PreparedCapture& earlierP
                          const cv::Mat& later, const PreparedCapture& laterPrepared,
                          const MatchingSettings& settings) {
   RequireSameFormat(earlierPrepared.Anchors(), laterPrepared.Anchors());
-  match = std::make_shared<const PairMatch>(StudyPair(
-      {earlier, earlierPrepared.Anchors()}, {later, laterPrepared.Anchors()}, settings));
+  match = std::make_shared<const PairMatch>(
+      StudyPair({earlier, earlierPrepared.Anchors()}, {later, laterPrepared.Anchors()}, settings));
 }
 
 class CapturePlacer::Implementation {
@@ -153,8 +153,8 @@ class CapturePlacer::Implementation {
     }
     PairMatch doubtful = pair;
     if (index > 1) {
-      doubtful.join = PreferRepetition(std::move(doubtful.join),
-                                       ToTranslation(MotionSinceBefore(index - 1)));
+      doubtful.join =
+          PreferRepetition(std::move(doubtful.join), ToTranslation(MotionSinceBefore(index - 1)));
     }
     return JoinedTo(index - 1, std::move(doubtful));
   }

@@ -12,7 +12,8 @@ enum class Verdict {
   /// The motion is the only one that the pixels allow. What disagrees stands still on the window,
   /// moves along one axis only, or is small.
   Proven,
-  /// The captures do not agree to the pixel (lossy files, text drawn anew, large parts that change),
+  /// The captures do not agree to the pixel (lossy files, text drawn anew, large parts that
+  /// change),
   /// but one motion explains them far better than every other.
   Likely,
   /// Several motions explain the pixels alike. One of them was taken, the others are listed.
@@ -28,8 +29,8 @@ struct Join {
   /// How far the content moved since the capture before, (0, 0) where that is not known.
   Translation motion;
 
-  /// How many pixels were compared under that motion, and how many of them are equal. They are those
-  /// of the overlap that the motion was proven on.
+  /// How many pixels were compared under that motion, and how many of them are equal. They are
+  /// those of the overlap that the motion was proven on.
   std::int64_t compared = 0;
   std::int64_t equal = 0;
 

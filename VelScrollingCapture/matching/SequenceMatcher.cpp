@@ -17,8 +17,8 @@ namespace ScrollingCapture {
 namespace {
 
 /// One run over a sequence. Each thread takes the next capture, prepares it, and matches it with
-/// those of its neighbours that are there already; whoever finds the next pair in order ready places
-/// it.
+/// those of its neighbours that are there already; whoever finds the next pair in order ready
+/// places it.
 class SequenceRun {
  public:
   SequenceRun(IImageProvider& captures, IStitcherListener* listener,
@@ -109,9 +109,7 @@ class SequenceRun {
   bool MustStop() const { return failure != nullptr || isCancelled; }
 
   std::optional<std::size_t> TakeNext(Lock& lock) {
-    changed.wait(lock, [this] {
-      return MustStop() || next == count || next < placed + window;
-    });
+    changed.wait(lock, [this] { return MustStop() || next == count || next < placed + window; });
     if (MustStop() || next == count) {
       return std::nullopt;
     }

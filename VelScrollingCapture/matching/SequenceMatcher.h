@@ -25,11 +25,11 @@ struct SequenceSettings {
 /// threads, and two.
 ///
 /// ProgressCallback comes from any of the threads, one at a time, once for each capture but the
-/// first one as it is placed, and once more from the calling thread with progressEnd. A false answer
-/// stops the work; StitchingError(Cancelled, false) then follows from the calling thread. What a
-/// thread's work throws (captures of different sizes or unusable types: std::invalid_argument; the
-/// provider's exceptions, those of OpenCV, lack of memory, the listener's) is thrown here, once all
-/// threads have ended.
+/// first one as it is placed, and once more from the calling thread with progressEnd. A false
+/// answer stops the work; StitchingError(Cancelled, false) then follows from the calling thread.
+/// What a thread's work throws (captures of different sizes or unusable types:
+/// std::invalid_argument; the provider's exceptions, those of OpenCV, lack of memory, the
+/// listener's) is thrown here, once all threads have ended.
 ///
 /// @param listener hears of progress; may be null, and is not owned
 /// @return one element a capture; empty when cancelled

@@ -19,8 +19,8 @@ cv::Rect OverlapOf(const cv::Size& capture, const cv::Point& motion);
 
 /// What two captures show of the same places.
 struct Comparison {
-  cv::Rect overlap;      ///< in the later capture
-  cv::Mat unequal;       ///< how many pixels of each of its cells disagree (CV_8UC1); 0 outside
+  cv::Rect overlap;        ///< in the later capture
+  cv::Mat unequal;         ///< how many pixels of each of its cells disagree (CV_8UC1); 0 outside
   std::int64_t equal = 0;  ///< how many pixels agree
 
   std::int64_t Compared() const { return std::int64_t{overlap.width} * overlap.height; }

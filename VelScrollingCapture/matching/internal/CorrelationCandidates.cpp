@@ -168,8 +168,7 @@ std::vector<cv::Point> CorrelationCandidates(const cv::Mat& earlier, const cv::M
                                              ScrollOrientation orientation) {
   const int factor = (std::max(later.cols, later.rows) + ReducedSide - 1) / ReducedSide;
   const cv::Size reduced(std::max(1, later.cols / factor), std::max(1, later.rows / factor));
-  const cv::Mat surface =
-      Surface(ReducedDetails(earlier, reduced), ReducedDetails(later, reduced));
+  const cv::Mat surface = Surface(ReducedDetails(earlier, reduced), ReducedDetails(later, reduced));
   std::vector<cv::Point> candidates;
   for (const cv::Point& peak : PeaksOf(surface, orientation)) {
     const cv::Point coarse(cvRound(1.0 * peak.x * later.cols / reduced.width),

@@ -52,7 +52,7 @@ bool IsMarkedInEarlier(const cv::Mat& marks, const cv::Rect& pixels) {
 }
 
 cv::Mat UniqueCells(const std::vector<Match>& matches, const cv::Point& motion,
-                      const cv::Size& cells) {
+                    const cv::Size& cells) {
   cv::Mat agreeing = cv::Mat::zeros(cells, CV_8UC1);
   for (const Match& match : matches) {
     if (match.motion == motion) {
@@ -93,7 +93,8 @@ cv::Mat AgreeingCells(const Comparison& comparison, const cv::Mat& detailed,
   const cv::Point end = comparison.overlap.br() / CellSide;
   if (first.x < end.x && first.y < end.y) {
     const cv::Rect whole(first, end);
-    agreeing(whole) = detailed(whole) & (comparison.unequal(whole) == 0) & (parts.later(whole) == 0);
+    agreeing(whole) =
+        detailed(whole) & (comparison.unequal(whole) == 0) & (parts.later(whole) == 0);
   }
   return agreeing;
 }

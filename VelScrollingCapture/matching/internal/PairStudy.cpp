@@ -119,8 +119,8 @@ class PairStudyRun {
     match.join.verdict = Verdict::Likely;
     match.join.motion = ToTranslation(plausible[best].motion);
     for (const TolerantFinding& rival : plausible) {
-      if (!IsExcused(rival.motion, plausible[best].motion) &&
-          !plausible[best].Outclasses(rival) && !TolerantProof::Beats(plausible[best], rival)) {
+      if (!IsExcused(rival.motion, plausible[best].motion) && !plausible[best].Outclasses(rival) &&
+          !TolerantProof::Beats(plausible[best], rival)) {
         match.join.verdict = Verdict::Doubtful;
         match.join.alternatives.push_back(ToTranslation(rival.motion));
       }
@@ -303,8 +303,7 @@ class PairStudyRun {
     for (const cv::Point& rival : rivals) {
       match.join.alternatives.push_back(ToTranslation(rival));
     }
-    const bool isProven =
-        finding.IsClean() && !isDrawnAnew && finding.unique >= StrongEvidence;
+    const bool isProven = finding.IsClean() && !isDrawnAnew && finding.unique >= StrongEvidence;
     match.join.verdict = !rivals.empty() ? Verdict::Doubtful
                          : isProven      ? Verdict::Proven
                                          : Verdict::Likely;
@@ -388,8 +387,7 @@ PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& lat
 }
 
 Join PreferRepetition(Join join, const Translation& stepBefore) {
-  const auto repeated =
-      std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
+  const auto repeated = std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
   if (join.verdict == Verdict::Doubtful && repeated != join.alternatives.end()) {
     std::swap(join.motion, *repeated);
   }

@@ -18,7 +18,8 @@ constexpr int StripPixels = StripPatches + PatchSide - 1;
 
 /// Selections are looked through eight at a time.
 constexpr int SelectionsAtOnce = 8;
-constexpr int Selections = (StripPatches + SelectionsAtOnce - 1) / SelectionsAtOnce * SelectionsAtOnce;
+constexpr int Selections =
+    (StripPatches + SelectionsAtOnce - 1) / SelectionsAtOnce * SelectionsAtOnce;
 
 /// Odd numbers with their bits well spread.
 constexpr std::uint32_t SpreadPixel = 0x9E3779B1U;
@@ -128,9 +129,9 @@ std::vector<Anchor> SelectPatches(const cv::Mat& capture, int zeroBits, Vectors 
       addRow(strip, patches, row % PatchSide, mask);
       const int top = row - PatchSide + 1;
       if (top > 0) {
-        const std::uint32_t start = static_cast<std::uint32_t>(top) *
-                                        static_cast<std::uint32_t>(capture.cols) +
-                                    static_cast<std::uint32_t>(left);
+        const std::uint32_t start =
+            static_cast<std::uint32_t>(top) * static_cast<std::uint32_t>(capture.cols) +
+            static_cast<std::uint32_t>(left);
         ForEachSelected(strip, patches, [&](int patch) {
           anchors.push_back({strip.hashes[static_cast<std::size_t>(patch)],
                              start + static_cast<std::uint32_t>(patch)});

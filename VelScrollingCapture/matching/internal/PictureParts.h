@@ -12,8 +12,8 @@ struct PartPlace {
   cv::Point place;
 };
 
-/// Parts of a picture, each with coordinates of its own, that may turn out to be one (a disjoint-set
-/// forest whose edges carry offsets).
+/// Parts of a picture, each with coordinates of its own, that may turn out to be one (a
+/// disjoint-set forest whose edges carry offsets).
 class PictureParts {
  public:
   /// Begins a new part.

@@ -34,8 +34,8 @@ std::uint32_t Mixed(std::uint32_t hash) {
 }
 
 int RoomOfSquare(const CaptureAnchors& capture) {
-  const int zeroBits = SelectingZeroBits(capture.size, CV_MAT_CN(capture.type)) +
-                       FurtherZeroBits(capture);
+  const int zeroBits =
+      SelectingZeroBits(capture.size, CV_MAT_CN(capture.type)) + FurtherZeroBits(capture);
   return std::max(4, Renewals * SquareSide * SquareSide >> zeroBits);
 }
 

@@ -113,7 +113,9 @@ void MarkPatch(cv::Mat& cells, const cv::Point& place) {
 StandingParts FindStandingParts(const std::vector<Match>& matches, const cv::Point& motion,
                                 const cv::Size& capture) {
   const cv::Size cells = CellsOf(capture);
-  const auto none = [cells] { return Sightings{cv::Mat::zeros(cells, CV_8UC1), cv::Mat::zeros(cells, CV_8UC1)}; };
+  const auto none = [cells] {
+    return Sightings{cv::Mat::zeros(cells, CV_8UC1), cv::Mat::zeros(cells, CV_8UC1)};
+  };
   Sightings earlier = none();
   Sightings later = none();
   const std::vector<cv::Point> parts = MotionsOfParts(matches, motion);

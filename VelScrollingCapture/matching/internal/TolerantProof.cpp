@@ -125,9 +125,8 @@ float TolerantProof::ResidueOf(const cv::Rect& tile, const cv::Point& motion,
                                double& explained) const {
   const cv::Rect all({0, 0}, later.size());
   const cv::Mat one = later(tile);
-  const double variance =
-      std::max(DeviationsOf(one).Variance(tile.area()),
-               DeviationsOf(earlier(tile - motion)).Variance(tile.area()));
+  const double variance = std::max(DeviationsOf(one).Variance(tile.area()),
+                                   DeviationsOf(earlier(tile - motion)).Variance(tile.area()));
   if (variance < LeastVariance) {
     return Silent;
   }
@@ -170,14 +169,14 @@ TolerantFinding TolerantProof::Examine(const cv::Point& motion) const {
     for (int column = 0; column < still.cols; ++column) {
       const float residue = finding.residues.at<float>(row, column);
       const cv::Rect tile(column * tileSide, row * tileSide, tileSide, tileSide);
-      const bool standsStill =
-          motion != cv::Point() && (Agrees(still.at<float>(row, column)) ||
-                                    (residue != Silent && Agrees(At(still, tile - motion, tileSide))));
+      const bool standsStill = motion != cv::Point() &&
+                               (Agrees(still.at<float>(row, column)) ||
+                                (residue != Silent && Agrees(At(still, tile - motion, tileSide))));
       if (residue == Silent || standsStill) {
         continue;
       }
-      const bool isInner = row >= inner.y && row < inner.br().y && column >= inner.x &&
-                           column < inner.br().x;
+      const bool isInner =
+          row >= inner.y && row < inner.br().y && column >= inner.x && column < inner.br().x;
       (Agrees(residue) ? finding.innerFor : finding.innerAgainst) += static_cast<int>(isInner);
       if (Agrees(residue)) {
         ++finding.tilesFor;

@@ -9,11 +9,11 @@ namespace ScrollingCapture {
 /// What the tiles of two captures say about one motion, noise aside.
 struct TolerantFinding {
   cv::Point motion;
-  cv::Mat residues;    ///< for each tile, how much of its variance is left unexplained (CV_32FC1)
+  cv::Mat residues;      ///< for each tile, how much of its variance is left unexplained (CV_32FC1)
   double explained = 0;  ///< the variance that is explained without jitter, summed up over tiles
   int tilesFor = 0;
   int tilesAgainst = 0;
-  int innerFor = 0;      ///< of those, the tiles that are not near the capture's edge
+  int innerFor = 0;  ///< of those, the tiles that are not near the capture's edge
   int innerAgainst = 0;
   int tilesExact = 0;  ///< of those for the motion, the tiles that agree in every pixel
 

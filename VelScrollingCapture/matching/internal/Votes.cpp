@@ -155,7 +155,8 @@ std::vector<CountedMotion> MotionsOfRepeatedAnchors(const CaptureAnchors& earlie
   ForEachSharedHash(earlier, later, [&](const Group& left, const Group& right) {
     const std::size_t rights = std::min(right.Count(), MostPairsOfHash / left.Count());
     if (left.Count() > 1 || right.Count() > 1) {
-      for (auto one = right.first; one != right.first + static_cast<std::ptrdiff_t>(rights); ++one) {
+      for (auto one = right.first; one != right.first + static_cast<std::ptrdiff_t>(rights);
+           ++one) {
         for (auto other = left.first; other != left.last; ++other) {
           const cv::Point motion = later.PlaceOf(*one) - earlier.PlaceOf(*other);
           if (IsAllowed(motion, orientation)) {

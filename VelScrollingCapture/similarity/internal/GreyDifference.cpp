@@ -22,8 +22,8 @@ std::uint64_t SumInFixedPoint(const cv::Mat& first, const cv::Mat& second) {
   return sum;
 }
 
-/// A block of rows at a time, whose grey levels stay in the processor's cache. Sums of whole numbers
-/// are exact, in whatever order they are added up.
+/// A block of rows at a time, whose grey levels stay in the processor's cache. Sums of whole
+/// numbers are exact, in whatever order they are added up.
 double SumByConversionInBlocks(const cv::Mat& first, const cv::Mat& second) {
   constexpr int RowsAtOnce = 16;
   cv::Mat difference;
