@@ -228,7 +228,7 @@ TEST(BorderDetectionListener, LeavesTheContentByThrowingWhenBordersCannotBeLaid)
   const StreamCapture errors(std::cerr);
   EXPECT_THROW(stitcher.Stitch(captures, result, &listener, 0, 100, true), ListenerFailure);
   EXPECT_TRUE(SameBits(result, window.page));
-  EXPECT_EQ(listener.calls.back(), "progress 100");
+  EXPECT_EQ(listener.calls.back(), "complete false");
 }
 
 }  // namespace
