@@ -60,7 +60,7 @@ class VEL_EXPORT MatchedPair {
 ///
 /// The work is in two steps. What takes time (PreparedCapture, MatchedPair) is for any thread;
 /// placing is quick, in the order of the captures, and by one thread at a time. The placer
-/// remembers anchors for every place of the picture, at most one byte a pixel of the picture's
+/// remembers anchors for every place of the picture, at most two bytes a pixel of the picture's
 /// area, however many captures show it; and some hundred bytes a capture.
 class VEL_EXPORT CapturePlacer {
  public:

@@ -1,32 +1,48 @@
-#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
 #include <VelScrollingCapture/mosaic/Mosaic.h>
-#include <VelScrollingCapture/mosaic/internal/Agreement.h>
 #include <VelScrollingCapture/mosaic/internal/AnalysisProgress.h>
-#include <VelScrollingCapture/mosaic/internal/Selection.h>
-#include <VelScrollingCapture/mosaic/internal/Suspicion.h>
+#include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
+#include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
+#include <VelScrollingCapture/mosaic/internal/FrozenPanes.h>
+#include <VelScrollingCapture/mosaic/internal/Layer.h>
 
 namespace ScrollingCapture {
+namespace {
 
+/// The contents' share of the analysis, beside that of panes.
+constexpr double ContentShare = 0.95;
+
+CaptureLayout CheckedLayout(const CaptureSource& source, const std::vector<Place>& places) {
+  if (places.size() != source.Count()) {
+    throw std::invalid_argument("A mosaic takes as many places as captures.");
+  }
+  return CaptureLayout(source.CaptureSize(), places);
+}
+
+/// Where the layers' parts of each capture lie, when they move along some axes only.
+std::vector<Place> PlacesAlong(const CaptureLayout& layout, bool rows, bool columns) {
+  std::vector<Place> places;
+  places.reserve(layout.Count());
+  for (size_t capture = 0; capture < layout.Count(); ++capture) {
+    const cv::Point corner = layout.CornerOf(capture);
+    places.push_back({rows ? corner.y : 0, columns ? corner.x : 0});
+  }
+  return places;
+}
+
+}  // namespace
+
+/// The contents as one layer, and frozen panes, if there are any, as further ones beside it.
 class Mosaic::Composition {
  public:
   Composition(IImageProvider& captures, const std::vector<Place>& places,
               const MosaicSettings& settings, const AnalysisProgress& progress)
       : source(captures), layout(CheckedLayout(source, places)) {
     progress.Report(0);
-    if (settings.fixedParts == FixedParts::Keep) {
-      areas = LastShown(layout);
-    } else {
-      Agreement agreement = FindAgreement(source, layout);
-      areas = std::move(agreement.firstShown);
-      progress.Report(0.3);
-      if (!agreement.disputed.empty()) {
-        const Suspicion suspicion(source, layout);
-        progress.Report(0.7);
-        runs = SelectCaptures(source, layout, agreement.disputed, suspicion);
-      }
+    if (layout.Count() > 0) {
+      AddLayers(settings, progress);
     }
     progress.Report(1);
   }
@@ -34,23 +50,15 @@ class Mosaic::Composition {
   void Render(const cv::Rect& area, cv::Mat& pixels) const {
     pixels.create(area.size(), source.Type());
     pixels = cv::Scalar();
-    for (const size_t capture : layout.CapturesIn(area)) {
-      RenderCapture(capture, area, pixels);
+    for (const Layer& layer : layers) {
+      layer.Render(area, pixels);
     }
-    RenderRuns(area, pixels);
   }
 
   std::optional<size_t> CaptureAt(const cv::Point& pixel) const {
-    for (auto run = FirstRunIn(pixel.y); run != runs.end() && run->row == pixel.y; ++run) {
-      if (pixel.x >= run->column && pixel.x < run->column + run->length) {
-        return run->capture;
-      }
-    }
-    for (const size_t capture : layout.CapturesIn({pixel, cv::Size(1, 1)})) {
-      for (const cv::Rect& rect : areas[capture]) {
-        if (rect.contains(pixel)) {
-          return capture;
-        }
+    for (const Layer& layer : layers) {
+      if (const auto capture = layer.CaptureAt(pixel)) {
+        return capture;
       }
     }
     return std::nullopt;
@@ -60,49 +68,29 @@ class Mosaic::Composition {
   int Type() const { return source.Type(); }
 
  private:
-  static CaptureLayout CheckedLayout(const CaptureSource& source,
-                                     const std::vector<Place>& places) {
-    if (places.size() != source.Count()) {
-      throw std::invalid_argument("A mosaic takes as many places as captures.");
-    }
-    return CaptureLayout(source.CaptureSize(), places);
-  }
-
-  void RenderCapture(size_t capture, const cv::Rect& area, cv::Mat& pixels) const {
-    std::shared_ptr<const cv::Mat> image;
-    for (const cv::Rect& rect : areas[capture]) {
-      const cv::Rect common = rect & area;
-      if (!common.empty()) {
-        image = image == nullptr ? source.Get(capture) : image;
-        Copy(*image, capture, common, area, pixels);
+  void AddLayers(const MosaicSettings& settings, const AnalysisProgress& progress) {
+    const cv::Size panes =
+        settings.fixedParts == FixedParts::Once ? FindFrozenPanes(source, layout) : cv::Size();
+    const cv::Size size = source.CaptureSize();
+    const int left = panes.width;
+    const int top = panes.height;
+    const auto add = [&](const cv::Rect& part, bool rows, bool columns) {
+      if (!part.empty()) {
+        layers.emplace_back(CaptureSource(source, part), PlacesAlong(layout, rows, columns),
+                            part.tl(), settings,
+                            layers.empty() ? progress.Part(0, ContentShare)
+                                           : progress.Part(ContentShare, ContentShare));
       }
-    }
-  }
-
-  void RenderRuns(const cv::Rect& area, cv::Mat& pixels) const {
-    for (auto run = FirstRunIn(area.y); run != runs.end() && run->row < area.y + area.height;
-         ++run) {
-      const cv::Rect common = cv::Rect(run->column, run->row, run->length, 1) & area;
-      if (!common.empty()) {
-        Copy(*source.Get(run->capture), run->capture, common, area, pixels);
-      }
-    }
-  }
-
-  void Copy(const cv::Mat& image, size_t capture, const cv::Rect& from, const cv::Rect& area,
-            cv::Mat& pixels) const {
-    image(from - layout.CornerOf(capture)).copyTo(pixels(from - area.tl()));
-  }
-
-  std::vector<Run>::const_iterator FirstRunIn(int row) const {
-    return std::lower_bound(runs.begin(), runs.end(), row,
-                            [](const Run& run, int wanted) { return run.row < wanted; });
+    };
+    add({left, top, size.width - left, size.height - top}, true, true);
+    add({left, 0, size.width - left, top}, false, true);
+    add({0, top, left, size.height - top}, true, false);
+    add({0, 0, left, top}, false, false);
   }
 
   CaptureSource source;
   CaptureLayout layout;
-  std::vector<std::vector<cv::Rect>> areas;  ///< what each capture shows, apart from the runs
-  std::vector<Run> runs;
+  std::vector<Layer> layers;
 };
 
 Mosaic::Mosaic(IImageProvider& captures, const std::vector<Place>& places,

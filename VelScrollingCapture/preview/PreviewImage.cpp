@@ -166,7 +166,8 @@ int PreviewImage::AddCapture(const cv::Mat& capture) try {
   return Failed;
 }
 
-cv::Mat PreviewImage::GetPreview() { return preview->clone(); }
+/// A clone of nothing has neither the canvas's size nor its type.
+cv::Mat PreviewImage::GetPreview() { return preview->empty() ? *preview : preview->clone(); }
 
 cv::Mat PreviewImage::GetPreview(int maxWidth, int maxHeight) {
   return ResizeImage(*preview, FittedSize(preview->size(), maxWidth, maxHeight));

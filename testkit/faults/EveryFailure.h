@@ -5,7 +5,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
-#include <testkit/faults/FailingMemory.h>
+#include <testkit/faults/FailingAllocator.h>
 
 /// \file
 /// An operation in which each thing that can fail fails once: tried again and again, each time with
@@ -13,29 +13,17 @@
 
 namespace ScrollingCapture::Testing {
 
-/// Calls `attempt(passing)` with 0, 1, 2, ... until it returns false: until nothing has failed in
-/// it.
-/// @return how many attempts had a failure
-template <typename Attempt>
-size_t CountFailingAttempts(Attempt attempt) {
-  size_t passing = 0;
-  while (attempt(passing)) {
-    ++passing;
-  }
-  return passing;
-}
-
 /// One attempt at an operation that runs out of memory.
 class MemoryFault {
  public:
-  MemoryFault(size_t passing, FailingMemory::Failures failures)
+  MemoryFault(size_t passing, FailingAllocator::Failures failures)
       : passing(passing), failures(failures) {}
 
   /// Runs what may lack memory. cv::Exception is taken as an answer of the operation's.
   /// @return whether an allocation has failed
   template <typename Operation>
   bool HitsDuring(Operation operation) {
-    const FailingMemory memory(passing, failures);
+    const FailingAllocator memory(passing, failures);
     try {
       operation();
     } catch (const cv::Exception& error) {
@@ -54,7 +42,7 @@ class MemoryFault {
 
  private:
   const size_t passing;
-  const FailingMemory::Failures failures;
+  const FailingAllocator::Failures failures;
   bool hasHit = false;
   bool hasThrown = false;
 };
@@ -65,8 +53,8 @@ class MemoryFault {
 /// at
 ///                the outcome
 template <typename Attempt>
-void ForEachFailingAllocation(FailingMemory::Failures failures, Attempt attempt) {
-  const size_t liveBefore = FailingMemory::LiveMatrices();
+void ForEachFailingAllocation(FailingAllocator::Failures failures, Attempt attempt) {
+  const size_t liveBefore = FailingAllocator::LiveMatrices();
   const size_t failingAttempts = CountFailingAttempts([&](size_t passing) {
     SCOPED_TRACE("after " + std::to_string(passing) + " allocations");
     MemoryFault fault(passing, failures);
@@ -74,14 +62,14 @@ void ForEachFailingAllocation(FailingMemory::Failures failures, Attempt attempt)
     return fault.HasHit();
   });
   EXPECT_GT(failingAttempts, 0) << "The operation allocates nothing";
-  EXPECT_EQ(FailingMemory::LiveMatrices(), liveBefore) << "Matrices have leaked";
+  EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore) << "Matrices have leaked";
 }
 
 /// For suites that are run with each way of failing.
-inline constexpr std::array AllFailures = {FailingMemory::First, FailingMemory::All};
+inline constexpr std::array AllFailures = {FailingAllocator::First, FailingAllocator::All};
 
-inline std::string NameOfFailures(const testing::TestParamInfo<FailingMemory::Failures>& test) {
-  return test.param == FailingMemory::First ? "First" : "All";
+inline std::string NameOfFailures(const testing::TestParamInfo<FailingAllocator::Failures>& test) {
+  return test.param == FailingAllocator::First ? "First" : "All";
 }
 
 }  // namespace ScrollingCapture::Testing

@@ -25,7 +25,7 @@ using Testing::CaptureCount;
 using Testing::CaptureSize;
 using Testing::ContentBox;
 using Testing::CountFailingAttempts;
-using Testing::FailingMemory;
+using Testing::FailingAllocator;
 using Testing::ForEachFailingAllocation;
 using testing::HasSubstr;
 using Testing::ListenerFailure;
@@ -67,7 +67,7 @@ void ExpectWholeOrCropped(BasicImageProvider& captures, const ScrolledWindow& wi
   }
 }
 
-class BorderAllocations : public testing::TestWithParam<FailingMemory::Failures> {
+class BorderDetectionAllocations : public testing::TestWithParam<FailingAllocator::Failures> {
  protected:
   /// Stitches copies of the window's captures.
   void Stitch() {
@@ -124,7 +124,7 @@ class BorderAllocations : public testing::TestWithParam<FailingMemory::Failures>
   bool succeeded = false;
 };
 
-TEST_P(BorderAllocations, GiveTheBorderedPageOrTellWhatFailed) {
+TEST_P(BorderDetectionAllocations, GiveTheBorderedPageOrTellWhatFailed) {
   ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
     stitcher = MakeStitcher();
     StartAnew();
@@ -145,15 +145,15 @@ TEST_P(BorderAllocations, GiveTheBorderedPageOrTellWhatFailed) {
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Failures, BorderAllocations, testing::ValuesIn(Testing::AllFailures),
-                         Testing::NameOfFailures);
+INSTANTIATE_TEST_SUITE_P(Failures, BorderDetectionAllocations,
+                         testing::ValuesIn(Testing::AllFailures), Testing::NameOfFailures);
 
 TEST(BorderDetectionOutOfMemory, KeepsTheCapturesUntilTheirBordersAreStored) {
   const ScrolledWindow window(ContentBox, {0, 40});
   BasicImageProvider captures = CapturesOf(window);
   OpenBorderDetection detection(DifferenceThreshold, NeighborThreshold);
   {
-    const FailingMemory memory;
+    const FailingAllocator memory;
     EXPECT_THROW(detection.ExtractBorders(captures), cv::Exception);
   }
   for (size_t i = 0; i < CaptureCount; ++i) {
@@ -170,7 +170,7 @@ TEST(BorderDetectionOutOfMemory, KeepsTheImageThatWasToGetBorders) {
   cv::Mat image = content.clone();
   {
     const StreamCapture errors(std::cerr);
-    const FailingMemory memory;
+    const FailingAllocator memory;
     EXPECT_FALSE(detection.ApplyBorders(image));
     EXPECT_EQ(errors.Text(), "Error: Insufficient memory to apply borders.\n");
   }
@@ -228,7 +228,7 @@ TEST(BorderDetectionListener, LeavesTheContentByThrowingWhenBordersCannotBeLaid)
   const StreamCapture errors(std::cerr);
   EXPECT_THROW(stitcher.Stitch(captures, result, &listener, 0, 100, true), ListenerFailure);
   EXPECT_TRUE(SameBits(result, window.page));
-  EXPECT_EQ(listener.calls.back(), "progress 100");
+  EXPECT_EQ(listener.calls.back(), "complete false");
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace {
 using Testing::OpenBorderDetection;
 using Testing::SlotOf;
 
-TEST(VirtualSlots, OfBorderDetectionFollowThoseOfTheStitcher) {
+TEST(BorderVirtualSlots, OfBorderDetectionFollowThoseOfTheStitcher) {
   EXPECT_THAT(
       (std::vector<size_t>{
           SlotOf(&OpenBorderDetection::Stitch), SlotOf(&OpenBorderDetection::GetTranslations),

@@ -18,7 +18,7 @@ namespace ScrollingCapture {
 namespace {
 
 using Testing::CountFailingAttempts;
-using Testing::FailingMemory;
+using Testing::FailingAllocator;
 using Testing::ForEachFailingAllocation;
 using Testing::MemoryFault;
 using Testing::SameBits;
@@ -49,7 +49,7 @@ cv::Mat WholePreview() {
   return capture->currentImagePreview()->CVMat();
 }
 
-class CaptureObjectAllocations : public testing::TestWithParam<FailingMemory::Failures> {
+class CaptureObjectAllocations : public testing::TestWithParam<FailingAllocator::Failures> {
  protected:
   const std::vector<PlatformImage> images = Images();
 };

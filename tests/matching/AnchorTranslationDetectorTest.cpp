@@ -1,11 +1,10 @@
-#include <VelScrollingCapture/matching/AnchorTranslationDetector.h>
-
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <VelScrollingCapture/core/BasicStitcher.h>
+#include <VelScrollingCapture/matching/AnchorTranslationDetector.h>
 
 #include "../support/MatrixTesting.h"
 #include "../support/RecordingListener.h"

@@ -1,9 +1,9 @@
-#include <VelScrollingCapture/matching/internal/Anchors.h>
-
 #include <algorithm>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/internal/Anchors.h>
 
 #include "Scenes.h"
 

@@ -1,10 +1,10 @@
-#include <VelScrollingCapture/matching/CapturePlacer.h>
-
 #include <stdexcept>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/CapturePlacer.h>
 
 #include "Travel.h"
 

@@ -1,7 +1,7 @@
-#include <VelScrollingCapture/matching/internal/CorrelationCandidates.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/internal/CorrelationCandidates.h>
 
 #include "Scenes.h"
 
@@ -20,13 +20,12 @@ std::vector<cv::Point> Candidates(const cv::Point& to, ScrollOrientation orienta
 class CorrelationCandidatesPlaces : public testing::TestWithParam<cv::Point> {};
 
 TEST_P(CorrelationCandidatesPlaces, HoldTheMotion) {
-  EXPECT_THAT(Candidates(GetParam(), Both),
-              testing::Contains(cv::Point(50, 100) - GetParam()));
+  EXPECT_THAT(Candidates(GetParam(), Both), testing::Contains(cv::Point(50, 100) - GetParam()));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, CorrelationCandidatesPlaces,
-                         testing::Values(cv::Point(50, 100), cv::Point(50, 233),
-                                         cv::Point(50, 451), cv::Point(50, 3), cv::Point(177, 100),
+                         testing::Values(cv::Point(50, 100), cv::Point(50, 233), cv::Point(50, 451),
+                                         cv::Point(50, 3), cv::Point(177, 100),
                                          cv::Point(121, 177)));
 
 TEST(CorrelationCandidates, KeepToTheAxisThatWasAskedFor) {

@@ -1,7 +1,6 @@
-#include <VelScrollingCapture/matching/internal/ExactProof.h>
-
 #include <gtest/gtest.h>
 
+#include <VelScrollingCapture/matching/internal/ExactProof.h>
 #include <VelScrollingCapture/matching/internal/PixelKeys.h>
 
 #include "Scenes.h"

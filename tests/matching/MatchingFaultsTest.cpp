@@ -46,12 +46,12 @@ TEST_P(MatchingAllocations, GiveTheWholeAnswerOrThrow) {
 
 cv::Mat ArticleAt(int row) { return Window(DrawArticle({240, 500}, 5), {240, 200}, {0, row}); }
 
-INSTANTIATE_TEST_SUITE_P(
-    Pairs, MatchingAllocations,
-    testing::Values(Pair{"Text", ArticleAt(0), ArticleAt(60)},
-                    Pair{"Noise", WithNoise(ArticleAt(0), 1), WithNoise(ArticleAt(60), 2)},
-                    Pair{"Nothing", ArticleAt(0), DrawPhoto({240, 200}, 3)}),
-    [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Pairs, MatchingAllocations,
+                         testing::Values(Pair{"Text", ArticleAt(0), ArticleAt(60)},
+                                         Pair{"Noise", WithNoise(ArticleAt(0), 1),
+                                              WithNoise(ArticleAt(60), 2)},
+                                         Pair{"Nothing", ArticleAt(0), DrawPhoto({240, 200}, 3)}),
+                         [](const auto& test) { return test.param.name; });
 
 TEST(CapturePlacerAllocations, PlaceNothingWhenTheyFail) {
   const std::vector<cv::Mat> captures =

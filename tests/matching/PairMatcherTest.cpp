@@ -1,9 +1,9 @@
-#include <VelScrollingCapture/matching/PairMatcher.h>
-
 #include <stdexcept>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/PairMatcher.h>
 
 #include "Scenes.h"
 
@@ -34,8 +34,7 @@ void PrintTo(const Step& step, std::ostream* stream) { *stream << step.name; }
 class PairMatcherSteps : public testing::TestWithParam<Step> {};
 
 TEST_P(PairMatcherSteps, AreProvenOnText) {
-  const Join join =
-      MatchWindows(DrawArticle({900, 1200}, 3), GetParam().from, GetParam().to);
+  const Join join = MatchWindows(DrawArticle({900, 1200}, 3), GetParam().from, GetParam().to);
   const cv::Point motion = GetParam().from - GetParam().to;
   EXPECT_EQ(join.motion, Translation(motion.y, motion.x));
   EXPECT_EQ(join.verdict, Verdict::Proven);
@@ -52,16 +51,14 @@ TEST_P(PairMatcherSteps, AreProvenOnAPhoto) {
   EXPECT_EQ(join.verdict, Verdict::Proven);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, PairMatcherSteps,
-                         testing::Values(Step{"Down", {40, 100}, {40, 257}},
-                                         Step{"Up", {40, 257}, {40, 100}},
-                                         Step{"Right", {10, 100}, {171, 100}},
-                                         Step{"Left", {171, 100}, {10, 100}},
-                                         Step{"Diagonally", {10, 100}, {103, 31}},
-                                         Step{"Nowhere", {40, 100}, {40, 100}},
-                                         Step{"ByOnePixel", {40, 100}, {40, 101}},
-                                         Step{"AlmostAWindow", {40, 100}, {40, 490}}),
-                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    All, PairMatcherSteps,
+    testing::Values(Step{"Down", {40, 100}, {40, 257}}, Step{"Up", {40, 257}, {40, 100}},
+                    Step{"Right", {10, 100}, {171, 100}}, Step{"Left", {171, 100}, {10, 100}},
+                    Step{"Diagonally", {10, 100}, {103, 31}}, Step{"Nowhere", {40, 100}, {40, 100}},
+                    Step{"ByOnePixel", {40, 100}, {40, 101}},
+                    Step{"AlmostAWindow", {40, 100}, {40, 490}}),
+    [](const auto& test) { return test.param.name; });
 
 class PairMatcherChannels : public testing::TestWithParam<int> {};
 
@@ -148,8 +145,8 @@ TEST(PairMatcher, ProvesDespiteAPointer) {
 
 TEST(PairMatcher, ToleratesNoise) {
   const cv::Mat page = DrawArticle({640, 900}, 15);
-  const Join join = Match(WithNoise(Window(page, Size, {0, 0}), 1),
-                          WithNoise(Window(page, Size, {0, 150}), 2));
+  const Join join =
+      Match(WithNoise(Window(page, Size, {0, 0}), 1), WithNoise(Window(page, Size, {0, 150}), 2));
   EXPECT_EQ(join.motion, Translation(-150, 0));
   EXPECT_EQ(join.verdict, Verdict::Likely);
 }
@@ -157,7 +154,7 @@ TEST(PairMatcher, ToleratesNoise) {
 TEST(PairMatcher, TakesRepeatedCapturesForUnmoved) {
   const cv::Mat page = DrawArticle({640, 900}, 15);
   cv::Mat second = Window(page, Size, {0, 100});
-  Lay(DrawPhoto({150, 120}, 1), second, {300, 150});
+  Lay(DrawPhoto({240, 200}, 1), second, {200, 110});
   const Join join = Match(Window(page, Size, {0, 100}), second);
   EXPECT_EQ(join.motion, Translation());
   EXPECT_EQ(join.verdict, Verdict::Likely);

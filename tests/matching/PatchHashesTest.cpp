@@ -1,10 +1,10 @@
-#include <VelScrollingCapture/matching/internal/PatchHashes.h>
-
 #include <algorithm>
 #include <set>
 #include <tuple>
 
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/internal/PatchHashes.h>
 
 #include "Scenes.h"
 
@@ -63,7 +63,8 @@ TEST(PatchHashes, TellPatchesApartByASinglePixel) {
     cv::Mat other = page.clone();
     other(cv::Rect(30, 30, 1, 1)) += change;
     for (const auto& [position, hash] : FoundIn(other, 0)) {
-      const cv::Rect patch(static_cast<int>(position) % 60, static_cast<int>(position) / 60, 16, 16);
+      const cv::Rect patch(static_cast<int>(position) % 60, static_cast<int>(position) / 60, 16,
+                           16);
       const Found before = FoundIn(page, 0);
       EXPECT_EQ(std::binary_search(before.begin(), before.end(), std::pair(position, hash)),
                 !patch.contains({30, 30}));
@@ -76,7 +77,8 @@ TEST(PatchHashes, SelectOnePatchInSoMany) {
   const std::size_t all = FoundIn(photo, 0).size();
   EXPECT_EQ(all, 684U * 484U);
   for (const int zeroBits : {2, 5}) {
-    const double share = static_cast<double>(FoundIn(photo, zeroBits).size()) / all;
+    const double share =
+        static_cast<double>(FoundIn(photo, zeroBits).size()) / static_cast<double>(all);
     EXPECT_NEAR(share * (1 << zeroBits), 1, 0.1);
   }
 }

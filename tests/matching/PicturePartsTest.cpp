@@ -1,6 +1,6 @@
-#include <VelScrollingCapture/matching/internal/PictureParts.h>
-
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/internal/PictureParts.h>
 
 namespace ScrollingCapture {
 namespace {

@@ -1,8 +1,8 @@
-#include <VelScrollingCapture/matching/internal/PixelKeys.h>
-
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/internal/PixelKeys.h>
 
 #include "Scenes.h"
 

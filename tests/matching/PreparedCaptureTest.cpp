@@ -1,8 +1,8 @@
-#include <VelScrollingCapture/matching/PreparedCapture.h>
-
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/PreparedCapture.h>
 
 #include "Scenes.h"
 

@@ -1,10 +1,10 @@
-#include <VelScrollingCapture/matching/internal/RadixSort.h>
-
 #include <algorithm>
 #include <utility>
 
 #include <gtest/gtest.h>
 #include <opencv2/core.hpp>
+
+#include <VelScrollingCapture/matching/internal/RadixSort.h>
 
 namespace ScrollingCapture {
 namespace {

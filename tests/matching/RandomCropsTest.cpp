@@ -25,7 +25,7 @@ constexpr int Pairs = 60;
 constexpr int Pairs = 2000;
 #endif
 
-const cv::Size Size(480, 360);
+const cv::Size Size(320, 240);
 
 struct Subject {
   const char* name;
@@ -33,7 +33,7 @@ struct Subject {
 };
 
 std::vector<Subject> Subjects() {
-  const cv::Size page(1000, 1200);
+  const cv::Size page(700, 900);
   return {{"article", DrawArticle(page, 51)},
           {"photo", DrawPhoto(page, 52)},
           {"log", DrawLog(page, 53)},
@@ -145,8 +145,8 @@ TEST(RandomCrops, AreNeverProvenWrongly) {
     sure += static_cast<int>(isRight && join.verdict <= Verdict::Likely);
     if (!isRight && join.verdict <= Verdict::Likely) {
       std::cout << subject.name << ' ' << TreatmentNames.at(treatment) << " pair " << pair << ": "
-                << join.motion << " instead of "
-                << Translation(crops.motion.y, crops.motion.x) << '\n';
+                << join.motion << " instead of " << Translation(crops.motion.y, crops.motion.x)
+                << '\n';
     }
   }
   Print(table);

@@ -65,8 +65,8 @@ inline cv::Mat DrawLog(const cv::Size& size, std::uint64_t seed) {
   for (int row = 0; row * RowHeight < size.height; ++row) {
     const int y = row * RowHeight;
     DrawText(page, std::to_string(10000 + row), {10, y + 17}, {60, 60, 60, 255}, 0.45);
-    DrawText(page, "INFO request handled without errors", {90, y + 17}, {20, 20, 20, 255}, 0.45);
-    DrawText(page, std::to_string(random.uniform(100, 999)) + " ms", {400, y + 17},
+    DrawText(page, "INFO request handled", {60, y + 17}, {20, 20, 20, 255}, 0.45);
+    DrawText(page, std::to_string(random.uniform(100, 999)) + " ms", {230, y + 17},
              {60, 60, 60, 255}, 0.45);
     cv::line(page, {0, y + RowHeight - 1}, {size.width, y + RowHeight - 1}, {220, 220, 220, 255});
   }

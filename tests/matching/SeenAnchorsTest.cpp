@@ -1,8 +1,8 @@
-#include <VelScrollingCapture/matching/internal/SeenAnchors.h>
-
 #include <algorithm>
 
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/internal/SeenAnchors.h>
 
 #include "Scenes.h"
 
@@ -45,10 +45,9 @@ TEST_F(SeenAnchorsOfAPhoto, TellInWhichPart) {
 
 TEST_F(SeenAnchorsOfAPhoto, DoNotVoteOnceTheyWereSeenTwice) {
   const CaptureAnchors capture = At({0, 0});
-  const auto remembered =
-      std::find_if(capture.anchors.begin(), capture.anchors.end(), [&](const Anchor& anchor) {
-        return SeenAnchors::IsRemembered(anchor.hash, capture);
-      });
+  const auto remembered = std::find_if(
+      capture.anchors.begin(), capture.anchors.end(),
+      [&](const Anchor& anchor) { return SeenAnchors::IsRemembered(anchor.hash, capture); });
   seen.Add(capture, part, {0, 0});
   seen.Add(capture, part, {1, 0});
   EXPECT_FALSE(seen.IsRepeated(remembered->hash)) << "as good as the same place";

@@ -1,5 +1,3 @@
-#include <VelScrollingCapture/matching/SequenceMatcher.h>
-
 #include <atomic>
 #include <new>
 #include <stdexcept>
@@ -7,6 +5,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/SequenceMatcher.h>
 
 #include "../support/RecordingListener.h"
 #include "../support/ThrowingListener.h"

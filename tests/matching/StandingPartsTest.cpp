@@ -1,8 +1,7 @@
-#include <VelScrollingCapture/matching/internal/StandingParts.h>
-
 #include <gtest/gtest.h>
 
 #include <VelScrollingCapture/matching/internal/Comparison.h>
+#include <VelScrollingCapture/matching/internal/StandingParts.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -31,9 +30,8 @@ bool IsMarked(const cv::Mat& cells, const cv::Point& pixel) {
 }
 
 TEST(StandingParts, ReachFromBarsToTheEdge) {
-  const StandingParts parts =
-      FindStandingParts(Both(Moved({0, 0}, {40, 16, 60, 20}), Moved(Motion, {0, 100, 380, 100})),
-                        Motion, Capture);
+  const StandingParts parts = FindStandingParts(
+      Both(Moved({0, 0}, {40, 16, 60, 20}), Moved(Motion, {0, 100, 380, 100})), Motion, Capture);
   for (const cv::Mat& cells : {parts.earlier, parts.later}) {
     EXPECT_TRUE(IsMarked(cells, {390, 2}));
     EXPECT_TRUE(IsMarked(cells, {390, 30}));
@@ -43,8 +41,8 @@ TEST(StandingParts, ReachFromBarsToTheEdge) {
 }
 
 TEST(StandingParts, FillTheBoxOfAFloatingPart) {
-  const std::vector<Match> button = Both(Moved({0, 0}, {300, 200, 5, 50}),
-                                         Moved({0, 0}, {340, 200, 40, 5}));
+  const std::vector<Match> button =
+      Both(Moved({0, 0}, {300, 200, 5, 50}), Moved({0, 0}, {340, 200, 40, 5}));
   const StandingParts parts =
       FindStandingParts(Both(button, Moved(Motion, {0, 0, 380, 300})), Motion, Capture);
   EXPECT_TRUE(IsMarked(parts.later, {302, 202}));
@@ -60,8 +58,7 @@ TEST(StandingParts, MoveAlongOneAxisWhereContentMovesAlongBoth) {
 }
 
 TEST(StandingParts, NeedMoreThanAFewAnchors) {
-  const StandingParts parts =
-      FindStandingParts(Moved({0, 0}, {40, 16, 60, 5}), Motion, Capture);
+  const StandingParts parts = FindStandingParts(Moved({0, 0}, {40, 16, 60, 5}), Motion, Capture);
   EXPECT_EQ(cv::countNonZero(parts.later), 0);
 }
 

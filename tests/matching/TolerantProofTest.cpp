@@ -1,6 +1,6 @@
-#include <VelScrollingCapture/matching/internal/TolerantProof.h>
-
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/internal/TolerantProof.h>
 
 #include "Scenes.h"
 

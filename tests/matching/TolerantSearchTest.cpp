@@ -1,7 +1,7 @@
-#include <VelScrollingCapture/matching/internal/TolerantSearch.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/internal/TolerantSearch.h>
 
 #include "Scenes.h"
 

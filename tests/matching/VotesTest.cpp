@@ -1,7 +1,7 @@
-#include <VelScrollingCapture/matching/internal/Votes.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <VelScrollingCapture/matching/internal/Votes.h>
 
 #include "Scenes.h"
 

@@ -12,7 +12,7 @@
 namespace ScrollingCapture {
 namespace {
 
-using Testing::FailingMemory;
+using Testing::FailingAllocator;
 using Testing::ForEachFailingAllocation;
 using Testing::MemoryFault;
 using Testing::NoiseCapture;
@@ -44,7 +44,7 @@ cv::Mat WholePreview() {
   return preview.GetPreview();
 }
 
-class PreviewAllocations : public testing::TestWithParam<FailingMemory::Failures> {};
+class PreviewAllocations : public testing::TestWithParam<FailingAllocator::Failures> {};
 
 TEST_P(PreviewAllocations, LeaveThePreviewReadyForTheSameCaptureAgainWhenTheyFail) {
   const cv::Mat whole = WholePreview();
@@ -77,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(Failures, PreviewAllocations, testing::ValuesIn(Testing
                          Testing::NameOfFailures);
 
 TEST(PreviewImageOutOfMemory, ThrowsWhenThereIsNoMemoryForTheFirstCanvas) {
-  const FailingMemory memory;
+  const FailingAllocator memory;
   EXPECT_THROW(PreviewImage(), cv::Exception);
 }
 
@@ -86,7 +86,7 @@ TEST(PreviewImageOutOfMemory, ThrowsInsteadOfACopyAndKeepsTheCanvas) {
   ASSERT_EQ(preview.AddCapture(Captures()[0]), Laid);
   const cv::Mat before = preview.GetPreview();
   {
-    const FailingMemory memory;
+    const FailingAllocator memory;
     EXPECT_THROW(preview.GetPreview(), cv::Exception);
     EXPECT_THROW(preview.GetPreview(20, 20), cv::Exception);
   }

@@ -253,6 +253,12 @@ INSTANTIATE_TEST_SUITE_P(PreviewImage, FlatPreview,
                                          FlatCanvas{"OneRow", {300, 1}}),
                          [](const auto& test) { return test.param.name; });
 
+TEST(PreviewImage, GivesAnEmptyCanvasWithItsSizeAndType) {
+  PreviewImage preview({300, 0}, 0, 0);
+  EXPECT_EQ(preview.GetPreview().size(), cv::Size(300, 0));
+  EXPECT_EQ(preview.GetPreview().type(), CV_8UC4);
+}
+
 TEST(PreviewImage, GivesCopiesOfTheCanvas) {
   PreviewImage preview;
   preview.GetPreview().setTo(cv::Scalar::all(9));

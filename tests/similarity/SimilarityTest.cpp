@@ -11,7 +11,7 @@
 namespace ScrollingCapture {
 namespace {
 
-using Testing::FailingMemory;
+using Testing::FailingAllocator;
 using Testing::NoiseCapture;
 using Testing::PlainCapture;
 using Testing::TextPage;
@@ -111,7 +111,7 @@ TEST(Similarity, AllocatesNoMatrix) {
   const cv::Mat first = NoiseCapture({33, 17}, 1);
   const cv::Mat second = NoiseCapture({33, 17}, 2);
   const double similarity = Utilities::CalculateSimilarity(first, second);
-  const FailingMemory memory;
+  const FailingAllocator memory;
   EXPECT_EQ(Utilities::CalculateSimilarity(first, second), similarity);
 }
 
@@ -122,7 +122,7 @@ TEST(Similarity, IsWholeOrThrowsWhenMemoryRunsOut) {
   cv::cvtColor(TextPage({100, 150}), capture, cv::COLOR_RGBA2RGB);
   cv::cvtColor(TextPage({100, 150}, 2), other, cv::COLOR_RGBA2RGB);
   const double expected = Utilities::CalculateSimilarity(capture, other);
-  Testing::ForEachFailingAllocation(FailingMemory::First, [&](Testing::MemoryFault& fault) {
+  Testing::ForEachFailingAllocation(FailingAllocator::First, [&](Testing::MemoryFault& fault) {
     double similarity = 0;
     const bool failed =
         fault.HitsDuring([&] { similarity = Utilities::CalculateSimilarity(capture, other); });

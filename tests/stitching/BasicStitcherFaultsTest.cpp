@@ -23,7 +23,7 @@ namespace {
 
 using Testing::CountFailingAttempts;
 using testing::ElementsAre;
-using Testing::FailingMemory;
+using Testing::FailingAllocator;
 using Testing::ForEachFailingAllocation;
 using Testing::ListenerFailure;
 using Testing::MemoryFault;
@@ -75,7 +75,7 @@ TEST(BasicStitcherOutOfMemory, LeavesCapturesAndResultAsTheyWereAndCanBeUsedAgai
   RecordingListener listener;
   {
     const StreamCapture errors(std::cerr);
-    const FailingMemory memory;
+    const FailingAllocator memory;
     EXPECT_FALSE(stitcher.Stitch(captures, result, &listener, 0, 100, true));
     EXPECT_EQ(errors.Text(),
               "Error: Failed to size the resulting image.\n"
@@ -88,7 +88,7 @@ TEST(BasicStitcherOutOfMemory, LeavesCapturesAndResultAsTheyWereAndCanBeUsedAgai
   EXPECT_TRUE(SameBits(result, Page()));
 }
 
-class BasicStitcherAllocations : public testing::TestWithParam<FailingMemory::Failures> {};
+class BasicStitcherAllocations : public testing::TestWithParam<FailingAllocator::Failures> {};
 
 TEST_P(BasicStitcherAllocations, GiveTheWholeResultOrAnErrorAndTheOldOne) {
   const cv::Mat page = Page();

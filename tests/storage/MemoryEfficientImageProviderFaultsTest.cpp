@@ -8,13 +8,13 @@
 #include <sys/stat.h>
 #include <testkit/SpillTesting.h>
 #include <testkit/TemporaryFolder.h>
-#include <testkit/faults/FailingMemory.h>
+#include <testkit/faults/FailingAllocator.h>
 
 namespace ScrollingCapture {
 namespace {
 
 using Testing::AddAll;
-using Testing::FailingMemory;
+using Testing::FailingAllocator;
 using Testing::LoadedCount;
 using Testing::NoiseCaptures;
 using Testing::ReadFile;
@@ -36,13 +36,13 @@ struct BadFolder {
 
 void PrintTo(const BadFolder& folder, std::ostream* stream) { *stream << folder.name; }
 
-class FolderThatCannotBeWrittenTest : public testing::TestWithParam<BadFolder> {
+class MemoryEfficientImageProviderFolderTest : public testing::TestWithParam<BadFolder> {
  protected:
   TemporaryFolder folder;
   std::vector<cv::Mat> captures = NoiseCaptures(5);
 };
 
-TEST_P(FolderThatCannotBeWrittenTest, LeavesEveryCaptureInMemory) {
+TEST_P(MemoryEfficientImageProviderFolderTest, LeavesEveryCaptureInMemory) {
   WriteFile(folder.Prefix() + "plain", "plain");
   MemoryEfficientImageProvider provider((folder.Path() / GetParam().path).string(), 0);
   AddAll(provider, captures);
@@ -59,7 +59,7 @@ TEST_P(FolderThatCannotBeWrittenTest, LeavesEveryCaptureInMemory) {
   EXPECT_TRUE(provider.IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Folders, FolderThatCannotBeWrittenTest,
+INSTANTIATE_TEST_SUITE_P(Folders, MemoryEfficientImageProviderFolderTest,
                          testing::Values(BadFolder{"Missing", "missing/"},
                                          BadFolder{"BelowAFile", "plain/"},
                                          BadFolder{"OfTheSystem", "/proc/"},
@@ -175,7 +175,7 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesOnDiskWhileThereIsNo
   AddAll(provider, captures);
   ASSERT_FALSE(provider.IsMatLoaded(0));
   {
-    const FailingMemory memory;
+    const FailingAllocator memory;
     try {
       provider.GetImageAt(0);
       ADD_FAILURE() << "was read";
@@ -194,7 +194,7 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesLoadedThatCannotBeCo
   MemoryEfficientImageProvider provider(folder.Prefix(), 0);
   provider.Add(withGaps);
   {
-    const FailingMemory memory;
+    const FailingAllocator memory;
     EXPECT_FALSE(provider.UnloadMat());
   }
   EXPECT_TRUE(provider.IsMatLoaded(0));

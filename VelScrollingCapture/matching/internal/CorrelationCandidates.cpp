@@ -174,7 +174,7 @@ std::vector<cv::Point> CorrelationCandidates(const cv::Mat& earlier, const cv::M
     const cv::Point coarse(cvRound(1.0 * peak.x * later.cols / reduced.width),
                            cvRound(1.0 * peak.y * later.rows / reduced.height));
     const cv::Point refined = Refine(earlier, later, coarse, factor, orientation);
-    if (OverlapsEnough(OverlapOf(later.size(), refined)) &&
+    if (IsAllowed(refined, orientation) && OverlapsEnough(OverlapOf(later.size(), refined)) &&
         std::find(candidates.begin(), candidates.end(), refined) == candidates.end()) {
       candidates.push_back(refined);
     }

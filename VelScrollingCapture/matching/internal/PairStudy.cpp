@@ -31,7 +31,10 @@ constexpr int MostStanding = 16;
 /// A motion is dominant with so many times the votes of the next.
 constexpr int Dominance = 8;
 
+/// The unique cells from which on a motion is proven, and those without which a motion that nothing
+/// contradicts is not believed.
 constexpr int StrongEvidence = 24;
+constexpr int LeastWitnesses = 4;
 
 constexpr std::size_t MostEvidence = 32;
 
@@ -257,7 +260,8 @@ class PairStudyRun {
       return std::nullopt;
     }
     if (survivors.size() == 1) {
-      for (const cv::Point& neighbour : NeighboursOf(survivors.front().motion, settings.orientation)) {
+      for (const cv::Point& neighbour :
+           NeighboursOf(survivors.front().motion, settings.orientation)) {
         Finding finding = proof.Examine(neighbour);
         if (finding.IsPossible()) {
           survivors.push_back(std::move(finding));
@@ -269,7 +273,9 @@ class PairStudyRun {
                    [](const Finding& finding) { return finding.motion; });
     std::sort(motions.begin(), motions.end(), IsSmaller);
     PairMatch match;
-    match.join.verdict = motions.size() > 1 ? Verdict::Doubtful : Verdict::Likely;
+    const bool isOnly = survivors.size() == 1 && survivors.front().contradicting == 0 &&
+                        survivors.front().unique >= LeastWitnesses;
+    match.join.verdict = isOnly ? Verdict::Likely : Verdict::Doubtful;
     SetMotions(motions.front(), {motions.begin() + 1, motions.end()}, match.join);
     return match;
   }

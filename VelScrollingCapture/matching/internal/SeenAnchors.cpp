@@ -22,10 +22,13 @@ constexpr int SamePlace = 2;
 
 constexpr int Free = -1;
 
-/// How many more zero bits than an anchor's a remembered one's hash has.
+/// How many zero bits a remembered anchor's hashes have: those of an anchor, and further ones.
+int ZeroBitsOf(const CaptureAnchors& capture) {
+  return SelectingZeroBits(capture.size, CV_MAT_CN(capture.type)) >= 4 ? 7 : 6;
+}
+
 int FurtherZeroBits(const CaptureAnchors& capture) {
-  const int zeroBits = SelectingZeroBits(capture.size, CV_MAT_CN(capture.type));
-  return std::clamp(7 - zeroBits, 0, 2);
+  return ZeroBitsOf(capture) - SelectingZeroBits(capture.size, CV_MAT_CN(capture.type));
 }
 
 std::uint32_t Mixed(std::uint32_t hash) {
@@ -34,9 +37,7 @@ std::uint32_t Mixed(std::uint32_t hash) {
 }
 
 int RoomOfSquare(const CaptureAnchors& capture) {
-  const int zeroBits =
-      SelectingZeroBits(capture.size, CV_MAT_CN(capture.type)) + FurtherZeroBits(capture);
-  return std::max(4, Renewals * SquareSide * SquareSide >> zeroBits);
+  return Renewals * SquareSide * SquareSide >> ZeroBitsOf(capture);
 }
 
 std::uint64_t SquareAt(int part, const cv::Point& place) {

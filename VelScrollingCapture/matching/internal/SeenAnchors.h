@@ -16,7 +16,7 @@ namespace ScrollingCapture {
 ///
 /// Of a capture's anchors a part is remembered, chosen by content again; and of each square of the
 /// picture only so many, whatever it has shown: videos and the like give new anchors for ever. That
-/// makes at most one byte a pixel of the picture.
+/// makes at most two bytes a pixel of the picture, and half a byte as a rule.
 class SeenAnchors {
  public:
   /// A place for the top-left pixel of a capture, and how many anchors vote for it.

@@ -22,13 +22,15 @@ constexpr float LeastResidue = 0.02F;
 /// Bars at an edge take at most one of so many parts of a window.
 constexpr int EdgeParts = 6;
 
+/// The least number of tiles of the largest size; small ones say less.
 constexpr int LeastTiles = 8;
+constexpr int LargestTile = 32;
 constexpr int ManyTiles = 24;
 constexpr int LeastWin = 4;
 
 int TileSide(const cv::Size& capture) {
   const int shortSide = std::min(capture.width, capture.height);
-  return shortSide < 200 ? 8 : shortSide < 400 ? 16 : 32;
+  return shortSide < 200 ? 8 : shortSide < 400 ? 16 : LargestTile;
 }
 
 /// The sum of the squared deviations of some numbers from their mean.
@@ -98,7 +100,7 @@ bool IsExact(const cv::Mat& one, const cv::Mat& other) {
 }  // namespace
 
 bool TolerantFinding::IsPlausible(bool isSupported) const {
-  if (tilesFor < LeastTiles || explained * 4 < tilesFor * double{MostResidue}) {
+  if (tilesFor < leastTiles || explained * 4 < tilesFor * double{MostResidue}) {
     return false;
   }
   if (motion == cv::Point() && 2 * innerFor < innerAgainst) {
@@ -162,6 +164,7 @@ cv::Mat TolerantProof::Residues(const cv::Point& motion, double& explained) cons
 TolerantFinding TolerantProof::Examine(const cv::Point& motion) const {
   TolerantFinding finding;
   finding.motion = motion;
+  finding.leastTiles = LeastTiles * LargestTile / tileSide;
   finding.residues = Residues(motion, finding.explained);
   const cv::Point margin(still.cols / EdgeParts, still.rows / EdgeParts);
   const cv::Rect inner(margin, cv::Point(still.size()) - margin);

@@ -15,6 +15,7 @@ struct TolerantFinding {
   int tilesAgainst = 0;
   int innerFor = 0;  ///< of those, the tiles that are not near the capture's edge
   int innerAgainst = 0;
+  int leastTiles = 0;  ///< how many tiles say anything at all
   int tilesExact = 0;  ///< of those for the motion, the tiles that agree in every pixel
 
   /// Whether the motion may be the content's.

@@ -67,8 +67,8 @@ bool AreNeighbours(const cv::Point& one, const cv::Point& other);
 /// The motions that differ by one pixel, as far as they are allowed.
 std::vector<cv::Point> NeighboursOf(const cv::Point& motion, ScrollOrientation orientation);
 
-/// Whether parts of a window may move so while its content moves otherwise: not at all, or along one
-/// of the content's axes only.
+/// Whether parts of a window may move so while its content moves otherwise: not at all, or along
+/// one of the content's axes only.
 bool IsMotionOfPart(const cv::Point& part, const cv::Point& motion);
 
 /// Orders motions by their length, then by rows and columns.

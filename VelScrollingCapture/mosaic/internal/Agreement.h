@@ -6,6 +6,7 @@
 
 #include <opencv2/core.hpp>
 
+#include <VelScrollingCapture/mosaic/internal/AnalysisProgress.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
 
@@ -24,6 +25,12 @@ struct Agreement {
 /// For each capture the part of the picture, in rectangles, that no capture after it shows.
 std::vector<std::vector<cv::Rect>> LastShown(const CaptureLayout& layout);
 
-Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout);
+/// Holds each capture against the one that was the first to show a place: where all agree with that
+/// one, they agree with each other.
+Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout,
+                        unsigned threadCount, const AnalysisProgress& progress);
+
+/// For each capture whether it shows something of a disputed cell.
+std::vector<bool> FindDisputedCaptures(const CaptureLayout& layout, const DisputedCells& disputed);
 
 }  // namespace ScrollingCapture

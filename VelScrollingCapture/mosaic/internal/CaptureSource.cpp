@@ -23,10 +23,16 @@ CaptureSource::CaptureSource(IImageProvider& provider)
   }
   const auto first = Fetch(provider, 0);
   size = first->size();
+  part = cv::Rect({}, size);
   type = first->type();
   if (first->depth() != CV_8U || first->channels() > 4) {
     throw std::invalid_argument("A mosaic takes captures of 8 bits a channel, 4 channels at most.");
   }
+}
+
+CaptureSource::CaptureSource(const CaptureSource& whole, const cv::Rect& part)
+    : CaptureSource(whole) {
+  this->part = part;
 }
 
 std::shared_ptr<const cv::Mat> CaptureSource::Get(size_t index) const {
@@ -35,7 +41,7 @@ std::shared_ptr<const cv::Mat> CaptureSource::Get(size_t index) const {
     throw std::invalid_argument("Capture " + std::to_string(index) +
                                 " differs in size or type from the first one.");
   }
-  return capture;
+  return part.size() == size ? capture : std::make_shared<const cv::Mat>(*capture, part);
 }
 
 }  // namespace ScrollingCapture

@@ -1,28 +1,20 @@
 #pragma once
 
-#include <cstdint>
-#include <map>
 #include <vector>
 
-#include <opencv2/core.hpp>
-
 #include <VelScrollingCapture/mosaic/internal/Agreement.h>
+#include <VelScrollingCapture/mosaic/internal/AnalysisProgress.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
+#include <VelScrollingCapture/mosaic/internal/Runs.h>
 #include <VelScrollingCapture/mosaic/internal/Suspicion.h>
 
 namespace ScrollingCapture {
 
-/// A stretch of a picture row that is taken from one capture.
-struct Run {
-  int row;
-  int column;
-  int length;
-  std::uint32_t capture;
-};
-
-/// Which capture shows each pixel of the disputed cells.
+/// Decides which capture shows each pixel of the disputed cells.
+/// @return where that is not the first capture that shows the pixel, by rows and columns
 std::vector<Run> SelectCaptures(const CaptureSource& source, const CaptureLayout& layout,
-                                const DisputedCells& disputed, const Suspicion& suspicion);
+                                const DisputedCells& disputed, const Suspicion& suspicion,
+                                unsigned threadCount, const AnalysisProgress& progress);
 
 }  // namespace ScrollingCapture

@@ -45,14 +45,15 @@ class ScriptedPairsDetector : public PhaseCorrelationTranslationDetector {
   Translations alternatives;
 };
 
-TEST(SequenceDetection, UsesThePairwiseOperationOfADerivedDetector) {
+TEST(PhaseCorrelationTranslationDetectorOverride, UsesThePairwiseOperationOfADerivedDetector) {
   BasicImageProvider captures = NumberedCaptures(3);
   ScriptedPairsDetector detector(false, {{1, 2}, {3, 4}}, {});
   EXPECT_THAT(detector.DetectTranslation(captures, nullptr, 0, 90),
               ElementsAre(Translation(1, 2), Translation(3, 4)));
 }
 
-TEST(SequenceDetection, UsesTheAlternativeOperationOfADerivedDetectorWhenConsistencyIsExpected) {
+TEST(PhaseCorrelationTranslationDetectorOverride,
+     UsesTheAlternativeOperationOfADerivedDetectorWhenConsistencyIsExpected) {
   class OnlyAlternatives : public PhaseCorrelationTranslationDetector {
    public:
     OnlyAlternatives() : PhaseCorrelationTranslationDetector(Both, true, 1) {}
@@ -98,7 +99,8 @@ BasicImageProvider MarkedCaptures() {
   return captures;
 }
 
-TEST(SequenceDetection, ComparesWhatAnOverrideHandsOnAndNotTheCapturesOfTheProvider) {
+TEST(PhaseCorrelationTranslationDetectorOverride,
+     ComparesWhatAnOverrideHandsOnAndNotTheCapturesOfTheProvider) {
   BasicImageProvider captures = MarkedCaptures();
   Translations expected;
   for (size_t pair = 0; pair + 1 < captures.Count(); ++pair) {
@@ -113,7 +115,7 @@ TEST(SequenceDetection, ComparesWhatAnOverrideHandsOnAndNotTheCapturesOfTheProvi
   }
 }
 
-TEST(SequenceDetection, KeepsAnotherDetectorApartThatAnOverrideAsks) {
+TEST(PhaseCorrelationTranslationDetectorOverride, KeepsAnotherDetectorApartThatAnOverrideAsks) {
   class AskingDetector : public PhaseCorrelationTranslationDetector {
    public:
     AskingDetector() : PhaseCorrelationTranslationDetector(Both, false, 2) {}
@@ -141,21 +143,22 @@ struct Consistency {
 
 void PrintTo(const Consistency& consistency, std::ostream* stream) { *stream << consistency.name; }
 
-class ConsistencyPass : public TestWithParam<Consistency> {};
+class PhaseCorrelationTranslationDetectorConsistency : public TestWithParam<Consistency> {};
 
-TEST_P(ConsistencyPass, PrefersAnAlternativeThatRepeatsTheTranslationBefore) {
+TEST_P(PhaseCorrelationTranslationDetectorConsistency,
+       PrefersAnAlternativeThatRepeatsTheTranslationBefore) {
   BasicImageProvider captures = NumberedCaptures(GetParam().best.size() + 1);
   ScriptedPairsDetector detector(true, GetParam().best, GetParam().alternatives);
   EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), GetParam().result);
 }
 
-TEST_P(ConsistencyPass, IsLeftOutWhenConsistencyIsNotExpected) {
+TEST_P(PhaseCorrelationTranslationDetectorConsistency, IsLeftOutWhenConsistencyIsNotExpected) {
   BasicImageProvider captures = NumberedCaptures(GetParam().best.size() + 1);
   ScriptedPairsDetector detector(false, GetParam().best, GetParam().alternatives);
   EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), GetParam().best);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, ConsistencyPass,
+INSTANTIATE_TEST_SUITE_P(Cases, PhaseCorrelationTranslationDetectorConsistency,
                          testing::Values(Consistency{"ReplacesAnOutlier",
                                                      {{-50, 0}, {-50, 0}, {-3, 0}},
                                                      {{-50, 0}, {-50, 0}, {-50, 0}},

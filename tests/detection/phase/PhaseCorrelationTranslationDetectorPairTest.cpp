@@ -35,7 +35,7 @@ struct Motion {
 
 void PrintTo(const Motion& motion, std::ostream* stream) { *stream << motion.name; }
 
-class DetectedMotion : public testing::TestWithParam<Motion> {
+class PhaseCorrelationTranslationDetectorMotion : public testing::TestWithParam<Motion> {
  protected:
   void SetUp() override {
     const cv::Mat page = TextPage({300, 280});
@@ -49,17 +49,17 @@ class DetectedMotion : public testing::TestWithParam<Motion> {
   cv::Mat second;
 };
 
-TEST_P(DetectedMotion, IsTheMotionOfTheContent) {
+TEST_P(PhaseCorrelationTranslationDetectorMotion, IsTheMotionOfTheContent) {
   EXPECT_EQ(detector.DetectTranslation(first, second), GetParam().translation);
 }
 
-TEST_P(DetectedMotion, IsTheSameWithAnAlternative) {
+TEST_P(PhaseCorrelationTranslationDetectorMotion, IsTheSameWithAnAlternative) {
   Translation alternative;
   EXPECT_EQ(detector.DetectTranslationWithAlternative(first, second, alternative),
             GetParam().translation);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motions, DetectedMotion,
+INSTANTIATE_TEST_SUITE_P(Motions, PhaseCorrelationTranslationDetectorMotion,
                          testing::Values(Motion{"NoMotion", 2, {0, 0}, {0, 0}},
                                          Motion{"VerticalUp", 0, {0, 40}, {-40, 0}},
                                          Motion{"VerticalDown", 0, {0, -40}, {40, 0}},
@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(Motions, DetectedMotion,
                                          Motion{"MinusOneIgnoresAllMotion", -1, {7, 9}, {0, 0}}),
                          [](const auto& instance) { return instance.param.name; });
 
-TEST(PairDetection, GivesTheFirstOfSeveralHighestValuesInRowMajorOrder) {
+TEST(PhaseCorrelationTranslationDetectorPair, GivesTheFirstOfSeveralHighestValuesInRowMajorOrder) {
   // Black captures have a surface of zeros: every element is the highest.
   for (const cv::Size size : {cv::Size(20, 10), cv::Size(5, 700), cv::Size(700, 5)}) {
     const cv::Mat black = PlainCapture(size, 0);
@@ -84,7 +84,7 @@ TEST(PairDetection, GivesTheFirstOfSeveralHighestValuesInRowMajorOrder) {
 }
 
 /// Tiny captures have surfaces of small whole numbers with many equal values.
-TEST(PairDetection, ChoosesLikeTheReferenceAmongEqualValues) {
+TEST(PhaseCorrelationTranslationDetectorPair, ChoosesLikeTheReferenceAmongEqualValues) {
   for (const ScrollOrientation orientation : {Vertical, Horizontal, Both}) {
     OpenDetector detector(orientation);
     const ReferenceDetector reference(orientation);
@@ -104,7 +104,7 @@ TEST(PairDetection, ChoosesLikeTheReferenceAmongEqualValues) {
   }
 }
 
-TEST(PairDetection, ChoosesLikeTheReferenceForUnrelatedCaptures) {
+TEST(PhaseCorrelationTranslationDetectorPair, ChoosesLikeTheReferenceForUnrelatedCaptures) {
   for (const ScrollOrientation orientation : {Vertical, Horizontal, Both}) {
     OpenDetector detector(orientation);
     const ReferenceDetector reference(orientation);
@@ -123,7 +123,7 @@ TEST(PairDetection, ChoosesLikeTheReferenceForUnrelatedCaptures) {
 }
 
 /// From a clear motion to none at all: the peak sinks into what the rest of the surface holds.
-TEST(PairDetection, ChoosesLikeTheReferenceHoweverWeakThePeakIs) {
+TEST(PhaseCorrelationTranslationDetectorPair, ChoosesLikeTheReferenceHoweverWeakThePeakIs) {
   const cv::Mat page = TextPage({260, 300});
   const cv::Rect window(20, 20, 150, 110);
   const cv::Mat first = page(window);
@@ -148,7 +148,7 @@ TEST(PairDetection, ChoosesLikeTheReferenceHoweverWeakThePeakIs) {
 }
 
 /// Two motions of nearly equal weight, in different rows of the surface.
-TEST(PairDetection, ChoosesLikeTheReferenceBetweenTwoMotions) {
+TEST(PhaseCorrelationTranslationDetectorPair, ChoosesLikeTheReferenceBetweenTwoMotions) {
   const cv::Mat page = TextPage({260, 300});
   const cv::Rect window(20, 20, 150, 110);
   const cv::Mat first = page(window);
@@ -168,7 +168,7 @@ TEST(PairDetection, ChoosesLikeTheReferenceBetweenTwoMotions) {
   }
 }
 
-TEST(PairDetection, TakesCapturesWithGapsBetweenTheRows) {
+TEST(PhaseCorrelationTranslationDetectorPair, TakesCapturesWithGapsBetweenTheRows) {
   const cv::Mat page = TextPage({200, 200});
   const cv::Mat first = page(cv::Rect(10, 20, 90, 80));
   const cv::Mat second = page(cv::Rect(23, 51, 90, 80));
@@ -176,7 +176,7 @@ TEST(PairDetection, TakesCapturesWithGapsBetweenTheRows) {
   EXPECT_EQ(OpenDetector(Both).DetectTranslation(first, second), Translation(-31, -13));
 }
 
-TEST(PairDetection, PassesOnWhatOpenCVRejects) {
+TEST(PhaseCorrelationTranslationDetectorPair, PassesOnWhatOpenCVRejects) {
   const cv::Mat capture = NoiseCapture({40, 30}, 1);
   const cv::Mat smaller = NoiseCapture({40, 20}, 1);
   const cv::Mat grey(30, 40, CV_8UC1, cv::Scalar(0));
@@ -190,7 +190,8 @@ TEST(PairDetection, PassesOnWhatOpenCVRejects) {
   }
 }
 
-TEST(AlternativeTranslation, IsTheBestWhenTheSecondValueIsExactlyHalfOfTheHighest) {
+TEST(PhaseCorrelationTranslationDetectorAlternative,
+     IsTheBestWhenTheSecondValueIsExactlyHalfOfTheHighest) {
   // The surface over a transform of length 4 is 4, 2, 0, -2.
   const cv::Mat first = Column({10, 200});
   const cv::Mat second = Column({90, 100});
@@ -204,7 +205,8 @@ TEST(AlternativeTranslation, IsTheBestWhenTheSecondValueIsExactlyHalfOfTheHighes
   EXPECT_EQ(alternative, Translation(0, 0));
 }
 
-TEST(AlternativeTranslation, IsTheSecondWhenItsValueIsAboveHalfOfTheHighest) {
+TEST(PhaseCorrelationTranslationDetectorAlternative,
+     IsTheSecondWhenItsValueIsAboveHalfOfTheHighest) {
   // A page whose rows are drawn twice, four rows apart: two motions explain the second capture.
   const cv::Mat page = TextPage({160, 200});
   const cv::Mat first = page(cv::Rect(0, 40, 160, 100));
@@ -219,7 +221,7 @@ TEST(AlternativeTranslation, IsTheSecondWhenItsValueIsAboveHalfOfTheHighest) {
   EXPECT_NE(alternative, best);
 }
 
-TEST(AlternativeTranslation, MayBeAnImmediateNeighbourOfTheBest) {
+TEST(PhaseCorrelationTranslationDetectorAlternative, MayBeAnImmediateNeighbourOfTheBest) {
   // Content between two rows: half of it moved by 20 rows, half by 21.
   const cv::Mat page = TextPage({160, 200});
   const cv::Mat first = page(cv::Rect(0, 40, 160, 100));
@@ -230,7 +232,7 @@ TEST(AlternativeTranslation, MayBeAnImmediateNeighbourOfTheBest) {
   EXPECT_EQ(std::abs(best.GetRows() - alternative.GetRows()), 1) << best << " " << alternative;
 }
 
-TEST(AlternativeTranslation, OfIdenticalCapturesIsNoMotion) {
+TEST(PhaseCorrelationTranslationDetectorAlternative, OfIdenticalCapturesIsNoMotion) {
   const cv::Mat capture = TextPage({100, 80});
   Translation alternative(7, 9);
   EXPECT_EQ(OpenDetector(Both).DetectTranslationWithAlternative(capture, capture, alternative),
@@ -238,7 +240,7 @@ TEST(AlternativeTranslation, OfIdenticalCapturesIsNoMotion) {
   EXPECT_EQ(alternative, Translation(0, 0));
 }
 
-TEST(AlternativeTranslation, OfBlackCapturesIsNoMotion) {
+TEST(PhaseCorrelationTranslationDetectorAlternative, OfBlackCapturesIsNoMotion) {
   const cv::Mat black = PlainCapture({20, 10}, 0);
   Translation alternative(7, 9);
   EXPECT_EQ(OpenDetector(Both).DetectTranslationWithAlternative(black, black, alternative),

@@ -39,7 +39,7 @@ class FreshMatrixProvider : public BasicImageProvider {
   std::mutex mutex;
 };
 
-TEST(SequenceDetection, TakesAFreshMatrixAtEachCall) {
+TEST(PhaseCorrelationTranslationDetectorProvider, TakesAFreshMatrixAtEachCall) {
   for (const unsigned int threadCount : {1U, 3U}) {
     FreshMatrixProvider captures(FiveCaptures().Captures());
     PhaseCorrelationTranslationDetector detector(Both, false, threadCount);
@@ -47,14 +47,16 @@ TEST(SequenceDetection, TakesAFreshMatrixAtEachCall) {
   }
 }
 
-TEST(SequenceDetection, AsksForTheEarlierAndThenTheLaterCaptureOfEachPair) {
+TEST(PhaseCorrelationTranslationDetectorProvider,
+     AsksForTheEarlierAndThenTheLaterCaptureOfEachPair) {
   FreshMatrixProvider captures(FiveCaptures().Captures());
   PhaseCorrelationTranslationDetector detector(Both, false, 1);
   detector.DetectTranslation(captures, nullptr, 0, 90);
   EXPECT_THAT(captures.asked, ElementsAre(0, 1, 1, 2, 2, 3, 3, 4));
 }
 
-TEST(SequenceDetection, HandsAFailureOfTheProviderToTheCallerOnceAllWorkersHaveEnded) {
+TEST(PhaseCorrelationTranslationDetectorProvider,
+     HandsAFailureOfTheProviderToTheCallerOnceAllWorkersHaveEnded) {
   class LosingProvider : public BasicImageProvider {
    public:
     explicit LosingProvider(const BasicImageProvider& captures) : BasicImageProvider(captures) {}
@@ -72,7 +74,7 @@ TEST(SequenceDetection, HandsAFailureOfTheProviderToTheCallerOnceAllWorkersHaveE
   }
 }
 
-TEST(SequenceDetection, TakesRepeatedCaptures) {
+TEST(PhaseCorrelationTranslationDetectorProvider, TakesRepeatedCaptures) {
   BasicImageProvider captures;
   const cv::Mat page = Testing::TextPage({100, 300});
   for (const int top : {0, 0, 40, 40, 40, 0}) {
@@ -110,7 +112,7 @@ class ChangingProvider : public BasicImageProvider {
   std::set<size_t> laterSeen;
 };
 
-TEST(SequenceDetection, UsesThePixelsOfTheMomentAndNeverAnEarlierOnes) {
+TEST(PhaseCorrelationTranslationDetectorProvider, UsesThePixelsOfTheMomentAndNeverAnEarlierOnes) {
   ChangingProvider captures(6);
   PhaseCorrelationTranslationDetector detector(Both, false, 1);
   const Translations found = detector.DetectTranslation(captures, nullptr, 0, 90);
@@ -141,14 +143,14 @@ class SharedBufferProvider : public BasicImageProvider {
   size_t calls = 0;
 };
 
-TEST(SequenceDetection, TakesCapturesWhoseMemoryIsUsedAgain) {
+TEST(PhaseCorrelationTranslationDetectorProvider, TakesCapturesWhoseMemoryIsUsedAgain) {
   SharedBufferProvider captures(FiveCaptures().Captures());
   PhaseCorrelationTranslationDetector detector(Both, false, 1);
   EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures().translations);
 }
 
 /// Black in each depth, so that the pixels of one begin as those of the next do.
-TEST(SequenceDetection, TakesCapturesOfOneSizeThatDifferInDepth) {
+TEST(PhaseCorrelationTranslationDetectorProvider, TakesCapturesOfOneSizeThatDifferInDepth) {
   BasicImageProvider captures;
   for (const int type : {CV_8UC4, CV_32FC4, CV_8UC3, CV_16UC4, CV_32FC3, CV_8UC4}) {
     cv::Mat capture(64, 512, type, cv::Scalar::all(0));
@@ -165,7 +167,8 @@ TEST(SequenceDetection, TakesCapturesOfOneSizeThatDifferInDepth) {
   }
 }
 
-TEST(SequenceDetection, TakesPairsOfDifferentSizeWhoseTransformSizesAgree) {
+TEST(PhaseCorrelationTranslationDetectorProvider,
+     TakesPairsOfDifferentSizeWhoseTransformSizesAgree) {
   BasicImageProvider captures;
   for (const int rows : {127, 128, 127, 127, 128}) {
     cv::Mat capture = Testing::TextPage({96, rows}, static_cast<unsigned int>(rows));

@@ -30,21 +30,22 @@ using testing::TestWithParam;
 
 using Translations = std::vector<Translation>;
 
-class ThreadCounts : public TestWithParam<unsigned int> {};
+class PhaseCorrelationTranslationDetectorThreadCounts : public TestWithParam<unsigned int> {};
 
-TEST_P(ThreadCounts, GiveTheMotionsInCaptureOrder) {
+TEST_P(PhaseCorrelationTranslationDetectorThreadCounts, GiveTheMotionsInCaptureOrder) {
   BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, false, GetParam());
   EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures().translations);
 }
 
-TEST_P(ThreadCounts, GiveTheSameWithConsistencyExpected) {
+TEST_P(PhaseCorrelationTranslationDetectorThreadCounts, GiveTheSameWithConsistencyExpected) {
   BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, true, GetParam());
   EXPECT_EQ(detector.DetectTranslation(captures, nullptr, 0, 90), FiveCaptures().translations);
 }
 
-TEST_P(ThreadCounts, ReportProgressFromTheWorkersAndTheEndFromTheCaller) {
+TEST_P(PhaseCorrelationTranslationDetectorThreadCounts,
+       ReportProgressFromTheWorkersAndTheEndFromTheCaller) {
   BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, false, GetParam());
   RecordingListener listener;
@@ -53,7 +54,7 @@ TEST_P(ThreadCounts, ReportProgressFromTheWorkersAndTheEndFromTheCaller) {
                                           "progress 90", "progress 90"));
 }
 
-TEST_P(ThreadCounts, StopWhenTheFirstProgressCallIsRefused) {
+TEST_P(PhaseCorrelationTranslationDetectorThreadCounts, StopWhenTheFirstProgressCallIsRefused) {
   BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, false, GetParam());
   RecordingListener listener(0);
@@ -61,7 +62,7 @@ TEST_P(ThreadCounts, StopWhenTheFirstProgressCallIsRefused) {
   EXPECT_THAT(listener.calls, ElementsAre("progress 22", "error 4 false"));
 }
 
-TEST_P(ThreadCounts, StopWhenAMiddleProgressCallIsRefused) {
+TEST_P(PhaseCorrelationTranslationDetectorThreadCounts, StopWhenAMiddleProgressCallIsRefused) {
   BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, true, GetParam());
   RecordingListener listener(2);
@@ -70,9 +71,10 @@ TEST_P(ThreadCounts, StopWhenAMiddleProgressCallIsRefused) {
               ElementsAre("progress 22", "progress 45", "progress 67", "error 4 false"));
 }
 
-INSTANTIATE_TEST_SUITE_P(SequenceDetection, ThreadCounts, testing::Values(1, 2, 3, 8));
+INSTANTIATE_TEST_SUITE_P(Cases, PhaseCorrelationTranslationDetectorThreadCounts,
+                         testing::Values(1, 2, 3, 8));
 
-TEST(SequenceDetection, FailsWhenTheCallersLastProgressCallIsRefused) {
+TEST(PhaseCorrelationTranslationDetectorSequence, FailsWhenTheCallersLastProgressCallIsRefused) {
   BasicImageProvider captures = FiveCaptures().Captures();
   PhaseCorrelationTranslationDetector detector(Both, false, 2);
   RecordingListener listener(4);
@@ -81,7 +83,7 @@ TEST(SequenceDetection, FailsWhenTheCallersLastProgressCallIsRefused) {
                                           "progress 90", "progress 90", "error 4 false"));
 }
 
-TEST(SequenceDetection, GivesWhatTheReferenceGivesForEachPair) {
+TEST(PhaseCorrelationTranslationDetectorSequence, GivesWhatTheReferenceGivesForEachPair) {
   BasicImageProvider captures;
   for (unsigned int seed = 0; seed < 6; ++seed) {
     cv::Mat capture = Testing::TextPage({120, 75}, seed);
@@ -100,7 +102,8 @@ TEST(SequenceDetection, GivesWhatTheReferenceGivesForEachPair) {
   }
 }
 
-TEST(SequenceDetection, GivesOneTranslationForTwoCapturesAndReportsTheEndTwice) {
+TEST(PhaseCorrelationTranslationDetectorSequence,
+     GivesOneTranslationForTwoCapturesAndReportsTheEndTwice) {
   BasicImageProvider captures = ScrolledPage({{3, 30}}).Captures();
   PhaseCorrelationTranslationDetector detector(Both, true, 1);
   RecordingListener listener;
@@ -109,7 +112,7 @@ TEST(SequenceDetection, GivesOneTranslationForTwoCapturesAndReportsTheEndTwice) 
   EXPECT_THAT(listener.calls, ElementsAre("progress 55", "progress 55"));
 }
 
-TEST(SequenceDetection, ReportsProgressOfRangesWiderThan32Bits) {
+TEST(PhaseCorrelationTranslationDetectorSequence, ReportsProgressOfRangesWiderThan32Bits) {
   BasicImageProvider captures = NumberedCaptures(2);
   PhaseCorrelationTranslationDetector detector(Both, false, 1);
   RecordingListener listener;
@@ -118,9 +121,10 @@ TEST(SequenceDetection, ReportsProgressOfRangesWiderThan32Bits) {
   EXPECT_THAT(listener.calls, ElementsAre("progress 2147483647", "progress 2147483647"));
 }
 
-class TooFewCaptures : public TestWithParam<size_t> {};
+class PhaseCorrelationTranslationDetectorTooFewCaptures : public TestWithParam<size_t> {};
 
-TEST_P(TooFewCaptures, AreRefusedWithAMessageWithoutTellingTheListener) {
+TEST_P(PhaseCorrelationTranslationDetectorTooFewCaptures,
+       AreRefusedWithAMessageWithoutTellingTheListener) {
   BasicImageProvider captures = NumberedCaptures(GetParam());
   PhaseCorrelationTranslationDetector detector(Both, true, 1);
   RecordingListener listener;
@@ -130,7 +134,8 @@ TEST_P(TooFewCaptures, AreRefusedWithAMessageWithoutTellingTheListener) {
   EXPECT_THAT(listener.calls, IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(SequenceDetection, TooFewCaptures, testing::Values(0, 1));
+INSTANTIATE_TEST_SUITE_P(Cases, PhaseCorrelationTranslationDetectorTooFewCaptures,
+                         testing::Values(0, 1));
 
 struct ProgressRange {
   std::string name;
@@ -142,9 +147,9 @@ struct ProgressRange {
 
 void PrintTo(const ProgressRange& range, std::ostream* stream) { *stream << range.name; }
 
-class Progress : public TestWithParam<ProgressRange> {};
+class PhaseCorrelationTranslationDetectorProgress : public TestWithParam<ProgressRange> {};
 
-TEST_P(Progress, AddsSinglePrecisionStepsAndCutsThemOff) {
+TEST_P(PhaseCorrelationTranslationDetectorProgress, AddsSinglePrecisionStepsAndCutsThemOff) {
   BasicImageProvider captures = NumberedCaptures(GetParam().captures);
   Testing::NumberedPairsDetector detector(1, [](size_t) { return Translation(); });
   RecordingListener listener;
@@ -158,7 +163,7 @@ TEST_P(Progress, AddsSinglePrecisionStepsAndCutsThemOff) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Ranges, Progress,
+    Ranges, PhaseCorrelationTranslationDetectorProgress,
     testing::Values(ProgressRange{"FivePairs", 6, 0, 100, {20, 40, 60, 80, 100, 100}},
                     ProgressRange{"LastWorkerFallsShort", 4, 10, 30, {16, 23, 29, 30}},
                     // In single precision ten steps of 0.1 make a little more than 1.
@@ -191,7 +196,8 @@ class ThreadListener : public RecordingListener {
   std::atomic<bool> inCall = false;
 };
 
-TEST(SequenceDetection, CallsTheListenerFromOneWorkerAtATimeAndFromTheCallerAtTheEnd) {
+TEST(PhaseCorrelationTranslationDetectorSequence,
+     CallsTheListenerFromOneWorkerAtATimeAndFromTheCallerAtTheEnd) {
   BasicImageProvider captures = NumberedCaptures(41);
   Testing::NumberedPairsDetector detector(8, [](size_t) { return Translation(); });
   ThreadListener listener;
@@ -203,7 +209,7 @@ TEST(SequenceDetection, CallsTheListenerFromOneWorkerAtATimeAndFromTheCallerAtTh
   EXPECT_THAT(listener.threads, testing::Not(testing::Contains(std::this_thread::get_id())));
 }
 
-TEST(SequenceDetection, TellsOfCancellationFromTheCaller) {
+TEST(PhaseCorrelationTranslationDetectorSequence, TellsOfCancellationFromTheCaller) {
   BasicImageProvider captures = NumberedCaptures(5);
   Testing::NumberedPairsDetector detector(2, [](size_t) { return Translation(); });
   class RefusingListener : public ThreadListener {
@@ -218,7 +224,7 @@ TEST(SequenceDetection, TellsOfCancellationFromTheCaller) {
   EXPECT_EQ(listener.threads.back(), std::this_thread::get_id());
 }
 
-TEST(SequenceDetection, ReportsInTheOrderInWhichPairsFinish) {
+TEST(PhaseCorrelationTranslationDetectorSequence, ReportsInTheOrderInWhichPairsFinish) {
   BasicImageProvider captures = NumberedCaptures(3);
   std::promise<void> secondPairDone;
   // The first pair ends only after the second one has reported.
@@ -247,7 +253,8 @@ TEST(SequenceDetection, ReportsInTheOrderInWhichPairsFinish) {
   EXPECT_THAT(listener.calls, ElementsAre("progress 50", "progress 100", "progress 100"));
 }
 
-TEST(SequenceDetection, RunsPairsInOrderOnFreshThreadsWithAThreadCountOfOne) {
+TEST(PhaseCorrelationTranslationDetectorSequence,
+     RunsPairsInOrderOnFreshThreadsWithAThreadCountOfOne) {
   BasicImageProvider captures = NumberedCaptures(9);
   std::mutex mutex;
   std::vector<size_t> order;

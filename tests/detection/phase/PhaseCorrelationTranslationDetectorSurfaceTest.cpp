@@ -44,35 +44,36 @@ void ExpectReferenceSurface(int orientationValue, const cv::Mat& first, const cv
       << "orientation " << orientationValue << ", captures of " << first.size();
 }
 
-class SurfaceBits : public testing::TestWithParam<std::tuple<int, cv::Size>> {
+class PhaseCorrelationTranslationDetectorSurfaceBits
+    : public testing::TestWithParam<std::tuple<int, cv::Size>> {
  protected:
   int Orientation() const { return std::get<0>(GetParam()); }
   cv::Size Size() const { return std::get<1>(GetParam()); }
 };
 
-TEST_P(SurfaceBits, EqualTheReferenceForNoise) {
+TEST_P(PhaseCorrelationTranslationDetectorSurfaceBits, EqualTheReferenceForNoise) {
   ExpectReferenceSurface(Orientation(), NoiseCapture(Size(), 1), NoiseCapture(Size(), 2));
 }
 
-TEST_P(SurfaceBits, EqualTheReferenceForAMovedPage) {
+TEST_P(PhaseCorrelationTranslationDetectorSurfaceBits, EqualTheReferenceForAMovedPage) {
   const cv::Mat page = TextPage({Size().width + 7, Size().height + 5});
   const cv::Mat first = page(cv::Rect({0, 0}, Size()));
   const cv::Mat second = page(cv::Rect({7, 5}, Size()));
   ExpectReferenceSurface(Orientation(), first, second);
 }
 
-TEST_P(SurfaceBits, EqualTheReferenceForIdenticalCaptures) {
+TEST_P(PhaseCorrelationTranslationDetectorSurfaceBits, EqualTheReferenceForIdenticalCaptures) {
   const cv::Mat capture = TextPage(Size());
   ExpectReferenceSurface(Orientation(), capture, capture);
 }
 
-TEST_P(SurfaceBits, EqualTheReferenceForCapturesOfOneColour) {
+TEST_P(PhaseCorrelationTranslationDetectorSurfaceBits, EqualTheReferenceForCapturesOfOneColour) {
   ExpectReferenceSurface(Orientation(), PlainCapture(Size(), 90), PlainCapture(Size(), 200));
   ExpectReferenceSurface(Orientation(), PlainCapture(Size(), 0), PlainCapture(Size(), 0));
   ExpectReferenceSurface(Orientation(), PlainCapture(Size(), 0), NoiseCapture(Size(), 3));
 }
 
-TEST_P(SurfaceBits, EqualTheReferenceForThreeChannels) {
+TEST_P(PhaseCorrelationTranslationDetectorSurfaceBits, EqualTheReferenceForThreeChannels) {
   cv::Mat first;
   cv::Mat second;
   cv::cvtColor(NoiseCapture(Size(), 4), first, cv::COLOR_RGBA2RGB);
@@ -88,7 +89,7 @@ std::string NameOf(const testing::TestParamInfo<std::tuple<int, cv::Size>>& inst
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Sizes, SurfaceBits,
+    Sizes, PhaseCorrelationTranslationDetectorSurfaceBits,
     testing::Combine(testing::Values(-1, 0, 1, 2, 3, 7),
                      testing::Values(cv::Size(1, 1), cv::Size(2, 1), cv::Size(1, 2), cv::Size(2, 2),
                                      cv::Size(3, 3), cv::Size(1, 37), cv::Size(41, 1),
@@ -98,7 +99,7 @@ INSTANTIATE_TEST_SUITE_P(
                                      cv::Size(243, 125), cv::Size(320, 241))),
     NameOf);
 
-TEST(CorrelationSurface, EqualsTheReferenceForLargeCaptures) {
+TEST(PhaseCorrelationTranslationDetectorSurface, EqualsTheReferenceForLargeCaptures) {
   const cv::Mat page = TextPage({1280, 1500});
   for (const int orientation : {0, 1, 2, 3}) {
     ExpectReferenceSurface(orientation, page(cv::Rect(0, 0, 1280, 720)),
@@ -107,7 +108,8 @@ TEST(CorrelationSurface, EqualsTheReferenceForLargeCaptures) {
 }
 
 /// Every transform size up to a bound, the odd ones included, in both dimensions.
-TEST(CorrelationSurface, EqualsTheReferenceForEveryTransformSizeUpToThirtyTwo) {
+TEST(PhaseCorrelationTranslationDetectorSurface,
+     EqualsTheReferenceForEveryTransformSizeUpToThirtyTwo) {
   for (int height = 1; height <= 32; ++height) {
     for (int width = 1; width <= 32; ++width) {
       ExpectReferenceSurface(3, NoiseCapture({width, height}, 6), NoiseCapture({width, height}, 7));
@@ -115,7 +117,8 @@ TEST(CorrelationSurface, EqualsTheReferenceForEveryTransformSizeUpToThirtyTwo) {
   }
 }
 
-TEST(CorrelationSurface, OfCapturesOfDifferentSizeIsMadeWhenTheTransformSizesAgree) {
+TEST(PhaseCorrelationTranslationDetectorSurface,
+     OfCapturesOfDifferentSizeIsMadeWhenTheTransformSizesAgree) {
   // 31 and 32 rows both make a transform of 32 rows.
   const cv::Mat lower = NoiseCapture({40, 31}, 1);
   const cv::Mat higher = NoiseCapture({40, 32}, 2);
@@ -124,7 +127,7 @@ TEST(CorrelationSurface, OfCapturesOfDifferentSizeIsMadeWhenTheTransformSizesAgr
   ExpectReferenceSurface(2, NoiseCapture({48, 127}, 3), NoiseCapture({48, 128}, 4));
 }
 
-TEST(CorrelationSurface, PassesOnThatTransformSizesDiffer) {
+TEST(PhaseCorrelationTranslationDetectorSurface, PassesOnThatTransformSizesDiffer) {
   cv::Size dftSize(7, 9);
   EXPECT_THROW(OpenDetector(Both).CalculateCorrelationMatrix(NoiseCapture({40, 30}, 1),
                                                              NoiseCapture({40, 20}, 2), dftSize),
@@ -132,7 +135,7 @@ TEST(CorrelationSurface, PassesOnThatTransformSizesDiffer) {
   EXPECT_EQ(dftSize, cv::Size(7, 9));
 }
 
-TEST(CorrelationSurface, PassesOnThatACaptureHasOneChannel) {
+TEST(PhaseCorrelationTranslationDetectorSurface, PassesOnThatACaptureHasOneChannel) {
   const cv::Mat grey(20, 20, CV_8UC1, cv::Scalar(0));
   const cv::Mat colour = NoiseCapture({20, 20}, 1);
   cv::Size dftSize(7, 9);
@@ -141,7 +144,7 @@ TEST(CorrelationSurface, PassesOnThatACaptureHasOneChannel) {
   EXPECT_EQ(dftSize, cv::Size(7, 9));
 }
 
-TEST(CorrelationSurface, PassesOnThatACaptureIsEmpty) {
+TEST(PhaseCorrelationTranslationDetectorSurface, PassesOnThatACaptureIsEmpty) {
   const cv::Mat colour = NoiseCapture({20, 20}, 1);
   cv::Size dftSize(7, 9);
   EXPECT_THROW(OpenDetector(Both).CalculateCorrelationMatrix({}, colour, dftSize), cv::Exception);
@@ -149,7 +152,7 @@ TEST(CorrelationSurface, PassesOnThatACaptureIsEmpty) {
   EXPECT_EQ(dftSize, cv::Size(7, 9));
 }
 
-TEST(CorrelationSurface, IgnoresAlpha) {
+TEST(PhaseCorrelationTranslationDetectorSurface, IgnoresAlpha) {
   const cv::Mat opaque = NoiseCapture({30, 20}, 1);
   cv::Mat clear = opaque.clone();
   cv::insertChannel(cv::Mat(clear.size(), CV_8UC1, cv::Scalar(0)), clear, 3);
@@ -160,7 +163,7 @@ TEST(CorrelationSurface, IgnoresAlpha) {
                        detector.CalculateCorrelationMatrix(clear, other, dftSize)));
 }
 
-TEST(CorrelationSurface, LeavesTheCapturesAsTheyWere) {
+TEST(PhaseCorrelationTranslationDetectorSurface, LeavesTheCapturesAsTheyWere) {
   const cv::Mat first = NoiseCapture({30, 20}, 1);
   const cv::Mat second = NoiseCapture({30, 20}, 2);
   cv::Size dftSize;
@@ -169,7 +172,7 @@ TEST(CorrelationSurface, LeavesTheCapturesAsTheyWere) {
   EXPECT_TRUE(SameBits(second, NoiseCapture({30, 20}, 2)));
 }
 
-TEST(CorrelationSurface, KeepsZeroComponentsZeroInsteadOfDividingByZero) {
+TEST(PhaseCorrelationTranslationDetectorSurface, KeepsZeroComponentsZeroInsteadOfDividingByZero) {
   // Equal captures: every imaginary component of the product is 0. Black ones: all are.
   const cv::Mat page = TextPage({60, 40});
   const cv::Mat black = PlainCapture({60, 40}, 0);
@@ -190,9 +193,10 @@ struct DirectedMotion {
 
 void PrintTo(const DirectedMotion& motion, std::ostream* stream) { *stream << motion.name; }
 
-class SurfacePeak : public testing::TestWithParam<DirectedMotion> {};
+class PhaseCorrelationTranslationDetectorSurfacePeak
+    : public testing::TestWithParam<DirectedMotion> {};
 
-TEST_P(SurfacePeak, LiesAtTheMotion) {
+TEST_P(PhaseCorrelationTranslationDetectorSurfacePeak, LiesAtTheMotion) {
   const cv::Mat page = TextPage({300, 300});
   const cv::Rect window(100, 100, 100, 100);
   cv::Size dftSize;
@@ -205,7 +209,7 @@ TEST_P(SurfacePeak, LiesAtTheMotion) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Motions, SurfacePeak,
+    Motions, PhaseCorrelationTranslationDetectorSurfacePeak,
     testing::Values(DirectedMotion{"NoMotion", Both, {0, 0}, {0, 0}},
                     DirectedMotion{"ContentUp", Vertical, {0, 40}, {0, 40}},
                     DirectedMotion{"ContentDown", Vertical, {0, -40}, {0, 160}},
@@ -222,12 +226,12 @@ struct SizeRule {
 
 void PrintTo(const SizeRule& rule, std::ostream* stream) { *stream << rule.name; }
 
-class TransformSize : public testing::TestWithParam<SizeRule> {
+class PhaseCorrelationTranslationDetectorTransformSize : public testing::TestWithParam<SizeRule> {
  protected:
   const OpenDetector detector{static_cast<ScrollOrientation>(GetParam().orientation)};
 };
 
-TEST_P(TransformSize, DoublesTheDirectionsOfTheOrientation) {
+TEST_P(PhaseCorrelationTranslationDetectorTransformSize, DoublesTheDirectionsOfTheOrientation) {
   cv::Size dftSize;
   cv::Mat spectrum;
   EXPECT_TRUE(detector.PerformDFT(GreyOf(NoiseCapture({110, 70}, 1)), spectrum, dftSize));
@@ -244,13 +248,13 @@ TEST_P(TransformSize, DoublesTheDirectionsOfTheOrientation) {
 // The lengths that the transform likes: 70 becomes 72, 110 becomes 120, 140 becomes 144, 220
 // becomes 225.
 INSTANTIATE_TEST_SUITE_P(
-    Orientations, TransformSize,
+    Orientations, PhaseCorrelationTranslationDetectorTransformSize,
     testing::Values(SizeRule{"Vertical", 0, {120, 144}}, SizeRule{"Horizontal", 1, {225, 72}},
                     SizeRule{"Both", 2, {225, 144}}, SizeRule{"Three", 3, {120, 72}},
                     SizeRule{"Seven", 7, {120, 72}}, SizeRule{"MinusOne", -1, {120, 72}}),
     [](const auto& instance) { return instance.param.name; });
 
-TEST(PerformDFT, GivesTheFullComplexSpectrumOfTheReference) {
+TEST(PhaseCorrelationTranslationDetectorSpectrum, GivesTheFullComplexSpectrumOfTheReference) {
   for (const int orientation : {0, 1, 2, 3}) {
     for (const cv::Size size : {cv::Size(33, 20), cv::Size(64, 64), cv::Size(7, 1)}) {
       const cv::Mat grey = GreyOf(NoiseCapture(size, 1));
@@ -266,7 +270,7 @@ TEST(PerformDFT, GivesTheFullComplexSpectrumOfTheReference) {
   }
 }
 
-TEST(PerformDFT, CentresTheImageWithTheOddPixelOnTheFarSide) {
+TEST(PhaseCorrelationTranslationDetectorSpectrum, CentresTheImageWithTheOddPixelOnTheFarSide) {
   // 11 x 7 pixels make a transform of 12 x 8: nothing before the image, one pixel after it.
   const cv::Mat grey = GreyOf(NoiseCapture({11, 7}, 1));
   cv::Mat spectrum;
@@ -280,7 +284,7 @@ TEST(PerformDFT, CentresTheImageWithTheOddPixelOnTheFarSide) {
   EXPECT_LT(cv::norm(enlarged, expected, cv::NORM_INF), 1e-3);
 }
 
-TEST(PerformDFT, SaysNothingWhenItSucceeds) {
+TEST(PhaseCorrelationTranslationDetectorSpectrum, SaysNothingWhenItSucceeds) {
   const Testing::StreamCapture errors(std::cerr);
   cv::Mat spectrum;
   cv::Size dftSize;
@@ -288,7 +292,7 @@ TEST(PerformDFT, SaysNothingWhenItSucceeds) {
   EXPECT_EQ(errors.Text(), "");
 }
 
-TEST(PerformIDFT, GivesTheUnscaledRealInverseOfTheReference) {
+TEST(PhaseCorrelationTranslationDetectorInverse, GivesTheUnscaledRealInverseOfTheReference) {
   cv::Size dftSize;
   const cv::Mat spectrum =
       ReferenceDetector(Both).PerformDFT(GreyOf(NoiseCapture({33, 20}, 1)), dftSize);
@@ -310,9 +314,10 @@ struct PeakCase {
 
 void PrintTo(const PeakCase& peak, std::ostream* stream) { *stream << peak.name; }
 
-class PeakConversion : public testing::TestWithParam<PeakCase> {};
+class PhaseCorrelationTranslationDetectorPeakConversion : public testing::TestWithParam<PeakCase> {
+};
 
-TEST_P(PeakConversion, GivesTheMotionOfTheContent) {
+TEST_P(PhaseCorrelationTranslationDetectorPeakConversion, GivesTheMotionOfTheContent) {
   const PeakCase& c = GetParam();
   const int peak[2] = {c.row, c.column};
   EXPECT_EQ(OpenDetector(static_cast<ScrollOrientation>(c.orientation))
@@ -321,7 +326,7 @@ TEST_P(PeakConversion, GivesTheMotionOfTheContent) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Peaks, PeakConversion,
+    Peaks, PhaseCorrelationTranslationDetectorPeakConversion,
     testing::Values(PeakCase{"Origin", 2, {20, 10}, 0, 0, {0, 0}},
                     PeakCase{"FirstHalves", 2, {20, 10}, 4, 9, {-4, -9}},
                     PeakCase{"SecondHalves", 2, {20, 10}, 6, 11, {4, 9}},
