@@ -15,6 +15,7 @@
 #include <VelScrollingCapture/core/Translation.h>
 #include <VelScrollingCapture/core/Utilities.h>
 #include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/frontend/ExactStitcherAdapter.h>
 #include <VelScrollingCapture/frontend/PlatformImage.h>
 #include <VelScrollingCapture/frontend/ProgressListener.h>
 #include <VelScrollingCapture/frontend/ScrollingProgressDelegate.h>

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <VelScrollingCapture/frontend/StitcherAdapter.h>
 #include <VelScrollingCapture/stitching/StitcherFactory.h>
 
@@ -22,3 +24,7 @@ bool StitcherAdapter::stitchImages() {
 }
 
 cv::Mat StitcherAdapter::getResult() { return result; }
+
+void StitcherAdapter::useStitcher(std::shared_ptr<ScrollingCapture::IStitcher> other) {
+  stitcher = std::move(other);
+}

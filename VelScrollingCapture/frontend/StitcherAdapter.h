@@ -35,6 +35,10 @@ class VEL_EXPORT StitcherAdapter : public ScrollingCapture::BasicImageProvider {
   /// The stitched image, sharing its pixels; empty before the first successful stitch.
   cv::Mat getResult();
 
+ protected:
+  /// Has another stitcher do the work.
+  void useStitcher(std::shared_ptr<ScrollingCapture::IStitcher> other);
+
  private:
   cv::Mat result;
   std::shared_ptr<ScrollingCapture::IStitcher> stitcher;

@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include <VelScrollingCapture/core/internal/Truncation.h>
+#include <VelScrollingCapture/frontend/ExactStitcherAdapter.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 #include <VelScrollingCapture/session/CaptureIntake.h>
 #include <VelScrollingCapture/session/internal/HostPreview.h>
@@ -15,6 +17,27 @@ template <typename Object>
 void ReplaceWithoutFreeing(std::unique_ptr<Object>& owner, Object* object) {
   static_cast<void>(owner.release());
   owner.reset(object);
+}
+
+CaptureOutcome Refused(const char* reason) { return {CaptureOutcome::State::Unusable, reason, {}}; }
+
+/// An adapter that joins exactly cannot place what no stitcher takes, and says where the capture
+/// lies.
+CaptureOutcome AddTo(StitcherAdapter& adapter, PreviewImage* preview, const cv::Mat& capture) {
+  constexpr bool KeepRepeats = false;
+  CaptureIntake intake(adapter, preview, KeepRepeats);
+  auto* const exact = dynamic_cast<ExactStitcherAdapter*>(&adapter);
+  if (exact == nullptr) {
+    return intake.Add(capture);
+  }
+  const std::string reason = WhyUnusable(capture);
+  if (!reason.empty()) {
+    return Refused(reason.c_str());
+  }
+  const CaptureOutcome outcome = intake.Add(capture);
+  return outcome.state == CaptureOutcome::State::Placed
+             ? OutcomeOf(exact->PlaceLast(), adapter.Count() == 1)
+             : outcome;
 }
 
 /// Ends the listener's life with the stitch, also when an exception passes. The completion notice
@@ -52,6 +75,13 @@ std::shared_ptr<VelScrollingCapture> VelScrollingCapture::initWithExpectConsiste
   return captureObject;
 }
 
+std::shared_ptr<VelScrollingCapture> VelScrollingCapture::initWithExactJoins(int threadCount) {
+  std::shared_ptr<VelScrollingCapture> captureObject(new VelScrollingCapture);
+  captureObject->_stitcherAdapter = std::make_unique<ExactStitcherAdapter>(threadCount);
+  captureObject->setupStitcher();
+  return captureObject;
+}
+
 VelScrollingCapture::~VelScrollingCapture() {
   _stitcherAdapter.reset();
   _progressListener.reset();
@@ -76,16 +106,14 @@ void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& 
 CaptureOutcome VelScrollingCapture::addCapture(const std::optional<PlatformImage>& image) try {
   const cv::Mat capture = image ? image->CVMat() : cv::Mat();
   makePreviewWhenAbsent();
-  StitcherAdapter* const adapter = stitcherAdapter();
-  if (adapter == nullptr) {
-    return {CaptureOutcome::State::Unusable, "has no adapter to be added to", {}};
+  if (stitcherAdapter() == nullptr) {
+    return Refused("has no adapter to be added to");
   }
-  constexpr bool KeepRepeats = false;
-  return CaptureIntake(*adapter, previewImageCreator(), KeepRepeats).Add(capture);
+  return AddTo(*stitcherAdapter(), previewImageCreator(), capture);
 } catch (const cv::Exception&) {
-  return {CaptureOutcome::State::Unusable,
-          "cannot be compared with the last one, or finds no memory",
-          {}};
+  return Refused("cannot be compared with the last one, or finds no memory");
+} catch (const std::bad_alloc&) {
+  return Refused("finds no memory");
 }
 
 std::optional<PlatformImage> VelScrollingCapture::currentImagePreview() try {

@@ -44,6 +44,12 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   static std::shared_ptr<VelScrollingCapture> initWithExpectConsistentTranslations(
       bool expectConsistentTranslations, int threadCount);
 
+  /// A capture object that joins captures exactly, see ExactStitcherAdapter: addCapture says of
+  /// each at once whether it could be placed, and fixed parts of the window appear once. It refuses
+  /// a first capture that has no pixels.
+  /// @param threadCount the most threads that work at once; less than 1 counts as 1
+  static std::shared_ptr<VelScrollingCapture> initWithExactJoins(int threadCount);
+
   virtual ~VelScrollingCapture();
 
   VelScrollingCapture(const VelScrollingCapture&) = delete;
@@ -61,7 +67,8 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   /// pixels are copied.
   void addImageToAdapter(const std::optional<PlatformImage>& image);
 
-  /// Does what addImageToAdapter does, and says what has become of the capture.
+  /// Does what addImageToAdapter does, and says what has become of the capture. Where the joins are
+  /// not exact, that it was placed only means that it was added.
   CaptureOutcome addCapture(const std::optional<PlatformImage>& image);
 
   /// The preview as it stands, scaled down to fit into previewImageSize; absent before the first

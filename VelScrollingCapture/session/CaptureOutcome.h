@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include <VelScrollingCapture/core/Export.h>
 #include <VelScrollingCapture/matching/CapturePlacer.h>
 
 namespace ScrollingCapture {
@@ -27,5 +28,9 @@ struct CaptureOutcome {
   /// proof back. Nothing unless it was added, and with phase correlation.
   std::optional<PlacedCapture> placed;
 };
+
+/// What has become of a capture that was added and placed.
+/// @param isFirst whether it is the first one, which nothing can join
+VEL_EXPORT CaptureOutcome OutcomeOf(const PlacedCapture& placed, bool isFirst);
 
 }  // namespace ScrollingCapture

@@ -7,21 +7,6 @@
 #include <VelScrollingCapture/session/internal/SessionEngine.h>
 
 namespace ScrollingCapture {
-namespace {
-
-CaptureOutcome::State StateOf(const Join& join) {
-  switch (join.verdict) {
-    case Verdict::Doubtful:
-      return CaptureOutcome::State::Doubtful;
-    case Verdict::None:
-      return CaptureOutcome::State::TooFast;
-    default:
-      return CaptureOutcome::State::Placed;
-  }
-}
-
-}  // namespace
-
 class CaptureSession::State {
  public:
   explicit State(const SessionSettings& settings)
@@ -36,12 +21,8 @@ class CaptureSession::State {
     if (outcome.state != CaptureOutcome::State::Placed) {
       return outcome;
     }
-    const bool isFirst = store.Captures()->Count() == 1;
-    outcome.placed = engine->Join(capture);
-    if (outcome.placed && !isFirst) {
-      outcome.state = StateOf(outcome.placed->join);
-    }
-    return outcome;
+    const std::optional<PlacedCapture> placed = engine->Join(capture);
+    return placed ? OutcomeOf(*placed, store.Captures()->Count() == 1) : outcome;
   }
 
   const SessionSettings settings;

@@ -66,8 +66,8 @@ TEST_F(Joins, ThatAreMissingLeaveThePictureInParts) {
   EXPECT_EQ(result.standardOutput,
             "page-1.png: 96 x 110 pixels, page-2.png: 96 x 100 pixels from 4 captures\n");
   EXPECT_THAT(result.standardError, HasSubstr("nothing joins '3.png' to '2.png'"));
-  EXPECT_THAT(Names(), AllOf(Contains("page-1.png"), Contains("page-2.png"),
-                             Not(Contains("page.png"))));
+  EXPECT_THAT(Names(),
+              AllOf(Contains("page-1.png"), Contains("page-2.png"), Not(Contains("page.png"))));
   EXPECT_EQ(cv::norm(ReadImage("page-2.png"), page(cv::Rect(0, 250, 96, 100)), cv::NORM_INF), 0);
 
   const json report = WrittenReport();
@@ -216,8 +216,8 @@ TEST_P(BadReports, AreRefusedInOneLine) {
 }
 
 std::string CaptureEntries(const std::string& first, const std::string& second) {
-  return R"({"captures": [{"file": "a.png", "join": )" + first + R"(}, {"file": "b.png", "join": )" +
-         second + "}]}";
+  return R"({"captures": [{"file": "a.png", "join": )" + first +
+         R"(}, {"file": "b.png", "join": )" + second + "}]}";
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -231,7 +231,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadReport{"OfOtherCaptures",
                   R"({"captures": [{"file": "a.png", "join": null}, {"file": "c.png"}]})",
                   "is about other captures"},
-        BadReport{"WithAMotionInWords", CaptureEntries("null", R"({"verdict": "likely", "rows": "many"})"),
+        BadReport{"WithAMotionInWords",
+                  CaptureEntries("null", R"({"verdict": "likely", "rows": "many"})"),
                   "does not tell how 'b.png' is joined"},
         BadReport{"WithAMotionBeyondTheCapture",
                   CaptureEntries("null", R"({"verdict": "likely", "rows": -80, "columns": 0})"),

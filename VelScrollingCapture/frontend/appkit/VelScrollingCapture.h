@@ -19,6 +19,15 @@
 
 struct VelScrollingCaptureState;
 
+/// What has become of a capture when it was added.
+typedef enum {
+  VelCapturePlaced = 0,    ///< It was added; with exact joins it is known where it lies.
+  VelCaptureRepeated = 1,  ///< It shows the same as the last one, and was dropped.
+  VelCaptureDoubtful = 2,  ///< It was added, and several places explain it alike.
+  VelCaptureTooFast = 3,   ///< It was added, but nothing joins it: scroll back a little.
+  VelCaptureUnusable = 4   ///< It was refused.
+} VelCaptureOutcome;
+
 /// One scrolling capture, from its first capture to the stitched image.
 ///
 /// Make one, hand it every capture as the window scrolls, show currentImagePreview meanwhile, and
@@ -76,6 +85,12 @@ struct VelScrollingCaptureState;
 /// @param threads the most detections that run at once; less than 1 counts as 1
 - (id)initWithExpectConsistentTranslations:(BOOL)expect andThreadCount:(int)threads;
 
+/// A capture object that joins captures exactly: addCapture:reason: says of each at once whether it
+/// could be placed, and fixed parts of the window appear once. Where captures are missing, the
+/// stitch gives the largest part.
+/// @param threads the most threads that work at once; less than 1 counts as 1
+- (id)initWithExactJoinsAndThreadCount:(int)threads;
+
 /// Makes what is needed for a stitch: an adapter when there is none, and a new progress listener in
 /// place of the one before. Sets the preview size to 250 x 250. Done by the initialisers.
 - (void)setupStitcher;
@@ -85,6 +100,12 @@ struct VelScrollingCaptureState;
 /// the last one kept, or cannot be compared with it because their sizes differ. Any capture is
 /// dropped that has more than 2^30 points or that there is no memory for.
 - (void)addImageToAdapter:(NSImage*)image;
+
+/// Does what addImageToAdapter: does, and says what has become of the capture. Without exact joins,
+/// that it was placed only means that it was added.
+/// @param reason receives why a capture was refused, to go on after "the capture", and nil
+///               otherwise; may be NULL
+- (VelCaptureOutcome)addCapture:(NSImage*)image reason:(NSString**)reason;
 
 /// The preview as it stands, scaled down to fit into previewImageSize; nil before the first
 /// capture, when that size leaves no pixel, and when memory runs out.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <VelScrollingCapture/core/internal/Messages.h>
+#include <VelScrollingCapture/frontend/ExactStitcherAdapter.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
@@ -12,6 +13,7 @@
 #import <VelScrollingCapture/frontend/appkit/internal/WeakReference.h>
 
 using CaptureObject = ScrollingCapture::VelScrollingCapture;
+using ScrollingCapture::CaptureOutcome;
 using ScrollingCapture::PlatformImage;
 using ScrollingCapture::AppKit::HasPoints;
 
@@ -102,6 +104,18 @@ NSImage* ImageOf(const PlatformImage& image) try {
   return nil;
 }
 
+/// An image that has points, but more than a matrix holds or memory has room for, is dropped.
+CaptureOutcome AddTo(CaptureObject& capture, NSImage* image) {
+  if (!HasPoints(image)) {
+    return capture.addCapture(std::nullopt);
+  }
+  const std::optional<PlatformImage> pixels = PixelsOf(image);
+  if (!pixels) {
+    return {CaptureOutcome::State::Unusable, "is too large", {}};
+  }
+  return capture.addCapture(pixels);
+}
+
 }  // namespace
 
 @interface VelScrollingCapture ()
@@ -118,6 +132,10 @@ NSImage* ImageOf(const PlatformImage& image) try {
   return [self
       initWithAdapter:std::make_unique<StitcherAdapter>(
                           ScrollingCapture::Both, static_cast<bool>(expect), std::max(threads, 1))];
+}
+
+- (id)initWithExactJoinsAndThreadCount:(int)threads {
+  return [self initWithAdapter:std::make_unique<ScrollingCapture::ExactStitcherAdapter>(threads)];
 }
 
 - (id)initWithAdapter:(std::unique_ptr<StitcherAdapter>&&)adapter {
@@ -149,11 +167,16 @@ NSImage* ImageOf(const PlatformImage& image) try {
 }
 
 - (void)addImageToAdapter:(NSImage*)image {
-  if (!HasPoints(image)) {
-    _state->capture->addImageToAdapter(std::nullopt);
-  } else if (const std::optional<PlatformImage> pixels = PixelsOf(image)) {
-    _state->capture->addImageToAdapter(pixels);
+  [self addCapture:image reason:NULL];
+}
+
+- (VelCaptureOutcome)addCapture:(NSImage*)image reason:(NSString**)reason {
+  const CaptureOutcome outcome = AddTo(*_state->capture, image);
+  if (reason != NULL) {
+    const char* const text = outcome.reason.c_str();
+    *reason = outcome.reason.empty() ? nil : [NSString stringWithUTF8String:text];
   }
+  return static_cast<VelCaptureOutcome>(outcome.state);
 }
 
 - (NSBitmapImageRep*)currentImagePreview {

@@ -277,6 +277,35 @@ TEST_F(ObjectiveCCapture, KeepsTheFirstCaptureEvenIfItIsNil) {
   EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
 }
 
+TEST_F(ObjectiveCCapture, TellsWhatHasBecomeOfEachCapture) {
+  const auto outcome = [this](const cv::Mat& matrix, NSString** reason) {
+    return [capture addCapture:[NSImage imageWithCVMat:matrix] reason:reason];
+  };
+  NSString* reason = @"stale";
+  EXPECT_EQ(outcome(ScrolledCaptures(1)[0], &reason), VelCapturePlaced);
+  EXPECT_TRUE(reason == nil);
+  EXPECT_EQ(outcome(ScrolledCaptures(1)[0], NULL), VelCaptureRepeated);
+  EXPECT_EQ(outcome(Testing::NoiseCapture({5, 5}, 1), &reason), VelCaptureUnusable);
+  EXPECT_TRUE([reason hasPrefix:@"has 5 x 5 pixels"]);
+}
+
+TEST_F(ObjectiveCCapture, JoinsExactlyWhereAskedTo) {
+  const cv::Mat page = Testing::NoiseCapture({200, 900}, 5);
+  ::VelScrollingCapture* const exact =
+      [[::VelScrollingCapture alloc] initWithExactJoinsAndThreadCount:2];
+  const auto outcome = [&](int row) {
+    const cv::Mat matrix = page(cv::Rect(0, row, 200, 160)).clone();
+    return [exact addCapture:[NSImage imageWithCVMat:matrix] reason:NULL];
+  };
+  EXPECT_EQ(outcome(0), VelCapturePlaced);
+  EXPECT_EQ(outcome(300), VelCaptureTooFast);
+  EXPECT_EQ(outcome(100), VelCapturePlaced);
+  EXPECT_EQ(outcome(200), VelCapturePlaced);
+  NSBitmapImageRep* const image = [exact stitchAndReturnFinalImage];
+  EXPECT_TRUE(SameBits(PixelsOf(image), page.rowRange(0, 460).clone()));
+  [exact release];
+}
+
 TEST_F(ObjectiveCCapture, AnswersYesWithoutADelegate) {
   EXPECT_TRUE([capture setCurrentProgress:5]);
   EXPECT_TRUE([capture continueStitching]);

@@ -2,26 +2,25 @@
 
 #include <QImage>
 #include <QObject>
-#include <memory>
+#include <atomic>
 #include <thread>
 
 #include <VelScrollingCapture/ScrollingCapture.h>
 
-class StitchProgress;
-
 /// One scrolling capture: takes grabs on the thread of the user interface, and stitches them on a
 /// thread of its own. All operations belong to the thread of the user interface, where the signals
 /// arrive as well.
-class CaptureSession : public QObject {
+class CaptureRun : public QObject, private ScrollingCapture::IStitcherListener {
   Q_OBJECT
 
  public:
-  explicit CaptureSession(QObject* parent = nullptr);
+  explicit CaptureRun(QObject* parent = nullptr);
 
   /// Stops a stitch that still runs, and waits for it.
-  ~CaptureSession() override;
+  ~CaptureRun() override;
 
-  void add(const QImage& grab);
+  /// @return what to tell the user of the grab; empty when it is as it should be
+  QString add(const QImage& grab);
 
   /// The live preview; null before the first grab.
   QImage preview() const;
@@ -41,7 +40,13 @@ class CaptureSession : public QObject {
  private:
   void stitchOnWorker();
 
-  std::shared_ptr<ScrollingCapture::VelScrollingCapture> capture;
-  std::shared_ptr<StitchProgress> progress;
+  // Called by the library while it stitches: signals cross over to the user interface by
+  // themselves.
+  bool ProgressCallback(int progress) override;
+  void StitchingComplete(bool success) override;
+  bool StitchingError(StitcherErrorCodes code, bool fatal) override;
+
+  ScrollingCapture::CaptureSession session;
+  std::atomic<bool> cancelled{false};
   std::thread worker;
 };
