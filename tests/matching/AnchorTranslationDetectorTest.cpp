@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <VelScrollingCapture/core/BasicStitcher.h>
 #include <VelScrollingCapture/matching/AnchorTranslationDetector.h>
+#include <VelScrollingCapture/stitching/BasicStitcher.h>
 
 #include "../support/MatrixTesting.h"
 #include "../support/RecordingListener.h"

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 #include <testkit/MatrixTesting.h>
-#include <testkit/faults/FailingMemory.h>
+#include <testkit/faults/FailingAllocator.h>
 
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 
@@ -135,7 +135,7 @@ TEST_F(NSImageBridge, HasNoPixelsForAnAbsurdSize) {
 
 TEST_F(NSImageBridge, HasNoPixelsWhereMemoryRunsOut) {
   NSImage* const image = [NSImage imageWithCVMat:GreyPixels()];
-  const Testing::FailingMemory memory;
+  const Testing::FailingAllocator memory;
   EXPECT_TRUE([image CVMat].empty());
   EXPECT_TRUE([image CVGrayscaleMat].empty());
 }

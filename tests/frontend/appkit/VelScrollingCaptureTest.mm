@@ -367,7 +367,7 @@ TEST_F(ObjectiveCCapture, KeepsACaptureOrLeavesItToBeAddedAgainWhereMemoryRunsOu
   AddAll(capture, {captures[0]});
   NSImage* const second = [NSImage imageWithCVMat:captures[1]];
   const auto add = [&](size_t passing) {
-    const Testing::FailingMemory memory(passing, Testing::FailingMemory::All);
+    const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::All);
     [capture addImageToAdapter:second];
     return memory.HasFailed();
   };
@@ -388,14 +388,14 @@ TEST_F(ObjectiveCCapture, GivesTheWholeImageOrNilWhereMemoryRunsOut) {
     EXPECT_FALSE(fault.HasThrown());
     EXPECT_EQ(rendered == nil || preview == nil, failed);
   };
-  Testing::ForEachFailingAllocation(Testing::FailingMemory::First, show);
+  Testing::ForEachFailingAllocation(Testing::FailingAllocator::First, show);
 }
 
 TEST_F(ObjectiveCCapture, SaysSoWhenTheStitchedImageDoesNotFitIntoABitmap) {
   AddAll(capture, ScrolledCaptures(1));
   const Testing::MessageCapture messages;
   // The first allocation is the inner object's own copy of the image.
-  const Testing::FailingMemory memory(1, Testing::FailingMemory::First);
+  const Testing::FailingAllocator memory(1, Testing::FailingAllocator::First);
   EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
   ASSERT_EQ(messages.Messages().size(), 1U);
   EXPECT_EQ(messages.Messages()[0].second, "Error: The stitched image does not fit into a bitmap.");
