@@ -4,9 +4,8 @@
 
 #include <gtest/gtest.h>
 #include <testkit/MatrixTesting.h>
-#include <testkit/faults/FailingAllocator.h>
-
-#include "DrawnScene.h"
+#include <testkit/faults/EveryFailure.h>
+#include <testkit/pages/DrawnScene.h>
 
 namespace ScrollingCapture {
 namespace {

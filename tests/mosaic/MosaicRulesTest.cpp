@@ -1,8 +1,7 @@
 #include <algorithm>
 
 #include <gtest/gtest.h>
-
-#include "DrawnScene.h"
+#include <testkit/pages/DrawnScene.h>
 
 namespace ScrollingCapture {
 namespace {

@@ -7,10 +7,9 @@
 #include <testkit/ScriptedDetector.h>
 #include <testkit/StreamCapture.h>
 #include <testkit/faults/ThrowingListener.h>
+#include <testkit/pages/DrawnScene.h>
 
 #include <VelScrollingCapture/mosaic/MosaicStitcher.h>
-
-#include "DrawnScene.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -5,8 +5,7 @@
 #include <gtest/gtest.h>
 #include <testkit/MatrixTesting.h>
 #include <testkit/RecordingListener.h>
-
-#include "DrawnScene.h"
+#include <testkit/pages/DrawnScene.h>
 
 namespace ScrollingCapture {
 namespace {
