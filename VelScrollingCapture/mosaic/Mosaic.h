@@ -48,8 +48,8 @@ class VEL_EXPORT Mosaic {
   /// Analyses the captures.
   ///
   /// Throws std::invalid_argument when there are not as many places as captures, when a capture has
-  /// no pixels, not 8 bits a channel, or another size or type than the first one, and cv::Exception
-  /// when an int cannot hold the rows or columns of the picture.
+  /// no pixels, not 8 bits a channel, or another size or type than the first one, and
+  /// std::length_error when an int cannot hold the rows or columns of the picture.
   /// @param captures of one size and type, with 1 to 4 channels of 8 bits, in the order in which
   ///                 they were taken
   /// @param places   where each capture lies; only their distances count

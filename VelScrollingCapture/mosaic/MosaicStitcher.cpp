@@ -5,7 +5,6 @@
 #include <utility>
 
 #include <VelScrollingCapture/core/internal/Messages.h>
-#include <VelScrollingCapture/core/internal/Narrowing.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/mosaic/MosaicStitcher.h>
 
@@ -41,13 +40,19 @@ class ProgressRange {
   int end;
 };
 
-/// Throws cv::Exception when a place is further away than an int can tell.
+/// Where the captures lie, the first one at (0, 0). Throws std::length_error when an int cannot
+/// tell.
 std::vector<Place> Accumulate(const std::vector<Translation>& translations) {
   std::vector<Place> places(1);
+  std::int64_t row = 0;
+  std::int64_t column = 0;
   for (const Translation& translation : translations) {
-    const Place& last = places.back();
-    places.push_back({Narrowed(std::int64_t{last.row} - translation.GetRows()),
-                      Narrowed(std::int64_t{last.column} - translation.GetCols())});
+    row -= translation.GetRows();
+    column -= translation.GetCols();
+    places.push_back({cv::saturate_cast<int>(row), cv::saturate_cast<int>(column)});
+    if (places.back().row != row || places.back().column != column) {
+      throw std::length_error("The captures lie further apart than an int can tell.");
+    }
   }
   return places;
 }
@@ -74,16 +79,6 @@ bool RenderAll(const Mosaic& mosaic, cv::Mat& canvas, const ProgressRange& progr
   return progress.Report(1);
 }
 
-/// Sizes the canvas; false when OpenCV cannot.
-bool MakeCanvas(const Mosaic& mosaic, cv::Mat& canvas) {
-  try {
-    canvas.create(mosaic.Size(), mosaic.Type());
-  } catch (const cv::Exception&) {
-    return false;
-  }
-  return true;
-}
-
 /// The analysis; null when the listener asked to stop, or when it has been told why there is none.
 std::unique_ptr<Mosaic> Analyse(IImageProvider& provider,
                                 const std::vector<Translation>& translations,
@@ -94,8 +89,19 @@ std::unique_ptr<Mosaic> Analyse(IImageProvider& provider,
                            progress.At(DetectionShare), progress.At(AnalysisShare));
   } catch (const std::invalid_argument& error) {
     Fail(listener, IStitcherListener::ImageProcessingFailed, error.what());
+  } catch (const std::length_error& error) {
+    Fail(listener, IStitcherListener::ImageProcessingFailed, error.what());
   }
   return nullptr;
+}
+
+/// The canvas; empty when OpenCV cannot make it.
+cv::Mat MakeCanvas(const Mosaic& mosaic) {
+  try {
+    return {mosaic.Size(), mosaic.Type()};
+  } catch (const cv::Exception&) {
+    return {};
+  }
 }
 
 bool Compose(IImageProvider& provider, const std::vector<Translation>& translations,
@@ -105,8 +111,8 @@ bool Compose(IImageProvider& provider, const std::vector<Translation>& translati
   if (mosaic == nullptr) {
     return false;
   }
-  cv::Mat canvas;
-  if (!MakeCanvas(*mosaic, canvas)) {
+  cv::Mat canvas = MakeCanvas(*mosaic);
+  if (canvas.empty()) {
     return Fail(listener, IStitcherListener::ImageProcessingFailed,
                 "Failed to size the resulting image.");
   }

@@ -123,14 +123,17 @@ class BlameSearch {
           firstOdds * firstOdds / (firstOdds * firstOdds + secondOdds * secondOdds + 1e-9F);
       const float decided = std::abs(2 * share - 1);
       const float weight = count * (UndecidedWeight + (1 - UndecidedWeight) * decided);
-      Hold(weights[pair.first], contradiction.firstCell, weight, share);
-      Hold(weights[pair.second], contradiction.secondCell, weight, 1 - share);
+      const float exonerated = 1 - (1 - exoneration) * decided;
+      Hold(weights[pair.first], contradiction.firstCell, weight * share,
+           weight * (1 - share) * exonerated);
+      Hold(weights[pair.second], contradiction.secondCell, weight * (1 - share),
+           weight * share * exonerated);
     }
   }
 
-  void Hold(Weights& cellWeights, std::uint32_t cell, float weight, float share) const {
-    cellWeights.against.ptr<float>()[cell] += weight * share;
-    cellWeights.inFavour.ptr<float>()[cell] += weight * (1 - share) * exoneration;
+  static void Hold(Weights& cellWeights, std::uint32_t cell, float against, float inFavour) {
+    cellWeights.against.ptr<float>()[cell] += against;
+    cellWeights.inFavour.ptr<float>()[cell] += inFavour;
   }
 
   /// What all captures together say of each place of the window.

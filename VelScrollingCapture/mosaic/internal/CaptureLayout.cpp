@@ -1,7 +1,8 @@
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <stdexcept>
 
-#include <VelScrollingCapture/core/internal/Narrowing.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
 
 namespace ScrollingCapture {
@@ -21,6 +22,13 @@ class Extent {
   int lowest = std::numeric_limits<int>::max();
   int highest = std::numeric_limits<int>::min();
 };
+
+int Narrowed(std::int64_t length) {
+  if (length > std::numeric_limits<int>::max()) {
+    throw std::length_error("The picture has more rows or columns than an int can tell.");
+  }
+  return static_cast<int>(length);
+}
 
 }  // namespace
 

@@ -9,9 +9,6 @@
 namespace ScrollingCapture {
 namespace {
 
-/// Where every capture is more suspect than this, all are covered.
-constexpr float SurelyCovered = 0.85F;
-
 /// Suspicions within this of the lowest one are as good as it.
 constexpr float AsGood = 0.05F;
 

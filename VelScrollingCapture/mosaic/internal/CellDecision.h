@@ -14,6 +14,9 @@ namespace ScrollingCapture {
 /// From this suspicion on a pixel counts as covered.
 inline constexpr float CoveredSuspicion = 0.5F;
 
+/// From this suspicion on there is no doubt that it is.
+inline constexpr float SurelyCovered = 0.85F;
+
 /// Rows of a capture that lie in a band of the picture.
 struct Strip {
   std::uint32_t capture;

@@ -127,7 +127,7 @@ void OwnParts::Decide(const std::vector<Position>& part) {
         const auto best =
             std::find_if(captures.begin(), captures.end(), [&](std::uint32_t capture) {
               return layout.RectOf(capture).contains(pixel) &&
-                     suspicion.Of(capture, pixel - layout.CornerOf(capture)) < CoveredSuspicion;
+                     suspicion.Of(capture, pixel - layout.CornerOf(capture)) < SurelyCovered;
             });
         if (best != captures.end()) {
           owners.At(row, column) = *best;

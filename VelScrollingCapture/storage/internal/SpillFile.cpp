@@ -114,7 +114,7 @@ std::FILE* OpenForWriting(const std::string& path, Existing existing) {
 }
 
 bool Write(std::FILE* file, const void* bytes, size_t count) {
-  return std::fwrite(bytes, 1, count, file) == count;
+  return count == 0 || std::fwrite(bytes, 1, count, file) == count;
 }
 
 bool WriteMatrix(std::FILE* file, const cv::Mat& image) {
