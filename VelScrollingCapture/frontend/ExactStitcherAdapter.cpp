@@ -75,8 +75,6 @@ void ExactStitcherAdapter::Clear() {
   engine = MakeSessionEngine(ExactSettings(threadCount), captures);
 }
 
-PlacedCapture ExactStitcherAdapter::PlaceLast() {
-  return *engine->Join({*GetLastImage(), {}, {}});
-}
+PlacedCapture ExactStitcherAdapter::PlaceLast() { return *engine->Join({*GetLastImage(), {}, {}}); }
 
 }  // namespace ScrollingCapture

@@ -13,9 +13,9 @@ class SessionEngine;
 /// An adapter that joins its captures exactly: each is placed, with proof on the pixels, against
 /// everything seen before, and the stitch gives the whole picture with fixed parts shown once.
 ///
-/// Where nothing joins some captures to the others the picture is in parts. The stitch then gives the
-/// largest part, and says so in a message; a host that heard of CaptureOutcome::State::TooFast can
-/// have the user scroll back before it comes to that.
+/// Where nothing joins some captures to the others the picture is in parts. The stitch then gives
+/// the largest part, and says so in a message; a host that heard of CaptureOutcome::State::TooFast
+/// can have the user scroll back before it comes to that.
 class VEL_EXPORT ExactStitcherAdapter : public StitcherAdapter {
  public:
   /// Looks for motion in both directions.

@@ -16,6 +16,18 @@ namespace {
 constexpr const char* Words[] = {"-o",
                                  "--output=page.png",
                                  "a.png",
+                                 "--engine",
+                                 "exact",
+                                 "phase-correlation",
+                                 "--fixed",
+                                 "keep",
+                                 "--strict",
+                                 "--joins",
+                                 "--split",
+                                 "--background",
+                                 "#abc",
+                                 "--jpeg-quality",
+                                 "--png-level",
                                  "--orientation",
                                  "vertical",
                                  "horizontal",
@@ -34,6 +46,7 @@ constexpr const char* Words[] = {"-o",
                                  "250x250",
                                  "--report",
                                  "-q",
+                                 "-qq",
                                  "--quiet",
                                  "--help",
                                  "--version",
@@ -57,6 +70,9 @@ void ExpectWithinLimits(const Program::Arguments& arguments) {
   Expect(
       !session.borders || (session.borders->difference <= 255 && session.borders->neighbors <= 8),
       "thresholds are limited");
+  Expect(!session.borders || session.engine == Engine::PhaseCorrelation,
+         "borders come with phase correlation only");
+  Expect(arguments.outputs.mostRowsPerFile.value_or(1) >= 1, "a piece has a row");
   const cv::Size size = session.previewBox.value_or(cv::Size(1, 1));
   Expect(size.width >= 1 && size.height >= 1 && size.width <= 10000 && size.height <= 10000,
          "the preview's size is limited");

@@ -30,7 +30,7 @@ void ReadAny(const std::string& bytes) {
   const std::string path = folder.Prefix() + "any.png";
   Testing::WriteFile(path, bytes);
   try {
-    const cv::Mat capture = Program::ReadCapture(path);
+    const cv::Mat capture = Program::ReadCapture(path).pixels;
     Expect(!capture.empty() && capture.type() == CV_8UC4, "what is read is a capture");
     Expect(IsPremultiplied(capture), "no colour is above its alpha");
   } catch (const Program::Failure& failure) {

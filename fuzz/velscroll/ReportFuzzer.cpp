@@ -17,6 +17,24 @@ std::string AnyText(FuzzedDataProvider& data) {
   return data.ConsumeRandomLengthString(LongestName);
 }
 
+Join AnyJoin(FuzzedDataProvider& data) {
+  Join join;
+  join.verdict =
+      data.PickValueInArray({Verdict::Proven, Verdict::Likely, Verdict::Doubtful, Verdict::None});
+  join.motion = AnyTranslation(data, {100, 100});
+  join.compared = data.ConsumeIntegral<std::int64_t>();
+  join.equal = data.ConsumeIntegral<std::int64_t>();
+  for (int i = data.ConsumeIntegralInRange(0, 3); i > 0; --i) {
+    join.alternatives.push_back(AnyTranslation(data, {100, 100}));
+  }
+  return join;
+}
+
+Program::ReportedPart AnyPart(FuzzedDataProvider& data) {
+  const std::string file = AnyText(data);
+  return {file, {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()}, {file}};
+}
+
 Program::ReportedCapture AnyOutcome(FuzzedDataProvider& data) {
   Program::ReportedCapture outcome;
   outcome.file = AnyText(data);
@@ -24,10 +42,9 @@ Program::ReportedCapture AnyOutcome(FuzzedDataProvider& data) {
       data.PickValueInArray({Program::ReportedCapture::Kept, Program::ReportedCapture::Repeated,
                              Program::ReportedCapture::LeftOut});
   outcome.place = {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()};
-  outcome.translation = AnyTranslation(data, {100, 100});
+  outcome.part = data.ConsumeIntegralInRange<size_t>(0, 9);
   if (data.ConsumeBool()) {
-    outcome.overlap = Program::Overlap{data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>(),
-                                       data.ConsumeFloatingPoint<double>()};
+    outcome.join = AnyJoin(data);
   }
   return outcome;
 }
@@ -47,9 +64,10 @@ SessionSettings AnySettings(FuzzedDataProvider& data) {
 
 Program::ReportContent AnyContent(FuzzedDataProvider& data) {
   Program::ReportContent content;
-  content.resultFile = AnyText(data);
   content.settings = AnySettings(data);
-  content.resultSize = {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()};
+  for (int i = data.ConsumeIntegralInRange(1, 3); i > 0; --i) {
+    content.parts.push_back(AnyPart(data));
+  }
   if (data.ConsumeBool()) {
     content.borders = FixedBorders{{1, 2, 3, 4}, data.ConsumeIntegral<int>(), 0, 0, 0};
   }
@@ -80,14 +98,17 @@ void ReportAny(FuzzedDataProvider& data) {
   Expect(text.back() == '\n', "the report ends with an end of line");
 
   const ToldReport told = ReadReport(text);
-  ExpectText(told.file, content.resultFile);
-  Expect(told.size == content.resultSize, "the size comes back");
+  Expect(told.parts.size() == content.parts.size(), "every part is told of");
+  for (size_t i = 0; i < told.parts.size(); ++i) {
+    ExpectText(told.parts[i].file, content.parts[i].file);
+    Expect(told.parts[i].size == content.parts[i].size, "the size comes back");
+  }
   Expect(told.captures.size() == content.captures.size(), "every capture is told of");
   for (size_t i = 0; i < told.captures.size(); ++i) {
     const Program::ReportedCapture& outcome = content.captures[i];
     ExpectText(told.captures[i].file, outcome.file);
     Expect(told.captures[i].row == outcome.place.row, "the place comes back");
-    Expect(told.captures[i].hasOverlap == outcome.overlap.has_value(), "the overlap comes back");
+    Expect(told.captures[i].hasJoin == outcome.join.has_value(), "the join comes back");
   }
   Expect(told.warnings == content.warnings.size(), "every warning is told");
 }

@@ -52,10 +52,14 @@ void WriteCaptures(FuzzedDataProvider& data, const Testing::TemporaryFolder& fol
   }
 }
 
-/// @return the files that the session is asked for
+/// @return the files that the session is asked for besides the picture
 Paths ChooseSettings(FuzzedDataProvider& data, const Testing::TemporaryFolder& folder,
                      Program::Arguments& arguments) {
   arguments.loudness = Program::Loudness::Nothing;
+  arguments.session.engine = data.PickValueInArray({Engine::Exact, Engine::PhaseCorrelation});
+  arguments.session.fixedParts = data.PickValueInArray({FixedParts::Once, FixedParts::Keep});
+  arguments.session.threadCount = data.ConsumeIntegralInRange(1U, 3U);
+  arguments.strict = data.ConsumeIntegralInRange(0, 7) == 0;
   arguments.session.orientation = data.PickValueInArray(
       {ScrollOrientation::Vertical, ScrollOrientation::Horizontal, ScrollOrientation::Both});
   arguments.session.expectConsistentTranslations = data.ConsumeBool();
@@ -63,8 +67,11 @@ Paths ChooseSettings(FuzzedDataProvider& data, const Testing::TemporaryFolder& f
   arguments.outputs.image =
       folder.Prefix() + "page" + data.PickValueInArray({".png", ".jpg", ".bmp", ".webp", ".tiff"});
   arguments.outputs.report = folder.Prefix() + "report.json";
-  Paths asked = {arguments.outputs.image, arguments.outputs.report};
-  if (data.ConsumeBool()) {
+  Paths asked = {arguments.outputs.report};
+  if (data.ConsumeIntegralInRange(0, 3) == 0) {
+    arguments.outputs.mostRowsPerFile = data.ConsumeIntegralInRange(1, LongestSide);
+  }
+  if (arguments.session.engine == Engine::PhaseCorrelation && data.ConsumeBool()) {
     arguments.session.borders = BorderThresholds{data.ConsumeIntegralInRange(0U, 255U),
                                                  data.ConsumeIntegralInRange(0U, 8U)};
   }
@@ -80,12 +87,31 @@ Paths ChooseSettings(FuzzedDataProvider& data, const Testing::TemporaryFolder& f
   return asked;
 }
 
-void ExpectReportTellsOfTheResult(const Program::Arguments& arguments) {
+/// @return the files of a part
+Paths ExpectPartIsWritten(const ToldPart& part) {
+  const std::vector<std::string> files =
+      part.pieces.empty() ? std::vector<std::string>{part.file} : part.pieces;
+  int rows = 0;
+  for (const std::string& file : files) {
+    const cv::Mat piece = cv::imread(file, cv::IMREAD_UNCHANGED);
+    Expect(piece.cols == part.size.width, "a piece is as wide as its part");
+    rows += piece.rows;
+  }
+  Expect(rows == part.size.height, "the pieces are as high as their part");
+  return {files.begin(), files.end()};
+}
+
+/// @return the files of the picture
+Paths ExpectReportTellsOfTheResult(const Program::Arguments& arguments,
+                                   Program::ExitStatus status) {
   const ToldReport report = ReadReport(Testing::ReadFile(arguments.outputs.report));
-  const cv::Mat result = cv::imread(arguments.outputs.image, cv::IMREAD_UNCHANGED);
-  Expect(!result.empty(), "the result can be read");
-  Expect(report.size == result.size(), "the report tells the result's size");
   Expect(report.captures.size() == arguments.captures.size(), "every capture is told of");
+  Expect((report.parts.size() == 1) == (status == Program::Done), "the status tells of parts");
+  Paths written;
+  for (const ToldPart& part : report.parts) {
+    written.merge(ExpectPartIsWritten(part));
+  }
+  return written;
 }
 
 void RunAny(FuzzedDataProvider& data) {
@@ -95,16 +121,17 @@ void RunAny(FuzzedDataProvider& data) {
   Paths expected = ChooseSettings(data, folder, arguments);
   WriteCaptures(data, folder, arguments);
   const Paths before = FilesIn(folder);
+  Program::ExitStatus status = Program::Done;
   try {
-    Program::RunStitchCommand(arguments);
+    status = Program::RunStitchCommand(arguments);
   } catch (const Program::Failure& failure) {
     ExpectOneLine(failure);
     Expect(FilesIn(folder) == before, "a session that fails leaves nothing behind");
     return;
   }
   expected.insert(before.begin(), before.end());
+  expected.merge(ExpectReportTellsOfTheResult(arguments, status));
   Expect(FilesIn(folder) == expected, "a session writes what it was asked for and nothing else");
-  ExpectReportTellsOfTheResult(arguments);
 }
 
 }  // namespace
