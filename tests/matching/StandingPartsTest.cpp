@@ -55,7 +55,7 @@ TEST(StandingParts, FillTheBoxOfAFloatingPart) {
 TEST(StandingParts, MoveAlongOneAxisWhereContentMovesAlongBoth) {
   const cv::Point motion(-40, -80);
   const StandingParts parts = FindStandingParts(
-      Both(Moved({-40, 0}, {60, 4, 250, 5}), Moved(motion, {60, 40, 250, 200})), motion, Capture);
+      Both(Moved({-40, 0}, {60, 4, 250, 5}), Moved(motion, {60, 40, 250, 160})), motion, Capture);
   EXPECT_TRUE(IsMarked(parts.later, {200, 10}));
   EXPECT_FALSE(IsMarked(parts.later, {200, 100}));
 }

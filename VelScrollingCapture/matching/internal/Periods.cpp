@@ -11,10 +11,10 @@ namespace ScrollingCapture {
 namespace {
 
 /// So many lines of pixels are looked at.
-constexpr int Lines = 48;
+constexpr int Lines = 32;
 
 constexpr int ShortestPeriod = 6;
-constexpr int LongestPeriod = 320;
+constexpr int LongestPeriod = 256;
 
 /// Grey levels by which noise changes from pixel to pixel.
 constexpr int SmallChange = 4;
