@@ -8,7 +8,7 @@
 #include <fuzz/support/Quiet.h>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <velscroll/arguments/Arguments.h>
-#include <velscroll/arguments/SettingNames.h>
+#include <velscroll/names/SettingNames.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {

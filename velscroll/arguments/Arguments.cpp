@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <velscroll/arguments/Arguments.h>
-#include <velscroll/arguments/SettingNames.h>
+#include <velscroll/names/SettingNames.h>
 #include <velscroll/output/PictureFormat.h>
 #include <velscroll/terminal/Failure.h>
 

@@ -2,8 +2,8 @@
 #include <memory>
 
 #include <velscroll/input/CaptureReading.h>
-#include <velscroll/output/OrderedWork.h>
 #include <velscroll/terminal/Interruption.h>
+#include <velscroll/threads/OrderedWork.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include <opencv2/core.hpp>
-#include <velscroll/output/metadata/ImageMetadata.h>
+#include <velscroll/metadata/ImageMetadata.h>
 
 namespace ScrollingCapture::Program {
 

@@ -3,9 +3,9 @@
 #include <memory>
 
 #include <velscroll/output/FilePixels.h>
-#include <velscroll/output/OrderedWork.h>
 #include <velscroll/output/RowWriter.h>
 #include <velscroll/output/formats/RowEncoder.h>
+#include <velscroll/threads/OrderedWork.h>
 
 namespace ScrollingCapture::Program {
 

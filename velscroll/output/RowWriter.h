@@ -5,9 +5,9 @@
 #include <string>
 
 #include <opencv2/core.hpp>
+#include <velscroll/metadata/ImageMetadata.h>
 #include <velscroll/output/Colour.h>
 #include <velscroll/output/PictureFormat.h>
-#include <velscroll/output/metadata/ImageMetadata.h>
 #include <velscroll/output/staging/OutputSink.h>
 
 namespace ScrollingCapture::Program {

@@ -1,5 +1,5 @@
 #include <nlohmann/json.hpp>
-#include <velscroll/arguments/SettingNames.h>
+#include <velscroll/names/SettingNames.h>
 #include <velscroll/report/Report.h>
 
 namespace ScrollingCapture::Program {

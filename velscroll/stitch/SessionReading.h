@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <velscroll/output/metadata/ImageMetadata.h>
+#include <velscroll/metadata/ImageMetadata.h>
 #include <velscroll/report/ReportedCapture.h>
 #include <velscroll/terminal/Console.h>
 

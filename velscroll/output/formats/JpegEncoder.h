@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-#include <velscroll/output/formats/JpegErrors.h>
+#include <velscroll/codecs/JpegErrors.h>
 #include <velscroll/output/formats/RowEncoder.h>
 #include <velscroll/output/staging/GuardedSink.h>
 

@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include <velscroll/codecs/PngErrors.h>
 #include <velscroll/output/FilePixels.h>
 #include <velscroll/output/RowWriter.h>
-#include <velscroll/output/formats/PngErrors.h>
 #include <velscroll/output/staging/GuardedSink.h>
 
 namespace ScrollingCapture::Program {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <velscroll/output/OrderedWork.h>
 #include <velscroll/output/RowWriter.h>
 #include <velscroll/output/formats/DeflatedBlock.h>
 #include <velscroll/output/formats/PngChunks.h>
+#include <velscroll/threads/OrderedWork.h>
 
 namespace ScrollingCapture::Program {
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace ScrollingCapture::Program {
@@ -24,8 +23,5 @@ struct ImageMetadata {
 /// The metadata of a PNG, JPEG, TIFF, WebP or BMP file. What is missing, damaged, of no use for
 /// red-green-blue pixels, or larger than 4 MiB is left out; other bytes have no metadata.
 ImageMetadata MetadataOf(const std::vector<unsigned char>& file);
-
-/// The same for a file on the disk, which is read whole. Throws BadInput when it cannot be read.
-ImageMetadata ReadImageMetadata(const std::string& path);
 
 }  // namespace ScrollingCapture::Program

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include <fuzz/support/Expect.h>
-#include <velscroll/output/metadata/ImageMetadata.h>
+#include <velscroll/metadata/ImageMetadata.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {

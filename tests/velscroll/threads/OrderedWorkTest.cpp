@@ -7,7 +7,7 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <velscroll/output/OrderedWork.h>
+#include <velscroll/threads/OrderedWork.h>
 
 namespace ScrollingCapture {
 namespace {

@@ -1,6 +1,6 @@
 #include <cstdint>
 
-#include <velscroll/output/metadata/MetadataReaders.h>
+#include <velscroll/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {

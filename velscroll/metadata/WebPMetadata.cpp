@@ -1,6 +1,6 @@
 #include <memory>
 
-#include <velscroll/output/metadata/MetadataReaders.h>
+#include <velscroll/metadata/MetadataReaders.h>
 #include <webp/mux.h>
 
 namespace ScrollingCapture::Program {

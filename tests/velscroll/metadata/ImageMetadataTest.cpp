@@ -1,15 +1,12 @@
 #include <cstring>
-#include <fstream>
 #include <string>
 
 #include <gmock/gmock.h>
-#include <testkit/TemporaryFolder.h>
 #include <testkit/output/ColourProfile.h>
 #include <testkit/output/DrawnPicture.h>
 #include <testkit/output/MemorySink.h>
+#include <velscroll/metadata/ImageMetadata.h>
 #include <velscroll/output/RowWriter.h>
-#include <velscroll/output/metadata/ImageMetadata.h>
-#include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -122,19 +119,6 @@ TEST(ImageMetadata, OfOtherBytesIsNothing) {
     EXPECT_FALSE(metadata.resolution) << text;
     EXPECT_TRUE(metadata.colourProfile.empty()) << text;
   }
-}
-
-TEST(ImageMetadata, IsReadFromAFile) {
-  const Testing::TemporaryFolder folder;
-  const std::string path = folder.Prefix() + "p.png";
-  const Bytes file = FileWith(".png", {Resolution{5000, 6000}, {}});
-  std::ofstream(path, std::ios::binary)
-      .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
-  const ImageMetadata metadata = Program::ReadImageMetadata(path);
-  ASSERT_TRUE(metadata.resolution);
-  EXPECT_EQ(metadata.resolution->horizontal, 5000);
-  EXPECT_EQ(metadata.resolution->vertical, 6000);
-  EXPECT_THROW(Program::ReadImageMetadata(path + ".missing"), Program::BadInput);
 }
 
 }  // namespace

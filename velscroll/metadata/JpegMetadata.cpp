@@ -1,8 +1,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include <velscroll/output/formats/JpegErrors.h>
-#include <velscroll/output/metadata/MetadataReaders.h>
+#include <velscroll/codecs/JpegErrors.h>
+#include <velscroll/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -1,7 +1,7 @@
 #include <cstring>
 
-#include <velscroll/output/formats/PngErrors.h>
-#include <velscroll/output/metadata/MetadataReaders.h>
+#include <velscroll/codecs/PngErrors.h>
+#include <velscroll/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-#include <velscroll/output/metadata/ImageMetadata.h>
+#include <velscroll/metadata/ImageMetadata.h>
 
 namespace ScrollingCapture::Program {
 

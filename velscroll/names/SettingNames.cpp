@@ -2,7 +2,7 @@
 #include <array>
 #include <utility>
 
-#include <velscroll/arguments/SettingNames.h>
+#include <velscroll/names/SettingNames.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {

@@ -2,9 +2,8 @@
 #include <cmath>
 #include <string_view>
 
-#include <velscroll/input/FileContent.h>
-#include <velscroll/output/metadata/ImageMetadata.h>
-#include <velscroll/output/metadata/MetadataReaders.h>
+#include <velscroll/metadata/ImageMetadata.h>
+#include <velscroll/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -71,7 +70,5 @@ ImageMetadata MetadataOf(const Bytes& file) {
   }
   return metadata;
 }
-
-ImageMetadata ReadImageMetadata(const std::string& path) { return MetadataOf(ReadFile(path)); }
 
 }  // namespace ScrollingCapture::Program

@@ -4,7 +4,7 @@
 #include <memory>
 #include <tiffio.h>
 
-#include <velscroll/output/metadata/MetadataReaders.h>
+#include <velscroll/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
 namespace {

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <utility>
 
-#include <velscroll/output/OrderedWork.h>
+#include <velscroll/threads/OrderedWork.h>
 
 namespace ScrollingCapture::Program {
 namespace {
