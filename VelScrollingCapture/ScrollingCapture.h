@@ -30,6 +30,8 @@
 #include <VelScrollingCapture/matching/PreparedCapture.h>
 #include <VelScrollingCapture/matching/SequenceMatcher.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
+#include <VelScrollingCapture/seams/Layout.h>
+#include <VelScrollingCapture/seams/Seam.h>
 #include <VelScrollingCapture/session/CaptureIntake.h>
 #include <VelScrollingCapture/session/CaptureOutcome.h>
 #include <VelScrollingCapture/session/CaptureSession.h>
@@ -38,8 +40,6 @@
 #include <VelScrollingCapture/session/SessionSettings.h>
 #include <VelScrollingCapture/session/SpillFileLost.h>
 #include <VelScrollingCapture/session/StitchedPicture.h>
-#include <VelScrollingCapture/seams/Layout.h>
-#include <VelScrollingCapture/seams/Seam.h>
 #include <VelScrollingCapture/similarity/RepeatFilter.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/stitching/StitcherFactory.h>

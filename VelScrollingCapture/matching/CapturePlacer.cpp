@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstdint>
-#include <map>
 #include <stdexcept>
 #include <utility>
 
@@ -24,6 +23,13 @@ constexpr std::size_t MostCapturesOfPlace = 2;
 constexpr std::size_t RepeatedQuarters = 3;
 
 bool IsSure(Verdict verdict) { return verdict == Verdict::Proven || verdict == Verdict::Likely; }
+
+template <typename Item>
+void MakeRoom(std::vector<Item>& items) {
+  if (items.size() == items.capacity()) {
+    items.reserve(2 * items.size() + 16);
+  }
+}
 
 /// What is remembered of a capture.
 struct Record {
@@ -50,8 +56,9 @@ class CapturePlacer::Implementation {
 
   void Place(std::size_t index, const PreparedCapture& capture, const PairMatch& pair) {
     Require(index, capture);
-    Commit(capture, index == 0 ? NewPart() : Find(index, capture, pair));
-    JoinParts(index, capture);
+    Record record = index == 0 ? NewPart() : Find(index, capture, pair);
+    JoinParts(record.place, index, capture);
+    Commit(capture, std::move(record));
   }
 
   void Place(std::size_t index, const PreparedCapture& capture) {
@@ -80,13 +87,13 @@ class CapturePlacer::Implementation {
     PlacedCapture placed;
     placed.join = record.join;
     placed.joinedTo = record.joinedTo;
-    std::map<int, int> numbers;
-    for (std::size_t i = 0; i <= index; ++i) {
-      const PartPlace other = parts.Resolve(records[i].place);
-      numbers.emplace(other.part, static_cast<int>(numbers.size()) + 1);
-    }
-    placed.part = numbers.at(place.part);
-    const cv::Point relative = place.place - parts.Resolve(FirstOf(place.part).place).place;
+    const auto begins = [this, &place](const Beginning& beginning) {
+      return beginning.part <= place.part &&
+             parts.Resolve({beginning.part, {}}).part == beginning.part;
+    };
+    placed.part = static_cast<int>(std::count_if(beginnings.begin(), beginnings.end(), begins));
+    const cv::Point relative =
+        place.place - parts.Resolve(records[FirstOf(place.part)].place).place;
     placed.place = {relative.y, relative.x};
     placed.join.motion = ToTranslation(MotionSinceBefore(index));
     if (record.join.verdict == Verdict::Proven && IsRefuted(record)) {
@@ -98,6 +105,12 @@ class CapturePlacer::Implementation {
   std::size_t Bytes() const { return seen.Bytes(); }
 
  private:
+  /// The capture that a part begins with.
+  struct Beginning {
+    int part;
+    std::size_t capture;
+  };
+
   /// An earlier capture, read again.
   struct Earlier {
     std::shared_ptr<cv::Mat> pixels;
@@ -189,26 +202,31 @@ class CapturePlacer::Implementation {
     return found;
   }
 
+  /// Nothing fails once there is room and the anchors are remembered.
   void Commit(const PreparedCapture& capture, Record record) {
-    records.reserve(records.size() + 1);
+    MakeRoom(records);
+    MakeRoom(beginnings);
     seen.Add(capture.Anchors(), record.place.part, record.place.place);
+    if (!record.joinedTo) {
+      beginnings.push_back({record.place.part, records.size()});
+    }
     records.push_back(std::move(record));
     last = capture;
   }
 
   /// Joins the part of a capture with others that its content was seen in.
-  void JoinParts(std::size_t index, const PreparedCapture& capture) {
+  void JoinParts(const PartPlace& placed, std::size_t index, const PreparedCapture& capture) {
     if (!parts.AreSeveral()) {
       return;
     }
     for (const SeenAnchors::Vote& vote : seen.PlacesOf(capture.Anchors())) {
-      const PartPlace place = parts.Resolve(records[index].place);
+      const PartPlace place = parts.Resolve(placed);
       if (vote.votes < LeastVotes) {
         return;
       }
       if (parts.Resolve({vote.part, vote.place}).part != place.part) {
         if (const std::optional<Record> other = FindAt(vote, index, capture)) {
-          parts.Join(other->place, records[index].place);
+          parts.Join(other->place, placed);
         }
       }
     }
@@ -223,10 +241,11 @@ class CapturePlacer::Implementation {
     return before.part == now.part ? before.place - now.place : cv::Point();
   }
 
-  const Record& FirstOf(int part) const {
-    return *std::find_if(records.begin(), records.end(), [&](const Record& record) {
-      return parts.Resolve(record.place).part == part;
-    });
+  /// Of parts that turned out to be one, the oldest one stands for all.
+  std::size_t FirstOf(int part) const {
+    return std::find_if(beginnings.begin(), beginnings.end(),
+                        [part](const Beginning& beginning) { return beginning.part == part; })
+        ->capture;
   }
 
   bool IsRefuted(const Record& record) const {
@@ -241,6 +260,7 @@ class CapturePlacer::Implementation {
   PictureParts parts;
   SeenAnchors seen;
   std::vector<Record> records;
+  std::vector<Beginning> beginnings;  ///< of all parts, the oldest first
   PreparedCapture last;
 };
 

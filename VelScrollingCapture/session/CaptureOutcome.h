@@ -19,7 +19,7 @@ struct CaptureOutcome {
     Unusable,  ///< It was refused; `reason` says why.
   };
 
-  State state = State::Placed;
+  State state = State::Placed;  ///< What was done with the capture.
 
   /// Why the capture is of no use, to go on after "the capture"; empty unless it is Unusable.
   std::string reason;

@@ -28,7 +28,7 @@ struct BorderThresholds {
 
 /// What a CaptureSession is asked to do.
 struct SessionSettings {
-  Engine engine = Engine::Exact;
+  Engine engine = Engine::Exact;  ///< How captures are joined and composed.
 
   /// The directions in which the content may move.
   ScrollOrientation orientation = Both;

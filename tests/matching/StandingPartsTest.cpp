@@ -9,7 +9,7 @@ namespace {
 const cv::Size Capture(400, 320);
 const cv::Point Motion(0, -80);
 
-/// Anchors at some places, all of which moved so.
+/// Anchors at some places of the later capture, all of which moved so.
 std::vector<Match> Moved(const cv::Point& motion, const cv::Rect& places) {
   std::vector<Match> matches;
   for (int y = places.y; y < places.br().y; y += 12) {
@@ -41,18 +41,21 @@ TEST(StandingParts, ReachFromBarsToTheEdge) {
 }
 
 TEST(StandingParts, FillTheBoxOfAFloatingPart) {
+  // Letters along two sides of the box, and content to its left and below it.
   const std::vector<Match> button =
-      Both(Moved({0, 0}, {300, 200, 5, 50}), Moved({0, 0}, {340, 200, 40, 5}));
-  const StandingParts parts =
-      FindStandingParts(Both(button, Moved(Motion, {0, 0, 380, 300})), Motion, Capture);
-  EXPECT_TRUE(IsMarked(parts.later, {302, 202}));
-  EXPECT_FALSE(IsMarked(parts.later, {200, 240}));
+      Both(Moved({0, 0}, {200, 160, 5, 50}), Moved({0, 0}, {200, 160, 60, 5}));
+  const std::vector<Match> content =
+      Both(Moved(Motion, {0, 0, 150, 220}), Moved(Motion, {300, 0, 80, 220}));
+  const StandingParts parts = FindStandingParts(Both(button, content), Motion, Capture);
+  EXPECT_TRUE(IsMarked(parts.later, {250, 200}));
+  EXPECT_FALSE(IsMarked(parts.later, {250, 100}));
+  EXPECT_FALSE(IsMarked(parts.later, {120, 180}));
 }
 
 TEST(StandingParts, MoveAlongOneAxisWhereContentMovesAlongBoth) {
   const cv::Point motion(-40, -80);
   const StandingParts parts = FindStandingParts(
-      Both(Moved({-40, 0}, {60, 4, 250, 5}), Moved(motion, {60, 40, 250, 200})), motion, Capture);
+      Both(Moved({-40, 0}, {60, 4, 250, 5}), Moved(motion, {60, 40, 250, 160})), motion, Capture);
   EXPECT_TRUE(IsMarked(parts.later, {200, 10}));
   EXPECT_FALSE(IsMarked(parts.later, {200, 100}));
 }

@@ -30,7 +30,10 @@ int SelectingZeroBits(const cv::Size& size, int channels) {
   if (area < 300'000) {
     return 4;
   }
-  return channels == 1 ? 7 : 5;
+  if (channels == 1) {
+    return 7;
+  }
+  return area < 1'500'000 ? 5 : 6;
 }
 
 CaptureAnchors FindAnchors(const cv::Mat& capture) {

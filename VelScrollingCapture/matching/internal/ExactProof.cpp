@@ -134,6 +134,11 @@ Tiles CompareTiles(const cv::Mat& one, const cv::Mat& other, int tileCells, cons
 
 cv::Rect AllOf(const cv::Mat& cells) { return {{0, 0}, cells.size()}; }
 
+cv::Rect InteriorOf(const cv::Mat& cells) {
+  const cv::Point margin(cells.cols / EdgeParts, cells.rows / EdgeParts);
+  return {margin, cv::Point(cells.size()) - margin};
+}
+
 }  // namespace
 
 bool Finding::IsPlausible(bool isDominant) const {
@@ -189,6 +194,11 @@ Finding ExactProof::Examine(const cv::Point& motion) const {
   return finding;
 }
 
+bool ExactProof::IsUniqueInside(const cv::Point& motion) const {
+  const cv::Mat unique = UniqueCells(matches, motion, CellsOf(later.size()));
+  return cv::countNonZero(unique(InteriorOf(unique))) >= LeastUnique;
+}
+
 bool ExactProof::StandsStill() const {
   const Comparison comparison = Compare(earlier, later, {}, Vectors::Widest);
   const StandingParts none = FindStandingParts({}, {}, later.size());
@@ -199,10 +209,8 @@ bool ExactProof::StandsStill() const {
     const Tiles tiles = CompareTiles(agreeing, contradicting, TileCells(later.size()), part);
     return tiles.notMore == 0 ? 1e9 : 1.0 * tiles.more / tiles.notMore;
   };
-  const cv::Point margin(agreeing.cols / EdgeParts, agreeing.rows / EdgeParts);
-  const cv::Rect interior(margin, cv::Point(agreeing.size()) - margin);
   return cv::countNonZero(UniqueCells(matches, {}, agreeing.size())) >= LeastUnique &&
-         tilesOf(AllOf(agreeing)) >= 1.5 && tilesOf(interior) >= 0.5;
+         tilesOf(AllOf(agreeing)) >= 1.5 && tilesOf(InteriorOf(agreeing)) >= 0.5;
 }
 
 bool ExactProof::Beats(const cv::Point& motion, const cv::Point& rival) const {

@@ -46,6 +46,9 @@ class ExactProof {
 
   Finding Examine(const cv::Point& motion) const;
 
+  /// Whether anything that is unique lies away from the edges of the window, where bars are.
+  bool IsUniqueInside(const cv::Point& motion) const;
+
   /// Whether nothing moved: what agrees is not only bars at the window's edges.
   bool StandsStill() const;
 

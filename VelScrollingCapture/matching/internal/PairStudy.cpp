@@ -7,6 +7,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include <VelScrollingCapture/matching/internal/PairStudy.h>
+#include <VelScrollingCapture/matching/internal/Periods.h>
 #include <VelScrollingCapture/matching/internal/PixelKeys.h>
 #include <VelScrollingCapture/matching/internal/SeenAnchors.h>
 #include <VelScrollingCapture/matching/internal/TolerantProof.h>
@@ -37,6 +38,9 @@ constexpr int StrongEvidence = 24;
 constexpr int LeastWitnesses = 4;
 
 constexpr std::size_t MostEvidence = 32;
+
+/// Lossy files code blocks of so many pixels a side.
+constexpr int LossyBlock = 8;
 
 cv::Mat GreyOf(const cv::Mat& capture) {
   cv::Mat grey;
@@ -138,7 +142,7 @@ class PairStudyRun {
     if (!candidates.empty() && candidates.front().motion == cv::Point()) {
       const Finding still = proof.Examine({});
       if (still.IsPlausible(false) && still.IsClean()) {
-        return Accept(still, {}, false);
+        return AcceptStill(still);
       }
     }
     for (const CountedMotion& candidate : candidates) {
@@ -153,7 +157,7 @@ class PairStudyRun {
       }
     }
     if (proof.StandsStill()) {
-      return Accept(proof.Examine({}), {}, false);
+      return AcceptStill(proof.Examine({}));
     }
     return std::nullopt;
   }
@@ -214,10 +218,66 @@ class PairStudyRun {
         rivals.push_back(rival);
       }
     }
+    AddRivalsByPeriod(finding.motion, rivals);
     return Accept(finding, rivals, isDrawnAnew);
   }
 
-  PairMatch Accept(const Finding& finding, const std::vector<cv::Point>& rivals, bool isDrawnAnew) {
+  /// Bars at the edges stand still in any case: alone they say nothing about the content.
+  PairMatch AcceptStill(const Finding& finding) const {
+    std::vector<cv::Point> rivals;
+    AddRivalsByPeriod({}, rivals);
+    PairMatch match = Accept(finding, rivals, false);
+    if (!proof.IsUniqueInside({})) {
+      match.join.verdict = Verdict::Doubtful;
+    }
+    return match;
+  }
+
+  /// Where content repeats itself, the next repetitions may explain the captures as well: to the
+  /// pixel, or (when lossy files make unlike what was alike) but for noise.
+  void AddRivalsByPeriod(const cv::Point& motion, std::vector<cv::Point>& rivals) const {
+    if (!MayBePeriodic(motion)) {
+      return;
+    }
+    for (const cv::Point& period : PeriodsOf(later.pixels)) {
+      for (const int times : {-2, -1, 1, 2}) {
+        const cv::Point rival = motion + times * period;
+        if (IsAllowed(rival, settings.orientation) && MayRepeat(rival)) {
+          rivals.push_back(rival);
+        }
+      }
+    }
+  }
+
+  /// Either anchors show that content repeats itself; or the motion is one under which lossy files,
+  /// which are made of blocks, may agree to the pixel, and so hide it.
+  bool MayBePeriodic(const cv::Point& motion) const {
+    if (motion.x % LossyBlock == 0 && motion.y % LossyBlock == 0 && MayBeLossy(later.pixels)) {
+      return true;
+    }
+    const std::vector<Anchor>& anchors = later.anchors.anchors;
+    std::size_t repeated = 0;
+    for (std::size_t i = 1; i < anchors.size(); ++i) {
+      repeated += static_cast<std::size_t>(anchors[i].hash == anchors[i - 1].hash);
+    }
+    return repeated * 4 > anchors.size();
+  }
+
+  bool MayRepeat(const cv::Point& rival) const {
+    const Finding finding = proof.Examine(rival);
+    if (finding.IsPossible()) {
+      return true;
+    }
+    if (finding.contradicting + finding.standing <= finding.agreeing || !MayBeLossy(later.pixels)) {
+      return false;
+    }
+    const cv::Mat earlierGrey = GreyOf(earlier.pixels);
+    const cv::Mat laterGrey = GreyOf(later.pixels);
+    return TolerantProof(earlierGrey, laterGrey).Examine(rival).HardlyContradicts();
+  }
+
+  PairMatch Accept(const Finding& finding, const std::vector<cv::Point>& rivals,
+                   bool isDrawnAnew) const {
     PairMatch match;
     SetMotions(finding.motion, rivals, match.join);
     const bool isProven = finding.IsClean() && !isDrawnAnew && finding.unique >= StrongEvidence;

@@ -107,9 +107,15 @@ bool TolerantFinding::IsPlausible(bool isSupported) const {
     return false;
   }
   if (tilesExact * 2 > tilesFor) {
-    return tilesAgainst * (isSupported ? 4 : 64) <= tilesFor;
+    return isSupported && tilesAgainst * 4 <= tilesFor;
   }
   return tilesFor < ManyTiles ? tilesFor >= 3 * tilesAgainst : tilesFor >= tilesAgainst;
+}
+
+bool TolerantFinding::HardlyContradicts() const {
+  // Tiles that agree under (0, 0) as well count here: content that repeats itself does so.
+  const double tiles = explained / double{MostResidue};
+  return tiles >= leastTiles && tilesAgainst * 4 <= tiles;
 }
 
 bool TolerantFinding::Outclasses(const TolerantFinding& rival) const {
@@ -175,6 +181,9 @@ TolerantFinding TolerantProof::Examine(const cv::Point& motion) const {
       const bool standsStill = motion != cv::Point() &&
                                (Agrees(still.at<float>(row, column)) ||
                                 (residue != Silent && Agrees(At(still, tile - motion, tileSide))));
+      if (standsStill) {
+        finding.residues.at<float>(row, column) = Silent;
+      }
       if (residue == Silent || standsStill) {
         continue;
       }

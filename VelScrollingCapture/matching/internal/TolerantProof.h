@@ -22,6 +22,9 @@ struct TolerantFinding {
   /// @param isSupported whether many anchors vote for it as well
   bool IsPlausible(bool isSupported) const;
 
+  /// Whether little speaks against the motion.
+  bool HardlyContradicts() const;
+
   /// Whether a rival contradicts itself so much more that it is none.
   bool Outclasses(const TolerantFinding& rival) const;
 };

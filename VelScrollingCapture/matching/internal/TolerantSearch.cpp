@@ -2,12 +2,17 @@
 #include <cstdlib>
 #include <utility>
 
+#include <VelScrollingCapture/matching/internal/Comparison.h>
 #include <VelScrollingCapture/matching/internal/CorrelationCandidates.h>
+#include <VelScrollingCapture/matching/internal/Periods.h>
 #include <VelScrollingCapture/matching/internal/TolerantSearch.h>
 #include <VelScrollingCapture/matching/internal/Votes.h>
 
 namespace ScrollingCapture {
 namespace {
+
+/// So many repetitions are tried to either side.
+constexpr int MostRepetitions = 40;
 
 /// Motions this close are the same but for noise.
 constexpr int SameMotion = 2;
@@ -60,8 +65,17 @@ std::optional<FoundMotion> TolerantSearch::Run(const std::vector<cv::Point>& pro
 /// Where content repeats itself within a capture, the next repetitions are rivals.
 void TolerantSearch::TryPeriods() {
   const cv::Point motion = Best().motion;
-  for (const cv::Point& period : CorrelationCandidates(later, later, orientation)) {
-    Try(motion + period);
+  for (const cv::Point& period : PeriodsOf(later)) {
+    if (!IsAllowed(period, orientation)) {
+      continue;
+    }
+    for (const cv::Point& step : {period, -period}) {
+      cv::Point repeated = motion + step;
+      for (int i = 0; i < MostRepetitions && !OverlapOf(later.size(), repeated).empty(); ++i) {
+        Try(repeated);
+        repeated += step;
+      }
+    }
   }
 }
 

@@ -28,7 +28,7 @@ struct Strip {
 struct Testimony {
   std::uint32_t capture = 0;
   int shown = 0;        ///< pixels that it shows uncovered
-  int support = 0;      ///< captures that show the same of them uncovered, summed over these pixels
+  float support = 0;    ///< weight of the captures that show the same, over disputed pixels
   float suspicion = 0;  ///< summed over these pixels
 };
 

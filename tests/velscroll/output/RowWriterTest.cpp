@@ -6,8 +6,8 @@
 #include <testkit/output/ColourProfile.h>
 #include <testkit/output/DrawnPicture.h>
 #include <testkit/output/MemorySink.h>
-#include <velscroll/pixels/Premultiplication.h>
 #include <velscroll/output/RowWriter.h>
+#include <velscroll/pixels/Premultiplication.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture {

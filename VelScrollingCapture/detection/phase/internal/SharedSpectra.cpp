@@ -78,7 +78,7 @@ SharedSpectra::Spectrum SharedSpectra::NewSpectrum(const cv::Mat& grey, const cv
 }
 
 std::shared_ptr<SharedSpectra::Entry> SharedSpectra::Keep(size_t capture, const cv::Mat& grey) {
-  const auto entry = std::make_shared<Entry>(grey);
+  auto entry = std::make_shared<Entry>(grey);
   const std::lock_guard<std::mutex> lock(mutex);
   if (entries.size() == capacity) {
     entries.erase(entries.begin());

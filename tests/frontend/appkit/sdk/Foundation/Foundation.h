@@ -46,6 +46,7 @@ __attribute__((objc_root_class))
 @end
 
 @interface NSString : NSObject
++ (instancetype)stringWithUTF8String:(const char*)text;
 @end
 
 @interface NSData : NSObject
