@@ -42,9 +42,9 @@ int RoomOfSquare(const CaptureAnchors& capture) {
 
 std::uint64_t SquareAt(int part, const cv::Point& place) {
   const auto index = [](int coordinate) {
-    return static_cast<std::uint64_t>(coordinate >= 0 ? coordinate / SquareSide
-                                                      : -1 - (-1 - coordinate) / SquareSide) &
-           0xFFFFFFU;
+    const int square =
+        coordinate >= 0 ? coordinate / SquareSide : -1 - (-1 - coordinate) / SquareSide;
+    return static_cast<std::uint64_t>(square) & std::uint64_t{0xFFFFFF};
   };
   return static_cast<std::uint64_t>(part) << 48 | index(place.y) << 24 | index(place.x);
 }
