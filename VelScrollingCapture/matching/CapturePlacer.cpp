@@ -19,6 +19,9 @@ constexpr int LeastVotes = 6;
 constexpr std::size_t MostPlaces = 3;
 constexpr std::size_t MostCapturesOfPlace = 2;
 
+/// No window is as large as that in pixels.
+constexpr int LongestPrescribed = 1 << 18;
+
 /// A proof is taken back when more than this share of its evidence was seen elsewhere as well.
 constexpr std::size_t RepeatedQuarters = 3;
 
@@ -68,6 +71,7 @@ class CapturePlacer::Implementation {
 
   void PlaceAt(std::size_t index, const PreparedCapture& capture, const cv::Point& motion) {
     Require(index, capture);
+    RequireReasonable(motion);
     if (index == 0) {
       Place(index, capture, {});
       return;
@@ -123,6 +127,16 @@ class CapturePlacer::Implementation {
     }
     if (!records.empty()) {
       RequireSameFormat(last.Anchors(), capture.Anchors());
+    }
+  }
+
+  /// So that places can be added up.
+  static void RequireReasonable(const cv::Point& motion) {
+    const auto isTooLong = [](int distance) {
+      return distance > LongestPrescribed || distance < -LongestPrescribed;
+    };
+    if (isTooLong(motion.x) || isTooLong(motion.y)) {
+      throw std::invalid_argument("A prescribed motion is longer than any window.");
     }
   }
 

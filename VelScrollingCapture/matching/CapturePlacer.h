@@ -87,7 +87,8 @@ class VEL_EXPORT CapturePlacer {
 
   /// The same with a motion since the capture before that somebody prescribes, right or wrong. The
   /// join tells what the pixels say about that motion: none when they contradict it, doubtful when
-  /// they speak for another one as well.
+  /// they speak for another one as well. std::invalid_argument is thrown for a motion of more than
+  /// 262,144 pixels along an axis.
   PlacedCapture PlaceAt(std::size_t index, const PreparedCapture& capture,
                         const Translation& motion);
 

@@ -1,5 +1,6 @@
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>
 #include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/matching/AnchorTranslationDetector.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/stitching/StitcherFactory.h>
 
@@ -18,6 +19,12 @@ std::shared_ptr<IStitcher> StitcherFactory::CreateStitcherWithBasicBorderDetecti
   return std::make_shared<BasicBorderDetection>(
       CreateBasicStitcher(orientation, expectConsistentTranslations, threadCount),
       differenceThreshold, neighborThreshold);
+}
+
+std::shared_ptr<IStitcher> StitcherFactory::CreateStitcherWithExactJoins(
+    ScrollOrientation orientation, bool expectConsistentTranslations, unsigned int threadCount) {
+  return std::make_shared<BasicStitcher>(std::make_shared<AnchorTranslationDetector>(
+      orientation, expectConsistentTranslations, threadCount));
 }
 
 }  // namespace ScrollingCapture

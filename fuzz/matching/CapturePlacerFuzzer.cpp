@@ -47,8 +47,8 @@ void PlaceOneByOne(FuzzedDataProvider& data, BasicImageProvider& captures,
     const PreparedCapture prepared = CapturePlacer::Prepare(capture);
     if (data.ConsumeIntegralInRange(0, 3) == 0) {
       const Translation motion = AnyTranslation(data, capture.size());
-      const bool isSmall = std::abs(std::int64_t{motion.GetRows()}) < (1 << 28) &&
-                           std::abs(std::int64_t{motion.GetCols()}) < (1 << 28);
+      const bool isSmall = std::abs(std::int64_t{motion.GetRows()}) < (1 << 18) &&
+                           std::abs(std::int64_t{motion.GetCols()}) < (1 << 18);
       placer.PlaceAt(i, prepared, isSmall ? motion : Translation());
     } else {
       placer.Place(i, prepared);

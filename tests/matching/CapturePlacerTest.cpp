@@ -1,3 +1,4 @@
+#include <limits>
 #include <stdexcept>
 #include <vector>
 
@@ -157,13 +158,16 @@ TEST(CapturePlacer, ListsTheOtherMotionWhenOneOfSeveralIsPrescribed) {
   EXPECT_THAT(join.alternatives, testing::Not(testing::Contains(Translation(-40, 0))));
 }
 
-TEST(CapturePlacer, SurvivesAbsurdPrescriptions) {
+TEST(CapturePlacer, RefusesAbsurdPrescriptionsAndTakesFarOnes) {
   const std::vector<cv::Mat> captures = CapturesAt(Page(), {0, 150});
   const auto provider = ProviderOf(captures);
   CapturePlacer placer(*provider, {});
   placer.Place(0, CapturePlacer::Prepare(captures[0]));
-  const PlacedCapture placed =
-      placer.PlaceAt(1, CapturePlacer::Prepare(captures[1]), {1'000'000'000, -1'000'000'000});
+  const PreparedCapture second = CapturePlacer::Prepare(captures[1]);
+  EXPECT_THROW(placer.PlaceAt(1, second, {0, std::numeric_limits<int>::min()}),
+               std::invalid_argument);
+  EXPECT_THROW(placer.PlaceAt(1, second, {300'000, 0}), std::invalid_argument);
+  const PlacedCapture placed = placer.PlaceAt(1, second, {-200'000, 1000});
   EXPECT_EQ(placed.join.verdict, Verdict::None);
   EXPECT_EQ(placed.join.compared, 0);
 }

@@ -18,8 +18,10 @@ Comparison CompareSlowly(const cv::Mat& earlier, const cv::Mat& later, const cv:
   comparison.unequal = cv::Mat::zeros(CellsOf(later.size()), CV_8UC1);
   for (int y = 0; y < later.rows; ++y) {
     for (int x = 0; x < later.cols; ++x) {
-      const cv::Point other = cv::Point(x, y) - motion;
-      if (cv::Rect({0, 0}, earlier.size()).contains(other)) {
+      const std::int64_t row = std::int64_t{y} - motion.y;
+      const std::int64_t column = std::int64_t{x} - motion.x;
+      if (row >= 0 && row < earlier.rows && column >= 0 && column < earlier.cols) {
+        const cv::Point other(static_cast<int>(column), static_cast<int>(row));
         const bool isEqual = later.at<int>(y, x) == earlier.at<int>(other);
         comparison.equal += static_cast<int>(isEqual);
         comparison.unequal.at<unsigned char>(y / CellSide, x / CellSide) +=

@@ -53,12 +53,13 @@ TEST_F(TolerantProofOfText, BeatsWhatItExplainsBetter) {
   EXPECT_FALSE(wrong.Outclasses(right));
 }
 
-TEST(TolerantProof, HoldsNoMotionByWholeRowsOfALogForPlausible) {
+TEST(TolerantProof, DoesNotOverruleExactMaterial) {
   cv::Mat page;
   cv::cvtColor(DrawLog({640, 1200}, 1), page, cv::COLOR_RGBA2GRAY);
   const cv::Mat earlier = Window(page, Size, {0, 0});
-  const cv::Mat later = Window(page, Size, {0, 240});
-  const TolerantFinding wrong = TolerantProof(earlier, later).Examine({0, -192});
+  const cv::Mat later = Window(page, Size, {0, 250});
+  const TolerantFinding wrong = TolerantProof(earlier, later).Examine({0, -202});
+  EXPECT_GT(wrong.tilesFor, wrong.tilesAgainst);
   EXPECT_FALSE(wrong.IsPlausible(false));
 }
 

@@ -41,5 +41,15 @@ TEST(StitcherFactory, PassesTheOrientationOn) {
   EXPECT_EQ(found(static_cast<ScrollOrientation>(3)), std::vector<Translation>({{0, 0}}));
 }
 
+TEST(StitcherFactory, JoinsExactlyAlongTheAxesAskedFor) {
+  const auto found = [](ScrollOrientation orientation, const cv::Point& scroll) {
+    return TranslationsFoundBy(
+        *StitcherFactory::CreateStitcherWithExactJoins(orientation, false, 1), scroll);
+  };
+  EXPECT_EQ(found(ScrollOrientation::Both, {12, 20}), std::vector<Translation>({{-20, -12}}));
+  EXPECT_EQ(found(ScrollOrientation::Vertical, {0, 20}), std::vector<Translation>({{-20, 0}}));
+  EXPECT_EQ(found(ScrollOrientation::Horizontal, {0, 20}), std::vector<Translation>({{0, 0}}));
+}
+
 }  // namespace
 }  // namespace ScrollingCapture

@@ -44,7 +44,7 @@ std::uint64_t SquareAt(int part, const cv::Point& place) {
   const auto index = [](int coordinate) {
     const int square =
         coordinate >= 0 ? coordinate / SquareSide : -1 - (-1 - coordinate) / SquareSide;
-    return std::uint64_t{static_cast<std::uint32_t>(square) & 0xFFFFFFU};
+    return static_cast<std::uint64_t>(square) & std::uint64_t{0xFFFFFF};
   };
   return static_cast<std::uint64_t>(part) << 48 | index(place.y) << 24 | index(place.x);
 }
