@@ -18,6 +18,7 @@ const FileDescriptor& Original() {
 }
 
 std::mutex mutex;
+bool allowed = false;
 int silences = 0;
 
 void SendStandardErrorTo(int target) {
@@ -28,9 +29,14 @@ void SendStandardErrorTo(int target) {
 
 }  // namespace
 
+void AllowSilence() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  allowed = Original().IsOpen();
+}
+
 Silence::Silence() {
   const std::lock_guard<std::mutex> lock(mutex);
-  if (++silences > 1 || !Original().IsOpen()) {
+  if (++silences > 1 || !allowed) {
     return;
   }
   const FileDescriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
@@ -41,7 +47,7 @@ Silence::Silence() {
 
 Silence::~Silence() {
   const std::lock_guard<std::mutex> lock(mutex);
-  if (--silences == 0 && Original().IsOpen()) {
+  if (--silences == 0 && allowed) {
     SendStandardErrorTo(Original().Number());
   }
 }
