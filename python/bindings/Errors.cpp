@@ -1,5 +1,6 @@
 #include <exception>
 #include <system_error>
+#include <utility>
 
 #include <opencv2/core.hpp>
 #include <python/bindings/Errors.h>
@@ -17,7 +18,7 @@ void Raise(PyObject* type, const std::string& text) { PyErr_SetObject(type, Text
 /// What pybind11 does not translate by itself in the way that is wanted here.
 void Translate(std::exception_ptr exception) {
   try {
-    std::rethrow_exception(exception);
+    std::rethrow_exception(std::move(exception));
   } catch (const Program::BadInput& error) {
     Raise(PyExc_ValueError, error.what());
   } catch (const Program::Failure& error) {

@@ -105,7 +105,7 @@ class Session:
             for name, prepared in _ahead(self._prepare_all(captures, pool), 2 * self._threads):
                 self._add(name, prepared.result())
         finally:
-            pool.shutdown(cancel_futures=True)
+            pool.shutdown(wait=False, cancel_futures=True)
 
     def _prepare_all(
         self, captures: Iterable[CaptureLike], pool: ThreadPoolExecutor

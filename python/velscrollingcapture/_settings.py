@@ -114,6 +114,8 @@ def checked(options: Mapping[str, Any]) -> dict[str, Any]:
     settings = {**_DEFAULTS, **options}
     if settings["engine"] == "exact" and _borders(settings["borders"]):
         raise ValueError("borders needs engine='phase-correlation'; with 'exact' there is fixed='once'")
+    if settings["spill_folder"] is not None and settings["memory_limit"] is None:
+        raise ValueError("spill_folder needs memory_limit, without which no capture waits in a file")
     limit, folder, preview = (settings[name] for name in ("memory_limit", "spill_folder", "preview"))
     settings.update(
         consistent=bool(settings["consistent"]),

@@ -2,6 +2,7 @@
 
 import json
 import os
+import signal
 import subprocess
 import sys
 import tempfile
@@ -113,6 +114,19 @@ class Program(unittest.TestCase):
         run = self.run_it("captures", "-o", "page.png")
         self.assertEqual(run.returncode, 2)
         self.assertIn(b"'captures/9.png' is damaged or cut short", run.stderr)
+
+    def test_ctrl_c_and_termination_leave_nothing(self):
+        os.mkfifo(self.folder / "waiting.png")
+        before = sorted(os.listdir(self.folder))
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            command = [sys.executable, "-m", "velscrollingcapture", "captures", "waiting.png", "-o", "page.png"]
+            with subprocess.Popen(command, cwd=self.folder, stderr=subprocess.PIPE) as process:
+                with open(self.folder / "waiting.png", "wb"):  # goes on when the program reads
+                    process.send_signal(number)
+                    line = process.stderr.readline()
+                self.assertEqual(line, b"velscrollingcapture: cancelled, nothing was written\n")
+                self.assertEqual(process.wait(), 130)
+            self.assertEqual(sorted(os.listdir(self.folder)), before)
 
     def test_version_is_that_of_the_package(self):
         self.assertEqual(self.run_it("--version").stdout.decode(), f"velscrollingcapture {vel.__version__}\n")

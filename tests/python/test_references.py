@@ -1,6 +1,7 @@
 """Nothing is kept of what was let go of."""
 
 import gc
+import subprocess
 import sys
 import tempfile
 import tracemalloc
@@ -17,6 +18,38 @@ from pages import captures_of, page
 def resident_bytes():
     pages = int(Path("/proc/self/statm").read_text().split()[1])
     return pages * 4096
+
+
+# Prints by how much memory grew at the most while a capture was added, and while a picture was made.
+COPIES = """
+import resource
+import numpy as np
+import velscrollingcapture as vel
+
+def peak():
+    return resource.getrusage(resource.RUSAGE_SELF).ru_maxrss * 1024
+
+vel.stitch([np.zeros((50, 50, 4), np.uint8)], threads=1).picture
+captures = [np.full((4000, 4000, 4), colour, np.uint8) for colour in (255, 128)]
+captures[1][..., 3] = 255
+before = peak()
+session = vel.Session(engine="phase-correlation")
+for capture in captures:
+    session.add(capture)
+print((peak() - before) / sum(capture.nbytes for capture in captures))
+result = vel.stitch(captures[1:])
+before = peak()
+picture = result.parts[0].array()
+print((peak() - before) / picture.nbytes)
+"""
+
+
+class Copies(unittest.TestCase):
+    def test_one_is_made_of_a_capture_and_none_of_a_picture(self):
+        run = subprocess.run([sys.executable, "-c", COPIES], check=True, capture_output=True, text=True)
+        adding, making = map(float, run.stdout.split())
+        self.assertLess(adding, 1.5)
+        self.assertLess(making, 1.5)
 
 
 class References(unittest.TestCase):

@@ -28,6 +28,7 @@ class Settings(unittest.TestCase):
             ({"preview": (1, 2, 3)}, ValueError, "too many values"),
             ({"borders": True}, ValueError, "borders needs engine='phase-correlation'"),
             ({"borders": (256, 2), "engine": "phase-correlation"}, ValueError, r"borders\[0\]"),
+            ({"spill_folder": "/tmp"}, ValueError, "spill_folder needs memory_limit"),
             ({"memory_limit": 1, "spill_folder": "/nowhere"}, FileNotFoundError, "/nowhere"),
         ]
         for settings, error, message in cases:
