@@ -14,13 +14,9 @@ target_compile_options(vel_compiler_settings INTERFACE
   $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-sign-conversion>
   $<$<BOOL:${VEL_WARNINGS_AS_ERRORS}>:-Werror>)
 
-# Failed checks tell their source file. Ninja names it relative to a build folder inside of the source
-# folder; any other build would put its whole path into the library.
-cmake_path(IS_PREFIX PROJECT_SOURCE_DIR "${PROJECT_BINARY_DIR}" NORMALIZE builds_inside)
-if(NOT builds_inside OR NOT CMAKE_GENERATOR MATCHES Ninja)
-  target_compile_options(vel_compiler_settings INTERFACE
-    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
-endif()
+# Failed checks tell their source file, by its path in the project wherever that was built.
+target_compile_options(vel_compiler_settings INTERFACE
+  -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
 if(VEL_SANITIZERS)
   target_compile_options(vel_compiler_settings INTERFACE
