@@ -38,3 +38,13 @@ if(VEL_HARDENING AND NOT VEL_SANITIZERS)
     target_link_options(vel_compiler_settings INTERFACE LINKER:-z,relro LINKER:-z,now)
   endif()
 endif()
+
+# Builds from nothing spend much of their time on the same headers. What a source forgets to include is
+# found by builds without this.
+option(VEL_PRECOMPILE_HEADERS "Parse the headers of OpenCV and GoogleTest once for many sources" OFF)
+function(vel_precompile_headers target)
+  if(VEL_PRECOMPILE_HEADERS)
+    list(TRANSFORM ARGN REPLACE "(.+)" "$<$<COMPILE_LANGUAGE:CXX>:<\\1$<ANGLE-R>>")
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()
