@@ -19,6 +19,10 @@ constexpr float LateExoneration = 0.1F;
 /// How suspect each kind of pixel is beside one that stands still and is not plain.
 constexpr std::array<float, PixelKindCount> KindWeights = {0.6F, 0.85F, 1.0F};
 
+/// A contradiction between two pixels that both move is more likely a change of the content.
+constexpr size_t BothMoving = Moving + PixelKindCount * Moving;
+constexpr float MovingWeight = 0.25F;
+
 /// What agreement on a pixel that may stand as well as move weighs.
 constexpr float PlainAgreement = 0.25F;
 
@@ -116,7 +120,7 @@ class BlameSearch {
       if (contradiction.counts[kinds] == 0) {
         continue;
       }
-      const float count = contradiction.counts[kinds];
+      const float count = contradiction.counts[kinds] * (kinds == BothMoving ? MovingWeight : 1);
       const float firstOdds = first * KindWeights[kinds % PixelKindCount];
       const float secondOdds = second * KindWeights[kinds / PixelKindCount];
       const float share =

@@ -9,10 +9,9 @@
 namespace ScrollingCapture {
 namespace {
 
-/// Suspicions within this of the lowest one are as good as it.
-constexpr float AsGood = 0.05F;
-
-/// Of equally frequent values a less suspect one wins, if it is so by this.
+/// Values whose votes weigh as much as each other, within this, are equally frequent. Of them a
+/// less suspect one wins, if it is so by this.
+constexpr float ClearlyMore = 0.25F;
 constexpr float ClearlyLess = 0.1F;
 
 /// What one capture shows of a pixel.
@@ -27,6 +26,7 @@ struct Vote {
 struct Value {
   std::uint32_t value;
   int count = 0;
+  float weight = 0;
   float leastSuspicion = 1;
 };
 
@@ -91,21 +91,17 @@ class CellJudge {
     }
   }
 
-  /// The votes of captures that show the pixel uncovered. Where all are suspect, but not all beyond
-  /// doubt, the least suspect ones.
+  /// The votes of captures that may show the pixel uncovered.
   std::vector<Vote> Uncovered() const {
-    const float lowest =
-        std::min_element(votes.begin(), votes.end(), [](const Vote& left, const Vote& right) {
-          return left.suspicion < right.suspicion;
-        })->suspicion;
-    float limit = CoveredSuspicion;
-    if (lowest >= CoveredSuspicion) {
-      limit = lowest < SurelyCovered ? lowest + AsGood : 0;
-    }
     std::vector<Vote> uncovered;
     std::copy_if(votes.begin(), votes.end(), std::back_inserter(uncovered),
-                 [limit](const Vote& vote) { return vote.suspicion < limit; });
+                 [](const Vote& vote) { return vote.suspicion < SurelyCovered; });
     return uncovered;
+  }
+
+  /// How much a vote counts: the less, the more its capture is suspected to be covered.
+  static float WeightOf(float suspicion) {
+    return std::clamp((SurelyCovered - suspicion) / (SurelyCovered - CoveredSuspicion), 0.0F, 1.0F);
   }
 
   static bool AllEqual(const std::vector<Vote>& votes) {
@@ -129,14 +125,18 @@ class CellJudge {
     bool isTie = false;
     for (size_t i = 1; i < values.size(); ++i) {
       const Value& value = values[i];
-      isTie = value.count > best.count ? false : isTie || value.count == best.count;
-      if (value.count > best.count ||
-          (value.count == best.count && value.leastSuspicion < best.leastSuspicion - ClearlyLess)) {
+      const bool isEqual = std::abs(value.weight - best.weight) < ClearlyMore;
+      isTie = isEqual || (isTie && value.weight < best.weight);
+      if (isEqual ? value.leastSuspicion < best.leastSuspicion - ClearlyLess
+                  : value.weight > best.weight) {
         best = value;
       }
     }
-    ++decision.open;
-    decision.contested += isTie ? 1 : 0;
+    const bool isOpen = std::count_if(values.begin(), values.end(), [](const Value& value) {
+                          return value.weight > ClearlyMore;
+                        }) > 1;
+    decision.open += isOpen ? 1 : 0;
+    decision.contested += isOpen && isTie ? 1 : 0;
     for (const Vote& vote : uncovered) {
       decision.testimonies[vote.witness].support +=
           std::find_if(values.begin(), values.end(), [&](const Value& value) {
@@ -157,6 +157,7 @@ class CellJudge {
         value = values.end() - 1;
       }
       ++value->count;
+      value->weight += WeightOf(vote->suspicion);
       value->leastSuspicion = std::min(value->leastSuspicion, vote->suspicion);
     }
     return values;

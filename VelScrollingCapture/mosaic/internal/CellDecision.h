@@ -28,7 +28,7 @@ struct Strip {
 struct Testimony {
   std::uint32_t capture = 0;
   int shown = 0;        ///< pixels that it shows uncovered
-  int support = 0;      ///< captures that show the same of them uncovered, summed over these pixels
+  int support = 0;      ///< captures that show the same, summed over disputed pixels
   float suspicion = 0;  ///< summed over these pixels
 };
 
@@ -36,7 +36,7 @@ struct Testimony {
 struct CellDecision {
   CellOwners owners;
   std::vector<Testimony> testimonies;
-  int open = 0;       ///< pixels at which uncovered captures disagree
+  int open = 0;       ///< pixels at which captures that may be uncovered disagree
   int contested = 0;  ///< those of them at which no value has a majority
 };
 
