@@ -125,19 +125,6 @@ TEST(MosaicRulesTest, SidePanelStandsAtTheTopAndItsBackgroundGoesOn) {
   EXPECT_EQ(0, DifferentPixels(Compose(scene), expected));
 }
 
-TEST(MosaicRulesTest, ListInASidePanelStaysWholeAcrossTheMiddleOfTheWindow) {
-  constexpr int Width = 70;
-  const auto draw = [](cv::Mat& picture) {
-    picture(cv::Rect(0, 0, Width, picture.rows)).setTo(Pale);
-    DrawText(picture, {4, 4, Width - 10, 116}, 12);
-  };
-  const DrawnScene scene = TextScene().With([&](int, cv::Mat& window) { draw(window); });
-  cv::Mat expected = scene.Content();
-  draw(expected);
-  EXPECT_EQ(0, DifferentPixels(Compose(scene)(cv::Rect(0, 0, Width, 200)),
-                               expected(cv::Rect(0, 0, Width, 200))));
-}
-
 TEST(MosaicRulesTest, ScrollbarWhoseThumbMovesLeavesTheContentAlone) {
   const DrawnScene scene = TextScene().With([](int capture, cv::Mat& window) {
     window(cv::Rect(248, 0, 12, 200)).setTo(Pale);

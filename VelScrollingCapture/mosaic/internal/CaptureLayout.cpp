@@ -46,7 +46,7 @@ CaptureLayout::CaptureLayout(const cv::Size& captureSize, const std::vector<Plac
   pictureSize = {Narrowed(columns.Length() + captureSize.width),
                  Narrowed(rows.Length() + captureSize.height)};
   corners.reserve(places.size());
-  bucketColumns = pictureSize.width / captureSize.width + 1;
+  bucketColumns = std::int64_t{pictureSize.width / captureSize.width} + 1;
   for (const Place& place : places) {
     const cv::Point corner(place.column - columns.Lowest(), place.row - rows.Lowest());
     buckets[BucketOf(corner.y / captureSize.height, corner.x / captureSize.width)].push_back(
@@ -55,8 +55,8 @@ CaptureLayout::CaptureLayout(const cv::Size& captureSize, const std::vector<Plac
   }
 }
 
-std::int64_t CaptureLayout::BucketOf(int bucketRow, int bucketColumn) const {
-  return std::int64_t{bucketRow} * bucketColumns + bucketColumn;
+std::int64_t CaptureLayout::BucketOf(std::int64_t bucketRow, std::int64_t bucketColumn) const {
+  return bucketRow * bucketColumns + bucketColumn;
 }
 
 std::vector<size_t> CaptureLayout::CapturesIn(const cv::Rect& area) const {
@@ -64,12 +64,12 @@ std::vector<size_t> CaptureLayout::CapturesIn(const cv::Rect& area) const {
   if (area.empty()) {
     return found;
   }
-  const int firstRow = std::max(0, area.y / captureSize.height - 1);
-  const int lastRow = (area.y + area.height - 1) / captureSize.height;
-  const int firstColumn = std::max(0, area.x / captureSize.width - 1);
-  const int lastColumn = (area.x + area.width - 1) / captureSize.width;
-  for (int row = firstRow; row <= lastRow; ++row) {
-    for (int column = firstColumn; column <= std::min(lastColumn, bucketColumns - 1); ++column) {
+  const std::int64_t firstRow = std::max(0, area.y / captureSize.height - 1);
+  const std::int64_t lastRow = (area.y + (area.height - 1)) / captureSize.height;
+  const std::int64_t firstColumn = std::max(0, area.x / captureSize.width - 1);
+  const std::int64_t lastColumn = (area.x + (area.width - 1)) / captureSize.width;
+  for (std::int64_t row = firstRow; row <= lastRow; ++row) {
+    for (std::int64_t column = firstColumn; column <= lastColumn; ++column) {
       const auto bucket = buckets.find(BucketOf(row, column));
       if (bucket == buckets.end()) {
         continue;

@@ -30,12 +30,12 @@ class CaptureLayout {
   std::vector<size_t> CapturesIn(const cv::Rect& area) const;
 
  private:
-  std::int64_t BucketOf(int bucketRow, int bucketColumn) const;
+  std::int64_t BucketOf(std::int64_t bucketRow, std::int64_t bucketColumn) const;
 
   cv::Size captureSize;
   cv::Size pictureSize;
   std::vector<cv::Point> corners;
-  int bucketColumns = 1;
+  std::int64_t bucketColumns = 1;
   /// Captures by the part of the picture, as large as one capture, in which their corner lies.
   std::unordered_map<std::int64_t, std::vector<size_t>> buckets;
 };
