@@ -22,7 +22,7 @@ enum class FixedParts {
 
 /// How a mosaic is made.
 struct MosaicSettings {
-  FixedParts fixedParts = FixedParts::Once;
+  FixedParts fixedParts = FixedParts::Once;  ///< What becomes of parts that stand still.
 
   /// How many threads the analysis may use; 0 counts as 1.
   unsigned threadCount = 1;

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cstdint>
-#include <iostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/mosaic/MosaicStitcher.h>
 
@@ -59,7 +59,7 @@ std::vector<Place> Accumulate(const std::vector<Translation>& translations) {
 
 bool Fail(IStitcherListener* listener, IStitcherListener::StitcherErrorCodes code,
           const std::string& message) {
-  std::cerr << "Error: " << message << std::endl;
+  TellError("Error: " + message);
   if (listener != nullptr) {
     listener->StitchingError(code, false);
   }
@@ -145,7 +145,7 @@ bool MosaicStitcher::Stitch(IImageProvider& provider, cv::Mat& result, IStitcher
     if (translations.size() + 1 == count) {
       stitched = Compose(provider, translations, settings, result, listener, progress);
     } else {
-      std::cerr << "Error: Failed to detect translations." << std::endl;
+      TellError("Error: Failed to detect translations.");
     }
   }
   if (listener != nullptr && notifyCompletion) {

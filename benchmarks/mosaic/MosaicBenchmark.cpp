@@ -1,9 +1,9 @@
 #include <benchmark/benchmark.h>
+#include <testkit/memory/PeakMemory.h>
+#include <testkit/pages/DrawnScene.h>
 
 #include <VelScrollingCapture/mosaic/Mosaic.h>
-
-#include "../../tests/mosaic/DrawnScene.h"
-#include "../support/PeakMemory.h"
+#include <VelScrollingCapture/storage/BasicImageProvider.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -75,7 +75,7 @@ void BM_AnalyseALongPage(benchmark::State& state) {
   Testing::AddAll(captures, scene.Captures());
   double peakMiB = 0;
   for (auto _ : state) {
-    const Benchmarks::PeakMemory memory;
+    const Testing::PeakMemory memory;
     const Mosaic mosaic(captures, scene.Places());
     peakMiB = memory.MiB();
   }

@@ -3,10 +3,9 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
-
-#include "../support/FailingAllocator.h"
-#include "../support/MatrixTesting.h"
-#include "DrawnScene.h"
+#include <testkit/MatrixTesting.h>
+#include <testkit/faults/EveryFailure.h>
+#include <testkit/pages/DrawnScene.h>
 
 namespace ScrollingCapture {
 namespace {

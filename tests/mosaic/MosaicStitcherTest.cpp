@@ -2,15 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/RecordingListener.h>
+#include <testkit/ScriptedDetector.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/faults/ThrowingListener.h>
+#include <testkit/pages/DrawnScene.h>
 
 #include <VelScrollingCapture/mosaic/MosaicStitcher.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/RecordingListener.h"
-#include "../support/ScriptedDetector.h"
-#include "../support/StreamCapture.h"
-#include "../support/ThrowingListener.h"
-#include "DrawnScene.h"
 
 namespace ScrollingCapture {
 namespace {

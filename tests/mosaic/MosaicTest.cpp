@@ -3,10 +3,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/RecordingListener.h"
-#include "DrawnScene.h"
+#include <testkit/MatrixTesting.h>
+#include <testkit/RecordingListener.h>
+#include <testkit/pages/DrawnScene.h>
 
 namespace ScrollingCapture {
 namespace {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <limits>
 #include <stdexcept>
@@ -46,17 +47,12 @@ CaptureLayout::CaptureLayout(const cv::Size& captureSize, const std::vector<Plac
   pictureSize = {Narrowed(columns.Length() + captureSize.width),
                  Narrowed(rows.Length() + captureSize.height)};
   corners.reserve(places.size());
-  bucketColumns = std::int64_t{pictureSize.width / captureSize.width} + 1;
   for (const Place& place : places) {
     const cv::Point corner(place.column - columns.Lowest(), place.row - rows.Lowest());
-    buckets[BucketOf(corner.y / captureSize.height, corner.x / captureSize.width)].push_back(
+    buckets[{corner.y / captureSize.height, corner.x / captureSize.width}].push_back(
         corners.size());
     corners.push_back(corner);
   }
-}
-
-std::int64_t CaptureLayout::BucketOf(std::int64_t bucketRow, std::int64_t bucketColumn) const {
-  return bucketRow * bucketColumns + bucketColumn;
 }
 
 std::vector<size_t> CaptureLayout::CapturesIn(const cv::Rect& area) const {
@@ -64,19 +60,14 @@ std::vector<size_t> CaptureLayout::CapturesIn(const cv::Rect& area) const {
   if (area.empty()) {
     return found;
   }
-  const std::int64_t firstRow = std::max(0, area.y / captureSize.height - 1);
-  const std::int64_t lastRow = (area.y + (area.height - 1)) / captureSize.height;
-  const std::int64_t firstColumn = std::max(0, area.x / captureSize.width - 1);
-  const std::int64_t lastColumn = (area.x + (area.width - 1)) / captureSize.width;
-  for (std::int64_t row = firstRow; row <= lastRow; ++row) {
-    for (std::int64_t column = firstColumn; column <= lastColumn; ++column) {
-      const auto bucket = buckets.find(BucketOf(row, column));
-      if (bucket == buckets.end()) {
-        continue;
-      }
-      std::copy_if(bucket->second.begin(), bucket->second.end(), std::back_inserter(found),
-                   [&](size_t capture) { return !(RectOf(capture) & area).empty(); });
-    }
+  const int firstRow = std::max(0, area.y / captureSize.height - 1);
+  const int lastRow = (area.y + (area.height - 1)) / captureSize.height;
+  const int firstColumn = std::max(0, area.x / captureSize.width - 1);
+  const int lastColumn = (area.x + (area.width - 1)) / captureSize.width;
+  const auto end = buckets.upper_bound({lastRow, lastColumn});
+  for (auto bucket = buckets.lower_bound({firstRow, firstColumn}); bucket != end; ++bucket) {
+    std::copy_if(bucket->second.begin(), bucket->second.end(), std::back_inserter(found),
+                 [&](size_t capture) { return !(RectOf(capture) & area).empty(); });
   }
   std::sort(found.begin(), found.end());
   return found;

@@ -25,7 +25,6 @@ struct Vote {
 /// One of the values that uncovered captures show.
 struct Value {
   std::uint32_t value;
-  int count = 0;
   float weight = 0;
   float leastSuspicion = 1;
 };
@@ -101,7 +100,7 @@ class CellJudge {
 
   /// How much a vote counts: the less, the more its capture is suspected to be covered.
   static float WeightOf(float suspicion) {
-    return std::clamp((SurelyCovered - suspicion) / (SurelyCovered - CoveredSuspicion), 0.0F, 1.0F);
+    return std::clamp((SurelyCovered - suspicion) / (SurelyCovered - HardlySuspect), 0.0F, 1.0F);
   }
 
   static bool AllEqual(const std::vector<Vote>& votes) {
@@ -141,7 +140,7 @@ class CellJudge {
       decision.testimonies[vote.witness].support +=
           std::find_if(values.begin(), values.end(), [&](const Value& value) {
             return value.value == vote.value;
-          })->count;
+          })->weight;
     }
     return best.value;
   }
@@ -156,7 +155,6 @@ class CellJudge {
         values.push_back({vote->value});
         value = values.end() - 1;
       }
-      ++value->count;
       value->weight += WeightOf(vote->suspicion);
       value->leastSuspicion = std::min(value->leastSuspicion, vote->suspicion);
     }

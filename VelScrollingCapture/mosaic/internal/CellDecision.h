@@ -11,10 +11,10 @@
 
 namespace ScrollingCapture {
 
-/// From this suspicion on a pixel counts as covered.
-inline constexpr float CoveredSuspicion = 0.5F;
+/// Up to this suspicion what a capture shows of a pixel counts in full.
+inline constexpr float HardlySuspect = 0.25F;
 
-/// From this suspicion on there is no doubt that it is.
+/// From this suspicion on there is no doubt that the pixel is covered.
 inline constexpr float SurelyCovered = 0.85F;
 
 /// Rows of a capture that lie in a band of the picture.
@@ -28,7 +28,7 @@ struct Strip {
 struct Testimony {
   std::uint32_t capture = 0;
   int shown = 0;        ///< pixels that it shows uncovered
-  int support = 0;      ///< captures that show the same, summed over disputed pixels
+  float support = 0;    ///< weight of the captures that show the same, over disputed pixels
   float suspicion = 0;  ///< summed over these pixels
 };
 
@@ -36,7 +36,7 @@ struct Testimony {
 struct CellDecision {
   CellOwners owners;
   std::vector<Testimony> testimonies;
-  int open = 0;       ///< pixels at which captures that may be uncovered disagree
+  int open = 0;       ///< pixels at which uncovered captures disagree
   int contested = 0;  ///< those of them at which no value has a majority
 };
 

@@ -20,7 +20,7 @@ constexpr float SuspicionSteps = 5;
 /// What a capture has to say about a part.
 struct PartTestimony {
   long shown = 0;
-  long support = 0;
+  double support = 0;
   double suspicion = 0;
 };
 
@@ -35,8 +35,8 @@ std::vector<std::uint32_t> Ranked(const PartTestimonies& testimonies) {
   const auto rank = [&](std::uint32_t capture) {
     const PartTestimony& testimony = testimonies.at(capture);
     const double mean = testimony.suspicion / static_cast<double>(std::max(1L, testimony.shown));
-    return std::make_tuple(-testimony.shown, -testimony.support, std::lround(mean * SuspicionSteps),
-                           -std::int64_t{capture});
+    return std::make_tuple(-testimony.shown, std::lround(-testimony.support),
+                           std::lround(mean * SuspicionSteps), -std::int64_t{capture});
   };
   std::sort(captures.begin(), captures.end(),
             [&](std::uint32_t left, std::uint32_t right) { return rank(left) < rank(right); });

@@ -28,7 +28,7 @@ constexpr double Covered = 0.5;
 
 /// How suspect the neighbours of a covered cell are at least, next to it and one further away: what
 /// covers content may cast a shadow.
-constexpr double NextToCovered = 0.7;
+constexpr double NextToCovered = 0.49;
 constexpr double NearCovered = 0.4;
 
 struct Stretch {

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+#include <opencv2/core.hpp>
+
+#include <VelScrollingCapture/matching/internal/Vectors.h>
+
+namespace ScrollingCapture {
+
+/// Captures are compared in cells of this many pixels a side.
+constexpr int CellSide = 8;
+
+/// How many cells cover a capture, incomplete ones at its right and lower edge included.
+cv::Size CellsOf(const cv::Size& capture);
+
+/// The part of the later capture that also the earlier one shows, when the content moved so.
+cv::Rect OverlapOf(const cv::Size& capture, const cv::Point& motion);
+
+/// What two captures show of the same places.
+struct Comparison {
+  cv::Rect overlap;        ///< in the later capture
+  cv::Mat unequal;         ///< how many pixels of each of its cells disagree (CV_8UC1); 0 outside
+  std::int64_t equal = 0;  ///< how many pixels agree
+
+  std::int64_t Compared() const { return std::int64_t{overlap.width} * overlap.height; }
+};
+
+/// Compares every pixel that both captures show when the content moved so.
+/// @param earlier,later pixel keys (CV_32SC1) of captures of equal size
+Comparison Compare(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
+                   Vectors vectors);
+
+}  // namespace ScrollingCapture

@@ -1,0 +1,229 @@
+#include <algorithm>
+
+#include <VelScrollingCapture/matching/internal/ExactProof.h>
+#include <VelScrollingCapture/matching/internal/StandingParts.h>
+
+namespace ScrollingCapture {
+namespace {
+
+/// The least number of cells that say anything at all.
+constexpr int LeastUnique = 12;
+
+/// A contradiction may outweigh what is unique so many times, when what agrees outweighs it.
+constexpr int MostTilesAgainst = 3;
+
+/// Where nothing is unique, contradictions are a smaller part of what agrees.
+constexpr int LeastContradiction = 64;
+constexpr int LeastPossible = 24;
+
+constexpr int ManyUnique = 48;
+
+/// Below this share of what agrees, a contradiction is small.
+constexpr int SmallContradiction = 8;
+
+/// So many cells may be excused for each one that is seen to stand still, or to move.
+constexpr int MostExcuses = 32;
+
+/// The least number of cells by which a motion explains more than another one.
+constexpr int LeastWin = 4;
+
+/// Bars at an edge take at most one of so many parts of a window.
+constexpr int EdgeParts = 6;
+
+constexpr int MostTileCells = 4;
+
+/// Tiles are squares of so many cells a side, fewer in small captures.
+int TileCells(const cv::Size& capture) {
+  return std::clamp(std::min(capture.width, capture.height) / 160, 1, MostTileCells);
+}
+
+/// Whether any of the cells that a cell of the later capture lies on in the earlier one is marked.
+bool IsMarkedInEarlier(const cv::Mat& marks, const cv::Rect& pixels) {
+  const cv::Point first = pixels.tl() / CellSide;
+  const cv::Point last = (pixels.br() - cv::Point(1, 1)) / CellSide;
+  for (int row = first.y; row <= last.y; ++row) {
+    for (int column = first.x; column <= last.x; ++column) {
+      if (marks.at<unsigned char>(row, column) != 0) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+cv::Mat UniqueCells(const std::vector<Match>& matches, const cv::Point& motion,
+                    const cv::Size& cells) {
+  cv::Mat agreeing = cv::Mat::zeros(cells, CV_8UC1);
+  for (const Match& match : matches) {
+    if (match.motion == motion) {
+      agreeing.at<unsigned char>(CentreOf(match.place) / CellSide) = 1;
+    }
+  }
+  return agreeing;
+}
+
+/// The cells of the overlap that disagree although nothing stands still there.
+cv::Mat ContradictingCells(const Comparison& comparison, const cv::Point& motion,
+                           const StandingParts& parts, int& standing) {
+  cv::Mat contradicting = cv::Mat::zeros(comparison.unequal.size(), CV_8UC1);
+  for (int row = 0; row < contradicting.rows; ++row) {
+    const auto* const unequal = comparison.unequal.ptr<unsigned char>(row);
+    for (int column = 0; column < contradicting.cols; ++column) {
+      if (unequal[column] == 0) {
+        continue;
+      }
+      const cv::Rect pixels =
+          cv::Rect(column * CellSide, row * CellSide, CellSide, CellSide) & comparison.overlap;
+      if (parts.later.at<unsigned char>(row, column) != 0 ||
+          IsMarkedInEarlier(parts.earlier, pixels - motion)) {
+        ++standing;
+      } else {
+        contradicting.at<unsigned char>(row, column) = 1;
+      }
+    }
+  }
+  return contradicting;
+}
+
+/// The cells with detail that agree and do not stand still.
+cv::Mat AgreeingCells(const Comparison& comparison, const cv::Mat& detailed,
+                      const StandingParts& parts) {
+  cv::Mat agreeing = cv::Mat::zeros(detailed.size(), CV_8UC1);
+  const cv::Point first =
+      (comparison.overlap.tl() + cv::Point(CellSide - 1, CellSide - 1)) / CellSide;
+  const cv::Point end = comparison.overlap.br() / CellSide;
+  if (first.x < end.x && first.y < end.y) {
+    const cv::Rect whole(first, end);
+    agreeing(whole) =
+        detailed(whole) & (comparison.unequal(whole) == 0) & (parts.later(whole) == 0);
+  }
+  return agreeing;
+}
+
+/// Squares of cells where one kind of cell outweighs another one, and the other way round.
+struct Tiles {
+  int more = 0;
+  int notMore = 0;
+};
+
+/// How many cells of a tile are marked.
+int CountMarked(const cv::Mat& cells, const cv::Rect& tile) {
+  int marked = 0;
+  for (int row = tile.y; row < tile.br().y; ++row) {
+    const auto* const line = cells.ptr<unsigned char>(row);
+    for (int column = tile.x; column < tile.br().x; ++column) {
+      marked += static_cast<int>(line[column] != 0);
+    }
+  }
+  return marked;
+}
+
+Tiles CompareTiles(const cv::Mat& one, const cv::Mat& other, int tileCells, const cv::Rect& part) {
+  Tiles tiles;
+  for (int row = part.y; row < part.br().y; row += tileCells) {
+    for (int column = part.x; column < part.br().x; column += tileCells) {
+      const cv::Rect tile = cv::Rect(column, row, tileCells, tileCells) & part;
+      const int left = CountMarked(one, tile);
+      const int right = CountMarked(other, tile);
+      tiles.more += static_cast<int>(left > right);
+      tiles.notMore += static_cast<int>(right > 0 && right >= left);
+    }
+  }
+  return tiles;
+}
+
+cv::Rect AllOf(const cv::Mat& cells) { return {{0, 0}, cells.size()}; }
+
+cv::Rect InteriorOf(const cv::Mat& cells) {
+  const cv::Point margin(cells.cols / EdgeParts, cells.rows / EdgeParts);
+  return {margin, cv::Point(cells.size()) - margin};
+}
+
+}  // namespace
+
+bool Finding::IsPlausible(bool isDominant) const {
+  if (unique < LeastUnique || standing > MostExcuses * std::min(unique, witnesses)) {
+    return false;
+  }
+  if (tilesUnique >= tilesAgainstUnique) {
+    return true;
+  }
+  const bool isUniqueEnough = tilesUnique * MostTilesAgainst >= tilesAgainst || isDominant;
+  return (isUniqueEnough && tilesAgreeing >= 2 * tilesAgainst) ||
+         (isDominant && unique >= ManyUnique && 2 * tilesAgreeing >= tilesAgainst);
+}
+
+bool Finding::IsClean() const { return contradicting * SmallContradiction <= unique; }
+
+bool Finding::IsPossible() const {
+  return agreeing >= LeastPossible && standing <= agreeing &&
+         contradicting * LeastContradiction <= agreeing;
+}
+
+const cv::Mat& ExactProof::Detailed() const {
+  if (detailed.empty()) {
+    const cv::Mat across = Compare(later, later, {1, 0}, Vectors::Widest).unequal;
+    const cv::Mat down = Compare(later, later, {0, 1}, Vectors::Widest).unequal;
+    detailed = (across > 0) & (down > 0);
+  }
+  return detailed;
+}
+
+Finding ExactProof::Examine(const cv::Point& motion) const {
+  Finding finding;
+  finding.motion = motion;
+  finding.comparison = Compare(earlier, later, motion, Vectors::Widest);
+  const StandingParts parts = FindStandingParts(matches, motion, later.size());
+  finding.witnesses = parts.witnesses;
+  const cv::Mat contradicting =
+      ContradictingCells(finding.comparison, motion, parts, finding.standing);
+  const cv::Mat unique = UniqueCells(matches, motion, contradicting.size());
+  finding.unique = cv::countNonZero(unique);
+  finding.contradicting = cv::countNonZero(contradicting);
+  const int tileCells = TileCells(later.size());
+  const Tiles byUnique = CompareTiles(unique, contradicting, tileCells, AllOf(unique));
+  finding.tilesUnique = byUnique.more;
+  finding.tilesAgainstUnique = byUnique.notMore;
+  if (byUnique.notMore > 0 || finding.unique < LeastUnique) {
+    const cv::Mat agreeing = AgreeingCells(finding.comparison, Detailed(), parts);
+    finding.agreeing = cv::countNonZero(agreeing);
+    const Tiles byAgreeing = CompareTiles(agreeing, contradicting, tileCells, AllOf(unique));
+    finding.tilesAgreeing = byAgreeing.more;
+    finding.tilesAgainst = byAgreeing.notMore;
+  }
+  return finding;
+}
+
+bool ExactProof::IsUniqueInside(const cv::Point& motion) const {
+  const cv::Mat unique = UniqueCells(matches, motion, CellsOf(later.size()));
+  return cv::countNonZero(unique(InteriorOf(unique))) >= LeastUnique;
+}
+
+bool ExactProof::StandsStill() const {
+  const Comparison comparison = Compare(earlier, later, {}, Vectors::Widest);
+  const StandingParts none = FindStandingParts({}, {}, later.size());
+  int standing = 0;
+  const cv::Mat contradicting = ContradictingCells(comparison, {}, none, standing);
+  const cv::Mat agreeing = AgreeingCells(comparison, Detailed(), none);
+  const auto tilesOf = [&](const cv::Rect& part) {
+    const Tiles tiles = CompareTiles(agreeing, contradicting, TileCells(later.size()), part);
+    return tiles.notMore == 0 ? 1e9 : 1.0 * tiles.more / tiles.notMore;
+  };
+  return cv::countNonZero(UniqueCells(matches, {}, agreeing.size())) >= LeastUnique &&
+         tilesOf(AllOf(agreeing)) >= 1.5 && tilesOf(InteriorOf(agreeing)) >= 0.5;
+}
+
+bool ExactProof::Beats(const cv::Point& motion, const cv::Point& rival) const {
+  const cv::Size cells = CellsOf(later.size());
+  const cv::Rect overlap = OverlapOf(later.size(), motion) & OverlapOf(later.size(), rival);
+  std::vector<Match> shared;
+  const cv::Size patch(PatchSide, PatchSide);
+  std::copy_if(matches.begin(), matches.end(), std::back_inserter(shared), [&](const Match& match) {
+    return (overlap & cv::Rect(match.place, patch)).size() == patch;
+  });
+  const int wins = cv::countNonZero(UniqueCells(shared, motion, cells));
+  const int losses = cv::countNonZero(UniqueCells(shared, rival, cells));
+  return wins >= LeastWin && wins >= 2 * losses;
+}
+
+}  // namespace ScrollingCapture

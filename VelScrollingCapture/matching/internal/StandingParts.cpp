@@ -1,0 +1,136 @@
+#include <algorithm>
+
+#include <opencv2/imgproc.hpp>
+
+#include <VelScrollingCapture/matching/internal/Comparison.h>
+#include <VelScrollingCapture/matching/internal/StandingParts.h>
+
+namespace ScrollingCapture {
+namespace {
+
+constexpr int Marked = 255;
+
+/// How far apart letters of one part may be, in cells.
+constexpr int Reach = 2;
+
+/// Between letters of a bar, and from them to the window's edge, there are at most so many cells.
+constexpr int BarReach = 10;
+
+/// Fewer anchors are no part.
+constexpr int LeastAnchors = 8;
+
+/// A bar or panel takes at most this share of the window.
+constexpr double LargestBar = 0.4;
+
+/// What is seen in one of the two captures.
+struct Sightings {
+  cv::Mat standing;
+  cv::Mat moving;
+};
+
+bool IsMarked(const cv::Mat& line) { return cv::countNonZero(line) > 0; }
+
+/// Marks the lines from an edge on as far as something stands there and nothing moves.
+/// @param lineAt gives the cells of the line at some distance from the edge
+template <typename LineAt>
+void MarkBar(Sightings& seen, int lines, LineAt lineAt) {
+  int last = -1;
+  const int most = static_cast<int>(lines * LargestBar);
+  for (int line = 0; line < most && line <= last + BarReach; ++line) {
+    if (IsMarked(lineAt(seen.moving, line))) {
+      break;
+    }
+    if (IsMarked(lineAt(seen.standing, line))) {
+      last = line;
+    }
+  }
+  for (int line = 0; line <= last; ++line) {
+    lineAt(seen.standing, line).setTo(Marked);
+  }
+}
+
+void MarkBars(Sightings& seen) {
+  const cv::Size cells = seen.standing.size();
+  MarkBar(seen, cells.height, [](cv::Mat& mat, int line) { return mat.row(line); });
+  MarkBar(seen, cells.height, [](cv::Mat& mat, int line) { return mat.row(mat.rows - 1 - line); });
+  MarkBar(seen, cells.width, [](cv::Mat& mat, int line) { return mat.col(line); });
+  MarkBar(seen, cells.width, [](cv::Mat& mat, int line) { return mat.col(mat.cols - 1 - line); });
+}
+
+/// Fills the bounding boxes of what stands close together.
+void FillParts(Sightings& seen) {
+  cv::Mat joined;
+  cv::dilate(seen.standing, joined,
+             cv::getStructuringElement(cv::MORPH_RECT, {2 * Reach + 1, 2 * Reach + 1}));
+  cv::Mat labels;
+  cv::Mat statistics;
+  cv::Mat centroids;
+  const int parts = cv::connectedComponentsWithStats(joined, labels, statistics, centroids);
+  for (int part = 1; part < parts; ++part) {
+    const auto* const box = statistics.ptr<int>(part);
+    const cv::Rect cells(box[cv::CC_STAT_LEFT] + 1, box[cv::CC_STAT_TOP] + 1,
+                         box[cv::CC_STAT_WIDTH] - 2, box[cv::CC_STAT_HEIGHT] - 2);
+    seen.standing(cells & cv::Rect({0, 0}, seen.standing.size())).setTo(Marked);
+  }
+}
+
+/// The motions that parts of the window have besides the content's.
+std::vector<cv::Point> MotionsOfParts(const std::vector<Match>& matches, const cv::Point& motion) {
+  std::vector<cv::Point> parts;
+  if (motion != cv::Point()) {
+    for (const cv::Point& part :
+         {cv::Point(0, 0), cv::Point(motion.x, 0), cv::Point(0, motion.y)}) {
+      const auto anchors = std::count_if(matches.begin(), matches.end(),
+                                         [&](const Match& match) { return match.motion == part; });
+      if (part != motion && anchors >= LeastAnchors) {
+        parts.push_back(part);
+      }
+    }
+  }
+  return parts;
+}
+
+cv::Mat Complete(Sightings& seen) {
+  if (IsMarked(seen.standing)) {
+    FillParts(seen);
+    MarkBars(seen);
+    seen.standing.setTo(0, seen.moving);
+  }
+  return seen.standing;
+}
+
+}  // namespace
+
+void MarkPatch(cv::Mat& cells, const cv::Point& place) {
+  const cv::Point first = place / CellSide;
+  const cv::Point last = (place + cv::Point(PatchSide - 1, PatchSide - 1)) / CellSide;
+  for (int row = first.y; row <= last.y; ++row) {
+    std::fill_n(cells.ptr<unsigned char>(row) + first.x, last.x - first.x + 1,
+                static_cast<unsigned char>(Marked));
+  }
+}
+
+StandingParts FindStandingParts(const std::vector<Match>& matches, const cv::Point& motion,
+                                const cv::Size& capture) {
+  const cv::Size cells = CellsOf(capture);
+  const auto none = [cells] {
+    return Sightings{cv::Mat::zeros(cells, CV_8UC1), cv::Mat::zeros(cells, CV_8UC1)};
+  };
+  Sightings earlier = none();
+  Sightings later = none();
+  const std::vector<cv::Point> parts = MotionsOfParts(matches, motion);
+  cv::Mat witnesses = cv::Mat::zeros(cells, CV_8UC1);
+  for (const Match& match : matches) {
+    if (match.motion == motion) {
+      MarkPatch(earlier.moving, match.place - match.motion);
+      MarkPatch(later.moving, match.place);
+    } else if (std::find(parts.begin(), parts.end(), match.motion) != parts.end()) {
+      MarkPatch(earlier.standing, match.place - match.motion);
+      MarkPatch(later.standing, match.place);
+      witnesses.at<unsigned char>(CentreOf(match.place) / CellSide) = Marked;
+    }
+  }
+  return {Complete(earlier), Complete(later), cv::countNonZero(witnesses)};
+}
+
+}  // namespace ScrollingCapture
