@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <optional>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -31,6 +33,7 @@ std::vector<cv::Mat> Captures(const benchmark::State& state) {
   const int step = window.height * 2 / 3;
   const cv::Mat page = Testing::NoiseCapture({window.width, window.height + (Count - 1) * step}, 1);
   std::vector<cv::Mat> captures;
+  captures.reserve(Count);
   for (int i = 0; i < Count; ++i) {
     captures.push_back(page.rowRange(i * step, i * step + window.height).clone());
   }
@@ -65,10 +68,9 @@ py::object PythonSession() {
 
 std::vector<py::array> Arrays(const benchmark::State& state) {
   Package();
-  std::vector<py::array> arrays;
-  for (const cv::Mat& capture : Captures(state)) {
-    arrays.push_back(ArrayOf(capture));
-  }
+  const std::vector<cv::Mat> captures = Captures(state);
+  std::vector<py::array> arrays(captures.size());
+  std::transform(captures.begin(), captures.end(), arrays.begin(), ArrayOf);
   return arrays;
 }
 
