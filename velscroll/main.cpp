@@ -84,7 +84,7 @@ int main(int argc, char** argv) {
   std::set_terminate(EndAfterWorkerFailure);
   std::signal(SIGXFSZ, SIG_IGN);  // writing then fails like on a full disk
   cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
-  AllowSilence();
+  OwnStandardError();
   ListenForInterruption();
   return Run(argc, argv);
 }

@@ -17,8 +17,8 @@ const FileDescriptor& Original() {
   return original;
 }
 
+bool isOwn = false;
 std::mutex mutex;
-bool allowed = false;
 int silences = 0;
 
 void SendStandardErrorTo(int target) {
@@ -29,14 +29,11 @@ void SendStandardErrorTo(int target) {
 
 }  // namespace
 
-void AllowSilence() {
-  const std::lock_guard<std::mutex> lock(mutex);
-  allowed = Original().IsOpen();
-}
+void OwnStandardError() { isOwn = true; }
 
 Silence::Silence() {
   const std::lock_guard<std::mutex> lock(mutex);
-  if (++silences > 1 || !allowed) {
+  if (++silences > 1 || !isOwn || !Original().IsOpen()) {
     return;
   }
   const FileDescriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
@@ -47,7 +44,7 @@ Silence::Silence() {
 
 Silence::~Silence() {
   const std::lock_guard<std::mutex> lock(mutex);
-  if (--silences == 0 && allowed) {
+  if (--silences == 0 && isOwn && Original().IsOpen()) {
     SendStandardErrorTo(Original().Number());
   }
 }
