@@ -160,6 +160,16 @@ TEST(PairMatcher, TakesRepeatedCapturesForUnmoved) {
   EXPECT_EQ(join.verdict, Verdict::Likely);
 }
 
+TEST(PairMatcher, ProvesThatACaptureRepeatsTheOneBeforeEvenWhereRowsAreMuchAlike) {
+  for (const cv::Mat& page : {DrawLog({640, 900}, 17), DrawArticle({640, 900}, 17)}) {
+    cv::Mat capture = Window(page, Size, {0, 100});
+    Lay(DrawPhoto({120, 100}, 1), capture, {400, 150});
+    const Join join = Match(capture, capture);
+    EXPECT_EQ(join.motion, Translation());
+    EXPECT_EQ(join.verdict, Verdict::Proven);
+  }
+}
+
 TEST(PairMatcher, DoubtsEqualRowsAndListsTheAlternatives) {
   const cv::Mat page = DrawEqualRows({640, 1200}, 28);
   const Join join = MatchWindows(page, {0, 3}, {0, 3 + 40});

@@ -170,10 +170,13 @@ const cv::Mat& ExactProof::Detailed() const {
 }
 
 Finding ExactProof::Examine(const cv::Point& motion) const {
+  return Examine(motion, FindStandingParts(matches, motion, later.size()));
+}
+
+Finding ExactProof::Examine(const cv::Point& motion, const StandingParts& parts) const {
   Finding finding;
   finding.motion = motion;
   finding.comparison = Compare(earlier, later, motion, Vectors::Widest);
-  const StandingParts parts = FindStandingParts(matches, motion, later.size());
   finding.witnesses = parts.witnesses;
   const cv::Mat contradicting =
       ContradictingCells(finding.comparison, motion, parts, finding.standing);
@@ -196,7 +199,8 @@ Finding ExactProof::Examine(const cv::Point& motion) const {
 
 bool ExactProof::IsUniqueInside(const cv::Point& motion) const {
   const cv::Mat unique = UniqueCells(matches, motion, CellsOf(later.size()));
-  return cv::countNonZero(unique(InteriorOf(unique))) >= LeastUnique;
+  const cv::Rect interior = InteriorOf(unique);
+  return cv::countNonZero(unique.rowRange(interior.y, interior.br().y)) >= LeastUnique;
 }
 
 bool ExactProof::StandsStill() const {

@@ -5,6 +5,7 @@
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/matching/internal/Comparison.h>
+#include <VelScrollingCapture/matching/internal/StandingParts.h>
 #include <VelScrollingCapture/matching/internal/Votes.h>
 
 namespace ScrollingCapture {
@@ -46,7 +47,10 @@ class ExactProof {
 
   Finding Examine(const cv::Point& motion) const;
 
-  /// Whether anything that is unique lies away from the edges of the window, where bars are.
+  /// The same, when it is known what stands still.
+  Finding Examine(const cv::Point& motion, const StandingParts& parts) const;
+
+  /// Whether anything that is unique lies away from the upper and lower edge, where bars are.
   bool IsUniqueInside(const cv::Point& motion) const;
 
   /// Whether nothing moved: what agrees is not only bars at the window's edges.

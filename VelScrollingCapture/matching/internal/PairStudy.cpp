@@ -239,10 +239,11 @@ class PairStudyRun {
     if (!MayBePeriodic(motion)) {
       return;
     }
+    const StandingParts parts = FindStandingParts(matches, motion, later.pixels.size());
     for (const cv::Point& period : PeriodsOf(later.pixels)) {
       for (const int times : {-2, -1, 1, 2}) {
         const cv::Point rival = motion + times * period;
-        if (IsAllowed(rival, settings.orientation) && MayRepeat(rival)) {
+        if (IsAllowed(rival, settings.orientation) && MayRepeat(rival, parts)) {
           rivals.push_back(rival);
         }
       }
@@ -263,12 +264,12 @@ class PairStudyRun {
     return repeated * 4 > anchors.size();
   }
 
-  bool MayRepeat(const cv::Point& rival) const {
-    const Finding finding = proof.Examine(rival);
+  bool MayRepeat(const cv::Point& rival, const StandingParts& parts) const {
+    const Finding finding = proof.Examine(rival, parts);
     if (finding.IsPossible()) {
       return true;
     }
-    if (finding.contradicting + finding.standing <= finding.agreeing || !MayBeLossy(later.pixels)) {
+    if (finding.contradicting <= finding.agreeing || !MayBeLossy(later.pixels)) {
       return false;
     }
     const cv::Mat earlierGrey = GreyOf(earlier.pixels);
