@@ -1,28 +1,47 @@
 #pragma once
 
 /// @file
-/// Every exported C++ class of the library.
+/// Everything that the library exports in C++.
 
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>
 #include <VelScrollingCapture/borders/BorderDetection.h>
 #include <VelScrollingCapture/borders/StitchingModifier.h>
-#include <VelScrollingCapture/core/BasicStitcher.h>
 #include <VelScrollingCapture/core/IImageProvider.h>
 #include <VelScrollingCapture/core/IStitcher.h>
 #include <VelScrollingCapture/core/IStitcherListener.h>
 #include <VelScrollingCapture/core/ITranslationDetector.h>
+#include <VelScrollingCapture/core/Messages.h>
 #include <VelScrollingCapture/core/ScrollOrientation.h>
-#include <VelScrollingCapture/core/StitcherFactory.h>
 #include <VelScrollingCapture/core/Translation.h>
 #include <VelScrollingCapture/core/Utilities.h>
-#include <VelScrollingCapture/detection/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/frontend/ExactStitcherAdapter.h>
 #include <VelScrollingCapture/frontend/PlatformImage.h>
 #include <VelScrollingCapture/frontend/ProgressListener.h>
-#include <VelScrollingCapture/frontend/RepeatFilter.h>
 #include <VelScrollingCapture/frontend/ScrollingProgressDelegate.h>
 #include <VelScrollingCapture/frontend/StitcherAdapter.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 #include <VelScrollingCapture/frontend/Version.h>
+#include <VelScrollingCapture/matching/AnchorTranslationDetector.h>
+#include <VelScrollingCapture/matching/CapturePlacer.h>
+#include <VelScrollingCapture/matching/Join.h>
+#include <VelScrollingCapture/matching/MatchingSettings.h>
+#include <VelScrollingCapture/matching/PairMatcher.h>
+#include <VelScrollingCapture/matching/PreparedCapture.h>
+#include <VelScrollingCapture/matching/SequenceMatcher.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
+#include <VelScrollingCapture/seams/Layout.h>
+#include <VelScrollingCapture/seams/Seam.h>
+#include <VelScrollingCapture/session/CaptureIntake.h>
+#include <VelScrollingCapture/session/CaptureOutcome.h>
+#include <VelScrollingCapture/session/CaptureSession.h>
+#include <VelScrollingCapture/session/IncomingCapture.h>
+#include <VelScrollingCapture/session/SessionResult.h>
+#include <VelScrollingCapture/session/SessionSettings.h>
+#include <VelScrollingCapture/session/SpillFileLost.h>
+#include <VelScrollingCapture/session/StitchedPicture.h>
+#include <VelScrollingCapture/similarity/RepeatFilter.h>
+#include <VelScrollingCapture/stitching/BasicStitcher.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
 #include <VelScrollingCapture/storage/MemoryEfficientImageProvider.h>

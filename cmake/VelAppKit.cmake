@@ -2,20 +2,24 @@
 # against AppKit takes: the frameworks on macOS, GNUstep elsewhere.
 include(CheckLanguage)
 
-if(APPLE)
-  set(VEL_APPKIT_FOUND ON)
-else()
-  find_program(VEL_GNUSTEP_CONFIG gnustep-config)
-  mark_as_advanced(VEL_GNUSTEP_CONFIG)
+# Only a project of its own builds it unasked: a host that has this as a subproject does not get
+# another language along with it.
+set(VEL_APPKIT_FOUND OFF)
+if(VEL_BUILD_APPKIT OR (PROJECT_IS_TOP_LEVEL AND NOT DEFINED VEL_BUILD_APPKIT))
+  if(NOT APPLE)
+    find_program(VEL_GNUSTEP_CONFIG gnustep-config)
+    mark_as_advanced(VEL_GNUSTEP_CONFIG)
+  endif()
   # C++ and Objective-C++ meet in one library, so one compiler makes both unless told otherwise.
   if(NOT DEFINED ENV{OBJCXX})
     set(ENV{OBJCXX} "${CMAKE_CXX_COMPILER}")
   endif()
   check_language(OBJCXX)
-  if(VEL_GNUSTEP_CONFIG AND CMAKE_OBJCXX_COMPILER)
+  if(CMAKE_OBJCXX_COMPILER AND (APPLE OR VEL_GNUSTEP_CONFIG))
     set(VEL_APPKIT_FOUND ON)
+  elseif(VEL_BUILD_APPKIT)
+    message(FATAL_ERROR "The Objective-C front needs an Objective-C++ compiler, and AppKit or GNUstep")
   else()
-    set(VEL_APPKIT_FOUND OFF)
     message(STATUS "No GNUstep or no Objective-C++ compiler: the Objective-C front is left out")
   endif()
 endif()
@@ -26,6 +30,12 @@ if(NOT VEL_BUILD_APPKIT)
   return()
 endif()
 
+# On macOS everything is in one framework; see VelFramework.
+if(APPLE)
+  set(VEL_FRAMEWORK_FOLDER Library/Frameworks)
+  list(APPEND CMAKE_INSTALL_RPATH "@loader_path/../${VEL_FRAMEWORK_FOLDER}")
+endif()
+
 enable_language(OBJCXX)
 set(CMAKE_OBJCXX_STANDARD 17)
 set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
@@ -33,10 +43,8 @@ set(CMAKE_OBJCXX_EXTENSIONS OFF)
 
 add_library(vel_appkit INTERFACE)
 if(APPLE)
-  target_compile_options(vel_appkit INTERFACE
-    $<$<COMPILE_LANGUAGE:OBJCXX>:-fno-objc-arc> $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-weak>)
-  target_link_libraries(vel_appkit INTERFACE
-    "-framework AppKit" "-framework ApplicationServices")
+  set(VEL_APPKIT_FRAMEWORKS "-framework AppKit" "-framework ApplicationServices")
+  target_link_libraries(vel_appkit INTERFACE ${VEL_APPKIT_FRAMEWORKS})
 else()
   # gnustep-config mixes what the library needs with choices of its own, such as the optimisation.
   function(vel_gnustep_flags result question pattern)
@@ -53,7 +61,7 @@ else()
   list(REMOVE_ITEM VEL_GNUSTEP_LIBRARIES -lm)
   list(TRANSFORM VEL_GNUSTEP_INCLUDES REPLACE "^-I" "")
   target_compile_options(vel_appkit INTERFACE
-    "$<$<COMPILE_LANGUAGE:OBJCXX>:${VEL_GNUSTEP_OPTIONS}>"
+    "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:${VEL_GNUSTEP_OPTIONS}>"
     $<$<COMPILE_LANG_AND_ID:OBJCXX,GNU>:-Wno-subobject-linkage>)
   target_include_directories(vel_appkit SYSTEM INTERFACE ${VEL_GNUSTEP_INCLUDES})
   target_link_libraries(vel_appkit INTERFACE ${VEL_GNUSTEP_LIBRARIES})

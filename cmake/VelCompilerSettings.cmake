@@ -8,10 +8,19 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 add_library(vel_compiler_settings INTERFACE)
 target_compile_options(vel_compiler_settings INTERFACE
-  -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion
+  -Wall -Wextra -Wpedantic -Wconversion
+  "$<$<COMPILE_LANGUAGE:CXX,OBJCXX>:-Wnon-virtual-dtor;-Woverloaded-virtual>"
   $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
   $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-sign-conversion>
   $<$<BOOL:${VEL_WARNINGS_AS_ERRORS}>:-Werror>)
+
+# Failed checks tell their source file. Ninja names it relative to a build folder inside of the source
+# folder; any other build would put its whole path into the library.
+cmake_path(IS_PREFIX PROJECT_SOURCE_DIR "${PROJECT_BINARY_DIR}" NORMALIZE builds_inside)
+if(NOT builds_inside OR NOT CMAKE_GENERATOR MATCHES Ninja)
+  target_compile_options(vel_compiler_settings INTERFACE
+    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+endif()
 
 if(VEL_SANITIZERS)
   target_compile_options(vel_compiler_settings INTERFACE

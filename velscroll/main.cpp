@@ -5,24 +5,23 @@
 #include <optional>
 #include <string>
 #include <system_error>
-#include <unistd.h>
 
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
-#include <velscroll/Arguments.h>
-#include <velscroll/Failure.h>
-#include <velscroll/Interruption.h>
-#include <velscroll/ProgressBar.h>
-#include <velscroll/Session.h>
-#include <velscroll/SpillFolder.h>
+#include <velscroll/arguments/Arguments.h>
+#include <velscroll/stitch/SpillFolder.h>
+#include <velscroll/stitch/StitchCommand.h>
+#include <velscroll/terminal/Failure.h>
+#include <velscroll/terminal/Interruption.h>
+#include <velscroll/terminal/ProgressBar.h>
+#include <velscroll/terminal/Silence.h>
 
 namespace ScrollingCapture::Program {
 namespace {
 
-/// Directly to the system: the stream may be held back, or be the reason for the failure.
 int Complain(const Failure& failure) {
   const std::string line = std::string("velscroll: ") + failure.what() + "\n";
-  [[maybe_unused]] const ssize_t ignored = ::write(STDERR_FILENO, line.data(), line.size());
+  TellUser(line.data(), line.size());
   return failure.Status();
 }
 
@@ -68,8 +67,8 @@ int Run(int argc, char** argv) {
   try {
     const std::optional<Arguments> arguments = ParseArguments(argc, argv);
     if (arguments) {
-      cv::setNumThreads(static_cast<int>(arguments->threadCount));
-      RunSession(*arguments);
+      cv::setNumThreads(static_cast<int>(arguments->session.threadCount));
+      return RunStitchCommand(*arguments);
     }
     return Done;
   } catch (...) {

@@ -1,13 +1,14 @@
 #include <algorithm>
 #include <cassert>
-#include <iostream>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include <opencv2/imgproc.hpp>
 
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>
 #include <VelScrollingCapture/borders/internal/ContentSearch.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -35,7 +36,7 @@ void CompareGrey(const cv::Mat& previous, const cv::Mat& current, cv::Mat& diffe
 bool KeepBorder(const cv::Mat& part, const char* name, std::shared_ptr<cv::Mat>& border) {
   border = std::make_shared<cv::Mat>(part.clone());
   if (border->empty()) {
-    std::cerr << "Error: Failed to extract " << name << " border." << std::endl;
+    TellError(std::string("Error: Failed to extract ") + name + " border.");
     return false;
   }
   return true;
@@ -66,18 +67,18 @@ BasicBorderDetection::BasicBorderDetection(std::shared_ptr<IStitcher> stitcher,
 
 bool BasicBorderDetection::ExtractBorders(IImageProvider& images) {
   if (images.Count() == 0) {
-    std::cerr << "Error: Empty image list when extracting common borders." << std::endl;
+    TellError("Error: Empty image list when extracting common borders.");
     return false;
   }
   const cv::Mat reference = images.GetImageAt(0)->clone();
   cv::Range rows;
   cv::Range columns;
   if (!FindContent(images, reference.size(), rows, columns)) {
-    std::cout << "No content box was found." << std::endl;
+    TellInformation("No content box was found.");
     return false;
   }
   if (!CopyBorders(reference, rows, columns)) {
-    std::cout << "No borders were extracted." << std::endl;
+    TellInformation("No borders were extracted.");
     return false;
   }
   for (size_t i = 0; i < images.Count(); ++i) {
@@ -89,11 +90,11 @@ bool BasicBorderDetection::ExtractBorders(IImageProvider& images) {
 
 bool BasicBorderDetection::ApplyBorders(cv::Mat& image) {
   if (image.empty()) {
-    std::cerr << "Error: Input image is empty." << std::endl;
+    TellError("Error: Input image is empty.");
     return false;
   }
   if (!HasBorder()) {
-    std::cerr << "Error: No border has been extracted." << std::endl;
+    TellError("Error: No border has been extracted.");
     return false;
   }
   cv::Size finalSize;
@@ -104,12 +105,12 @@ bool BasicBorderDetection::ApplyBorders(cv::Mat& image) {
   try {
     frame = cv::Mat::zeros(finalSize, image.type());
   } catch (const cv::Exception&) {
-    std::cerr << "Error: Insufficient memory to apply borders." << std::endl;
+    TellError("Error: Insufficient memory to apply borders.");
     return false;
   }
   image.copyTo(frame(rows, columns));
   if (!AddBorders(rows, columns, frame)) {
-    std::cerr << "Error: Failed to apply borders." << std::endl;
+    TellError("Error: Failed to apply borders.");
     return false;
   }
   image = frame;
@@ -119,7 +120,7 @@ bool BasicBorderDetection::ApplyBorders(cv::Mat& image) {
 bool BasicBorderDetection::FindContent(IImageProvider& provider, const cv::Size& captureSize,
                                        cv::Range& rows, cv::Range& columns) {
   if (provider.Count() < 2) {
-    std::cerr << "Error: Not enough images to identify a content box." << std::endl;
+    TellError("Error: Not enough images to identify a content box.");
     return false;
   }
   // Inside out, so that whatever is found first sets each side.
@@ -133,19 +134,19 @@ bool BasicBorderDetection::FindContent(IImageProvider& provider, const cv::Size&
     ConvertToGrey(*provider.GetImageAt(i), grey);
     CompareGrey(previousGrey, grey, difference);
     if (!FindTopAndLeftContentBoundary(difference, rows, columns)) {
-      std::cerr << "Error: Failed to find top or left content boundary for image with index " << i
-                << "." << std::endl;
+      TellError("Error: Failed to find top or left content boundary for image with index " +
+                std::to_string(i) + ".");
       return false;
     }
     if (!FindBottomAndRightContentBoundary(difference, rows, columns)) {
-      std::cerr << "Error: Failed to find bottom or right content boundary for image with index "
-                << i << "." << std::endl;
+      TellError("Error: Failed to find bottom or right content boundary for image with index " +
+                std::to_string(i) + ".");
       return false;
     }
     std::swap(previousGrey, grey);
   }
   if (rows.start >= rows.end || columns.start >= columns.end) {
-    std::cerr << "Error: Bad content box created." << std::endl;
+    TellError("Error: Bad content box created.");
     return false;
   }
   return true;
@@ -168,7 +169,7 @@ bool BasicBorderDetection::CopyBorders(const cv::Mat& image, const cv::Range& ro
     return false;
   }
   if (!HasBorder()) {
-    std::cerr << "Error: No border has been extracted." << std::endl;
+    TellError("Error: No border has been extracted.");
     return false;
   }
   return true;
@@ -236,7 +237,7 @@ bool BasicBorderDetection::FindBottomAndRightContentBoundary(cv::Mat& difference
 bool BasicBorderDetection::CheckNearestNeighbors(const cv::Mat& difference, int row, int column,
                                                  bool& isContent) const {
   if (difference.rows < 2 || difference.cols < 2) {
-    std::cerr << "Error: Image too small to remove border." << std::endl;
+    TellError("Error: Image too small to remove border.");
     return false;
   }
   std::uint32_t changedNeighbors = 0;
@@ -271,7 +272,7 @@ bool BasicBorderDetection::HasBorder() const {
 bool BasicBorderDetection::ConfirmContent(const cv::Mat& difference, int row, int column) const {
   bool isContent = false;
   if (!CheckNearestNeighbors(difference, row, column, isContent)) {
-    std::cerr << "Error: Nearest neighbor detection failed." << std::endl;
+    TellError("Error: Nearest neighbor detection failed.");
     return false;
   }
   assert(isContent);

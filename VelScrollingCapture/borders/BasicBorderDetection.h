@@ -38,13 +38,14 @@ namespace ScrollingCapture {
 /// there is just no border.
 class VEL_EXPORT BasicBorderDetection : public BorderDetection {
  public:
-  /// @param stitcher            stitches what is inside the borders, never null; ownership is
-  /// shared
-  /// @param differenceThreshold the grey-level difference, from 0 to 255, that a changed pixel
-  ///                            exceeds; with 255 or more no pixel ever changes
-  /// @param neighborThreshold   the number of changed neighbours, from 0 to 8, that content
-  /// exceeds;
-  ///                            with 8 or more there never is content
+  /// @param stitcher
+  ///        stitches what is inside the borders, never null; ownership is shared
+  /// @param differenceThreshold
+  ///        the grey-level difference, from 0 to 255, that a changed pixel exceeds; with 255 or
+  ///        more no pixel ever changes
+  /// @param neighborThreshold
+  ///        the number of changed neighbours, from 0 to 8, that content exceeds; with 8 or more
+  ///        there never is content
   BasicBorderDetection(std::shared_ptr<IStitcher> stitcher, unsigned int differenceThreshold,
                        unsigned int neighborThreshold);
 

@@ -1,29 +1,24 @@
-#include <iostream>
-
 #include <VelScrollingCapture/borders/BorderDetection.h>
+#include <VelScrollingCapture/core/internal/Completion.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
 
 namespace ScrollingCapture {
 
 bool BorderDetection::Stitch(IImageProvider& images, cv::Mat& result, IStitcherListener* listener,
                              int progressStart, int progressEnd, bool notifyCompletion) {
-  const auto complete = [listener, notifyCompletion](bool success) {
-    if (listener != nullptr && notifyCompletion) {
-      listener->StitchingComplete(success);
+  return AnnounceCompletion(listener, notifyCompletion, [&] {
+    const bool bordersFound = ExtractBorders(images);
+    if (!stitcher->Stitch(images, result, listener, progressStart, progressEnd, false)) {
+      TellError("Error: Failed to stitch images.");
+      return false;
     }
-    return success;
-  };
-
-  const bool bordersFound = ExtractBorders(images);
-  if (!stitcher->Stitch(images, result, listener, progressStart, progressEnd, false)) {
-    std::cerr << "Error: Failed to stitch images." << std::endl;
-    return complete(false);
-  }
-  if (bordersFound && !ApplyBorders(result)) {
-    std::cerr << "Error: Found borders, but failed to apply them to result image." << std::endl;
-    return listener != nullptr &&
-           complete(listener->StitchingError(IStitcherListener::BorderApplicationFailed, true));
-  }
-  return complete(true);
+    if (bordersFound && !ApplyBorders(result)) {
+      TellError("Error: Found borders, but failed to apply them to result image.");
+      return listener != nullptr &&
+             listener->StitchingError(IStitcherListener::BorderApplicationFailed, true);
+    }
+    return true;
+  });
 }
 
 std::vector<Translation> BorderDetection::GetTranslations() const {

@@ -19,8 +19,8 @@ class VEL_EXPORT IStitcher {
   /// Stitches all captures of `images` into `result`.
   ///
   /// The captures' pixels may be written to: the part of a capture that a seam cuts off turns
-  /// transparent in the provider as well. On failure `result` keeps what it held, and so it does
-  /// when an exception passes before StitchingComplete.
+  /// transparent in the provider as well. On failure `result` keeps what it held, also when
+  /// an exception ends the work.
   /// @param images           the captures, in scroll order and of equal size
   /// @param result           receives the stitched image
   /// @param listener         hears of progress and errors; may be null, and is not owned

@@ -9,8 +9,8 @@ namespace ScrollingCapture {
 /// During translation detection the calls come from worker threads, one at a time; all others come
 /// from the thread that called IStitcher::Stitch. A listener must not throw from ProgressCallback:
 /// an exception that leaves a worker thread ends the process. One that is thrown on the thread that
-/// called IStitcher::Stitch, by whichever operation, passes to its caller. The stitch ends there
-/// without a further call, and may be tried again.
+/// called IStitcher::Stitch, by whichever operation, ends the stitch and passes to its caller; the
+/// stitch may be tried again. The only further call is the StitchingComplete that was asked for.
 class VEL_EXPORT IStitcherListener {
  public:
   /// Why a stitch failed.
@@ -28,7 +28,8 @@ class VEL_EXPORT IStitcherListener {
   /// @return true to go on, false to cancel.
   virtual bool ProgressCallback(int progress) = 0;
 
-  /// Tells once, at the end, whether the stitch succeeded, when its caller asked for that.
+  /// Tells once, at the end, whether the stitch succeeded, when its caller asked for that. A stitch
+  /// that an exception ends has not: the listener hears so before the exception passes.
   virtual void StitchingComplete(bool success) = 0;
 
   /// Tells of an error.

@@ -1,5 +1,7 @@
-#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <utility>
+
 #include <VelScrollingCapture/frontend/StitcherAdapter.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 
 using ScrollingCapture::ScrollOrientation;
 using ScrollingCapture::StitcherFactory;
@@ -15,8 +17,14 @@ void StitcherAdapter::setProgressListener(ScrollingCapture::IStitcherListener* l
   this->listener = listener;
 }
 
+ScrollingCapture::IStitcherListener* StitcherAdapter::progressListener() const { return listener; }
+
 bool StitcherAdapter::stitchImages() {
   return stitcher->Stitch(*this, result, listener, 0, 100, true);
 }
 
 cv::Mat StitcherAdapter::getResult() { return result; }
+
+void StitcherAdapter::useStitcher(std::shared_ptr<ScrollingCapture::IStitcher> other) {
+  stitcher = std::move(other);
+}

@@ -25,12 +25,19 @@ class VEL_EXPORT StitcherAdapter : public ScrollingCapture::BasicImageProvider {
   /// stitch that it is set for.
   void setProgressListener(ScrollingCapture::IStitcherListener* listener);
 
+  /// Who hears of progress, or null.
+  ScrollingCapture::IStitcherListener* progressListener() const;
+
   /// Stitches the captures with progress from 0 to 100 and a completion notice.
   /// @return true on success
   bool stitchImages();
 
   /// The stitched image, sharing its pixels; empty before the first successful stitch.
   cv::Mat getResult();
+
+ protected:
+  /// Has another stitcher do the work.
+  void useStitcher(std::shared_ptr<ScrollingCapture::IStitcher> other);
 
  private:
   cv::Mat result;

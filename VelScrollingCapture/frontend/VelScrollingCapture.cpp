@@ -1,15 +1,17 @@
+#include <algorithm>
+#include <new>
 #include <utility>
 
 #include <VelScrollingCapture/core/internal/Truncation.h>
-#include <VelScrollingCapture/frontend/RepeatFilter.h>
+#include <VelScrollingCapture/frontend/ExactStitcherAdapter.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
+#include <VelScrollingCapture/session/CaptureIntake.h>
+#include <VelScrollingCapture/session/internal/HostPreview.h>
 
 namespace ScrollingCapture {
 namespace {
 
 constexpr ImageSize DefaultPreviewSize{250, 250};
-constexpr int PreviewRow = 1;
-constexpr int PreviewColumn = 0;
 
 template <typename Object>
 void ReplaceWithoutFreeing(std::unique_ptr<Object>& owner, Object* object) {
@@ -17,18 +19,43 @@ void ReplaceWithoutFreeing(std::unique_ptr<Object>& owner, Object* object) {
   owner.reset(object);
 }
 
+CaptureOutcome Refused(const char* reason) { return {CaptureOutcome::State::Unusable, reason, {}}; }
+
+/// An adapter that joins exactly cannot place what no stitcher takes, and says where the capture
+/// lies.
+CaptureOutcome AddTo(StitcherAdapter& adapter, PreviewImage* preview, const cv::Mat& capture) {
+  constexpr bool KeepRepeats = false;
+  CaptureIntake intake(adapter, preview, KeepRepeats);
+  auto* const exact = dynamic_cast<ExactStitcherAdapter*>(&adapter);
+  if (exact == nullptr) {
+    return intake.Add(capture);
+  }
+  const std::string reason = WhyUnusable(capture);
+  if (!reason.empty()) {
+    return Refused(reason.c_str());
+  }
+  const CaptureOutcome outcome = intake.Add(capture);
+  return outcome.state == CaptureOutcome::State::Placed
+             ? OutcomeOf(exact->PlaceLast(), adapter.Count() == 1)
+             : outcome;
+}
+
 /// Ends the listener's life with the stitch, also when an exception passes. The completion notice
 /// drops the listener's reference to the capture object, which may be the last one but for this.
 class EndOfStitch {
  public:
-  explicit EndOfStitch(std::shared_ptr<VelScrollingCapture> captureObject)
-      : captureObject(std::move(captureObject)) {}
+  EndOfStitch(std::shared_ptr<VelScrollingCapture> captureObject, StitcherAdapter& adapter)
+      : captureObject(std::move(captureObject)), adapter(adapter) {}
   EndOfStitch(const EndOfStitch&) = delete;
   EndOfStitch& operator=(const EndOfStitch&) = delete;
-  ~EndOfStitch() { captureObject->cleanupListener(); }
+  ~EndOfStitch() {
+    adapter.setProgressListener(nullptr);
+    captureObject->cleanupListener();
+  }
 
  private:
   const std::shared_ptr<VelScrollingCapture> captureObject;
+  StitcherAdapter& adapter;
 };
 
 }  // namespace
@@ -43,7 +70,14 @@ std::shared_ptr<VelScrollingCapture> VelScrollingCapture::initWithExpectConsiste
     bool expectConsistentTranslations, int threadCount) {
   std::shared_ptr<VelScrollingCapture> captureObject(new VelScrollingCapture);
   captureObject->_stitcherAdapter = std::make_unique<StitcherAdapter>(
-      ScrollOrientation::Both, expectConsistentTranslations, threadCount);
+      ScrollOrientation::Both, expectConsistentTranslations, std::max(threadCount, 1));
+  captureObject->setupStitcher();
+  return captureObject;
+}
+
+std::shared_ptr<VelScrollingCapture> VelScrollingCapture::initWithExactJoins(int threadCount) {
+  std::shared_ptr<VelScrollingCapture> captureObject(new VelScrollingCapture);
+  captureObject->_stitcherAdapter = std::make_unique<ExactStitcherAdapter>(threadCount);
   captureObject->setupStitcher();
   return captureObject;
 }
@@ -55,50 +89,56 @@ VelScrollingCapture::~VelScrollingCapture() {
 }
 
 void VelScrollingCapture::setupStitcher() {
-  if (!_stitcherAdapter) {
+  if (stitcherAdapter() == nullptr) {
     _stitcherAdapter = std::make_unique<StitcherAdapter>();
   }
   _progressListener = std::make_unique<ProgressListener>(shared_from_this());
-  _stitcherAdapter->setProgressListener(_progressListener.get());
+  if (StitcherAdapter* const adapter = stitcherAdapter()) {
+    adapter->setProgressListener(_progressListener.get());
+  }
   setPreviewImageSize(DefaultPreviewSize);
 }
 
-/// A capture that cannot be compared with the last one could not be stitched to it either.
-void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& image) try {
-  cv::Mat capture = image ? image->CVMat() : cv::Mat();
+void VelScrollingCapture::addImageToAdapter(const std::optional<PlatformImage>& image) {
+  addCapture(image);
+}
+
+CaptureOutcome VelScrollingCapture::addCapture(const std::optional<PlatformImage>& image) try {
+  const cv::Mat capture = image ? image->CVMat() : cv::Mat();
   makePreviewWhenAbsent();
-  if (!isNew(capture)) {
-    return;
+  if (stitcherAdapter() == nullptr) {
+    return Refused("has no adapter to be added to");
   }
-  _stitcherAdapter->Add(capture);
-  if (_previewImageCreator) {
-    _previewImageCreator->AddCapture(capture);
-  }
+  return AddTo(*stitcherAdapter(), previewImageCreator(), capture);
 } catch (const cv::Exception&) {
-  return;
+  return Refused("cannot be compared with the last one, or finds no memory");
+} catch (const std::bad_alloc&) {
+  return Refused("finds no memory");
 }
 
 std::optional<PlatformImage> VelScrollingCapture::currentImagePreview() try {
-  if (!_previewImageCreator) {
+  PreviewImage* const preview = previewImageCreator();
+  if (preview == nullptr) {
     return std::nullopt;
   }
   const cv::Size size = wholePreviewSize();
   return bitmapImageRepresentation(
-      PlatformImage::imageWithCVMat(_previewImageCreator->GetPreview(size.width, size.height)));
+      PlatformImage::imageWithCVMat(preview->GetPreview(size.width, size.height)));
 } catch (const cv::Exception&) {
   return std::nullopt;
 }
 
 std::optional<PlatformImage> VelScrollingCapture::stitchAndReturnFinalImage() {
-  if (!_progressListener || !_stitcherAdapter) {
+  StitcherAdapter* const adapter = stitcherAdapter();
+  if (adapter == nullptr || (adapter->progressListener() == nullptr && !_progressListener)) {
     return std::nullopt;
   }
-  const EndOfStitch end(shared_from_this());
+  const EndOfStitch end(shared_from_this(), *adapter);
   try {
-    if (!_stitcherAdapter->stitchImages()) {
+    if (!adapter->stitchImages()) {
       return std::nullopt;
     }
-    return bitmapImageRepresentation(PlatformImage::imageWithCVMat(_stitcherAdapter->getResult()));
+    return bitmapImageRepresentation(PlatformImage::imageWithCVMat(adapter->getResult()));
   } catch (const cv::Exception&) {
     return std::nullopt;
   }
@@ -126,8 +166,9 @@ void VelScrollingCapture::stitchingComplete(bool /*success*/) { cleanupListener(
 
 void VelScrollingCapture::cleanupListener() {
   const std::shared_ptr<VelScrollingCapture> self = weak_from_this().lock();
-  if (_stitcherAdapter) {
-    _stitcherAdapter->setProgressListener(nullptr);
+  StitcherAdapter* const adapter = stitcherAdapter();
+  if (adapter != nullptr && adapter->progressListener() == _progressListener.get()) {
+    adapter->setProgressListener(nullptr);
   }
   _progressListener.reset();
 }
@@ -183,15 +224,10 @@ void VelScrollingCapture::setPreviewImageCreator(PreviewImage* preview) {
   ReplaceWithoutFreeing(_previewImageCreator, preview);
 }
 
-bool VelScrollingCapture::isNew(const cv::Mat& capture) const {
-  return _stitcherAdapter && !RepeatsLastCapture(*_stitcherAdapter, capture);
-}
-
 /// A preview that cannot be made must not cost the capture; the next capture tries again.
 void VelScrollingCapture::makePreviewWhenAbsent() try {
-  if (!_previewImageCreator) {
-    _previewImageCreator =
-        std::make_unique<PreviewImage>(wholePreviewSize(), PreviewRow, PreviewColumn);
+  if (previewImageCreator() == nullptr) {
+    _previewImageCreator = MakeHostPreview(wholePreviewSize());
   }
 } catch (const cv::Exception&) {
   return;

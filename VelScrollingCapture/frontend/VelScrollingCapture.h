@@ -12,6 +12,7 @@
 #include <VelScrollingCapture/frontend/ScrollingProgressDelegate.h>
 #include <VelScrollingCapture/frontend/StitcherAdapter.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
+#include <VelScrollingCapture/session/CaptureOutcome.h>
 
 namespace ScrollingCapture {
 
@@ -39,11 +40,17 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   /// @param expectConsistentTranslations
   ///        whether a pair of captures may be given its second-best translation when that repeats
   ///        the previous pair's
-  /// @param threadCount the most detections that run at once; at least 1, not checked
+  /// @param threadCount the most detections that run at once; less than 1 counts as 1
   static std::shared_ptr<VelScrollingCapture> initWithExpectConsistentTranslations(
       bool expectConsistentTranslations, int threadCount);
 
-  ~VelScrollingCapture();
+  /// A capture object that joins captures exactly, see ExactStitcherAdapter: addCapture says of
+  /// each at once whether it could be placed, and fixed parts of the window appear once. It refuses
+  /// a first capture that has no pixels.
+  /// @param threadCount the most threads that work at once; less than 1 counts as 1
+  static std::shared_ptr<VelScrollingCapture> initWithExactJoins(int threadCount);
+
+  virtual ~VelScrollingCapture();
 
   VelScrollingCapture(const VelScrollingCapture&) = delete;
   VelScrollingCapture& operator=(const VelScrollingCapture&) = delete;
@@ -55,10 +62,14 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   /// Adds the next capture and brings the preview up to date.
   ///
   /// The first capture is always kept, even when it is absent, which counts as empty. A later one
-  /// is dropped silently when it shows the same as the last one kept, or cannot be compared with it
-  /// because their sizes differ. Any capture is dropped when memory for it runs out; it may then be
-  /// added again. The image's pixels are copied.
+  /// is dropped silently when it shows the same as the last one kept, or differs from it in size.
+  /// Any capture is dropped when memory for it runs out; it may then be added again. The image's
+  /// pixels are copied.
   void addImageToAdapter(const std::optional<PlatformImage>& image);
+
+  /// Does what addImageToAdapter does, and says what has become of the capture. Where the joins are
+  /// not exact, that it was placed only means that it was added.
+  CaptureOutcome addCapture(const std::optional<PlatformImage>& image);
 
   /// The preview as it stands, scaled down to fit into previewImageSize; absent before the first
   /// capture, when that size leaves no pixel, and when memory runs out. Always red, green, blue,
@@ -67,8 +78,9 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
 
   /// Stitches all captures on the calling thread, with progress to the delegate.
   ///
-  /// Ends the life of the progress listener; any further call, unless setupStitcher comes first,
-  /// does nothing and gives no image. Throws std::system_error when no thread can be started, and
+  /// Ends the life of the progress listener and takes the adapter's listener from it. A call while
+  /// neither is there does nothing and gives no image, and so does any further call unless
+  /// setupStitcher comes first. Throws std::system_error when no thread can be started, and
   /// what the delegate throws on the calling thread; the listener's life ends then, too.
   /// @return red, green, blue, alpha; absent when there is no capture, the delegate stopped the
   ///         work, the stitch failed (with a message on the standard error stream), memory ran out,
@@ -90,7 +102,8 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   void stitchingComplete(bool success);
 
   /// Destroys the progress listener and with it the reference by which this object keeps itself
-  /// alive. Captures can be added and previewed further, but not stitched.
+  /// alive. Captures can be added and previewed further, but not stitched, unless the adapter was
+  /// given a listener of the host's own.
   void cleanupListener();
 
   /// `image` rendered as red, green, blue, alpha; absent when it has no pixel, and when memory runs
@@ -110,28 +123,34 @@ class VEL_EXPORT VelScrollingCapture : public std::enable_shared_from_this<VelSc
   /// the first capture is also that of the canvas on which the preview begins. Written as a whole.
   void setPreviewImageSize(const ImageSize& size);
 
-  /// The captures, the stitcher and the result; owned by this object.
-  StitcherAdapter* stitcherAdapter() const;
+  /// The captures, the stitcher and the result; owned by this object. All operations ask here, so
+  /// that a derived class can give its own.
+  virtual StitcherAdapter* stitcherAdapter() const;
 
   /// Takes over `adapter`. The one before is not freed: it now belongs to the caller.
   void setStitcherAdapter(StitcherAdapter* adapter);
 
-  /// The relay to this object, null after the stitch; owned by this object.
+  /// The relay to this object, null after the stitch; owned by this object. The stitch tells the
+  /// adapter's listener, which is this one unless the host sets another there.
   ProgressListener* progressListener() const;
 
-  /// Takes over `listener`. The one before is not freed: it now belongs to the caller.
+  /// Takes over `listener`; the adapter keeps the listener that it has. The one before is not
+  /// freed: it now belongs to the caller.
   void setProgressListener(ProgressListener* listener);
 
-  /// The live preview, null before the first capture; owned by this object.
-  PreviewImage* previewImageCreator() const;
+  /// The live preview, null before the first capture; owned by this object. All operations ask
+  /// here, so that a derived class can give its own.
+  virtual PreviewImage* previewImageCreator() const;
 
   /// Takes over `preview`. The one before is not freed: it now belongs to the caller.
   void setPreviewImageCreator(PreviewImage* preview);
 
- private:
+ protected:
+  /// Makes an object that setupStitcher still has to be called for, once a std::shared_ptr holds
+  /// it.
   VelScrollingCapture() = default;
 
-  bool isNew(const cv::Mat& capture) const;
+ private:
   void makePreviewWhenAbsent();
   cv::Size wholePreviewSize() const;
 

@@ -2,7 +2,9 @@
 
 #include <VelScrollingCapture/core/Export.h>
 
+#ifdef __cplusplus
 extern "C" {
+#endif
 
 /// The version of the library: 1.0.
 VEL_EXPORT extern const double VelScrollingCaptureVersionNumber;
@@ -11,4 +13,6 @@ VEL_EXPORT extern const double VelScrollingCaptureVersionNumber;
 /// mark "@(#)".
 VEL_EXPORT extern const unsigned char VelScrollingCaptureVersionString[];
 
+#ifdef __cplusplus
 }  // extern "C"
+#endif

@@ -1,5 +1,4 @@
-#include <iostream>
-
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/matching/AnchorTranslationDetector.h>
 #include <VelScrollingCapture/matching/PairMatcher.h>
 #include <VelScrollingCapture/matching/SequenceMatcher.h>
@@ -24,7 +23,7 @@ std::vector<Translation> AnchorTranslationDetector::DetectTranslation(IImageProv
                                                                       int progressEnd) {
   captures.clear();
   if (images.Count() < 2) {
-    std::cerr << "Error: Not enough images in the IImageProvider." << std::endl;
+    TellError("Error: Not enough images in the IImageProvider.");
     return {};
   }
   captures = MatchSequence(

@@ -24,14 +24,15 @@ enum class Verdict {
 
 /// How a capture is joined to what was seen before it. A value type.
 struct Join {
-  Verdict verdict = Verdict::None;
+  Verdict verdict = Verdict::None;  ///< How sure the motion is.
 
   /// How far the content moved since the capture before, (0, 0) where that is not known.
   Translation motion;
 
-  /// How many pixels were compared under that motion, and how many of them are equal. They are
-  /// those of the overlap that the motion was proven on.
+  /// How many pixels were compared under that motion: those of the overlap that it was proven on.
   std::int64_t compared = 0;
+
+  /// How many of the compared pixels are equal.
   std::int64_t equal = 0;
 
   /// The other motions that explain the pixels as well, the smallest first. Empty unless doubtful.

@@ -12,10 +12,10 @@ namespace ScrollingCapture {
 
 /// How a sequence is matched.
 struct SequenceSettings {
-  MatchingSettings matching;
+  MatchingSettings matching;     ///< how each pair is matched
   unsigned int threadCount = 1;  ///< the threads that work at once, the calling one included
-  int progressStart = 0;
-  int progressEnd = 100;
+  int progressStart = 0;         ///< the progress that the listener hears of lies above this
+  int progressEnd = 100;         ///< the progress when the last capture is placed
 };
 
 /// Places all captures of a provider: reading, anchors, pairs and placing overlap on some threads.

@@ -6,7 +6,7 @@
 
 #include <VelScrollingCapture/core/Export.h>
 #include <VelScrollingCapture/core/Translation.h>
-#include <VelScrollingCapture/detection/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
 
 namespace ScrollingCapture {
 

@@ -1,14 +1,13 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <limits>
 #include <optional>
-#include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include <VelScrollingCapture/core/Utilities.h>
 #include <VelScrollingCapture/storage/MemoryEfficientImageProvider.h>
+#include <VelScrollingCapture/storage/internal/SpillFile.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -16,99 +15,6 @@ namespace {
 constexpr unsigned long DefaultMemoryLimit = 200UL * 1024 * 1024;
 
 using Guard = std::lock_guard<std::recursive_mutex>;
-
-/// What a spill file begins with; the fields follow one another without the gaps of a struct.
-struct SpillHeader {
-  std::int32_t columns = 0;
-  std::int32_t rows = 0;
-  std::uint64_t elementSize = 0;
-  std::int32_t type = 0;
-};
-
-size_t ElementSizeOf(const cv::Mat& image) {
-  return image.dims > 0 ? image.step[image.dims - 1] : 0;
-}
-
-size_t PixelBytesOf(const cv::Mat& image) {
-  return static_cast<size_t>(image.rows) * static_cast<size_t>(image.cols) * ElementSizeOf(image);
-}
-
-template <typename Field>
-void WriteField(std::ostream& stream, const Field& field) {
-  stream.write(reinterpret_cast<const char*>(&field), sizeof(field));
-}
-
-template <typename Field>
-void ReadField(std::istream& stream, Field& field) {
-  stream.read(reinterpret_cast<char*>(&field), sizeof(field));
-}
-
-void WriteHeader(std::ostream& stream, const SpillHeader& header) {
-  WriteField(stream, header.columns);
-  WriteField(stream, header.rows);
-  WriteField(stream, header.elementSize);
-  WriteField(stream, header.type);
-}
-
-SpillHeader ReadHeader(std::istream& stream) {
-  SpillHeader header;
-  ReadField(stream, header.columns);
-  ReadField(stream, header.rows);
-  ReadField(stream, header.elementSize);
-  ReadField(stream, header.type);
-  return header;
-}
-
-std::uint64_t BytesLeftIn(std::ifstream& file) {
-  const std::streamoff position = file.tellg();
-  file.seekg(0, std::ios::end);
-  const std::streamoff end = file.tellg();
-  file.seekg(position);
-  return file && end > position ? static_cast<std::uint64_t>(end - position) : 0;
-}
-
-/// Whether the pixels that a header announces can lie in that many bytes. Asked before any memory
-/// is taken on a damaged header's word.
-bool FitsInto(std::uint64_t bytes, const SpillHeader& header) {
-  if (header.rows < 0 || header.columns < 0) {
-    return false;
-  }
-  const std::uint64_t elements =
-      static_cast<std::uint64_t>(header.rows) * static_cast<std::uint64_t>(header.columns);
-  return header.elementSize == 0 || elements <= bytes / header.elementSize;
-}
-
-/// The number of elements to read, in 32 bits with a sign: that is the limit for captures that are
-/// read back. A product that does not fit wraps around.
-std::int32_t ElementsToRead(const SpillHeader& header) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(header.rows) *
-                                   static_cast<std::uint32_t>(header.columns));
-}
-
-/// Reads what follows the header; false when the header announces more than there is, or more than
-/// the matrix can take.
-bool ReadPixels(std::ifstream& file, const SpillHeader& header, cv::Mat& image) {
-  const std::int32_t elements = ElementsToRead(header);
-  if (elements < 0 || !FitsInto(BytesLeftIn(file), header)) {
-    return false;
-  }
-  try {
-    image.create(header.rows, header.columns, header.type);
-  } catch (const cv::Exception&) {
-    return false;
-  }
-  const std::uint64_t bytes = static_cast<std::uint64_t>(elements) * header.elementSize;
-  if (bytes > image.total() * image.elemSize()) {
-    return false;
-  }
-  file.read(reinterpret_cast<char*>(image.data), static_cast<std::streamsize>(bytes));
-  return file.good();
-}
-
-/// Whether a spill file can give all of the capture back.
-bool CanBeReadBack(const cv::Mat& image) {
-  return image.dims <= 2 && image.total() <= std::numeric_limits<std::int32_t>::max();
-}
 
 /// The same pixels without gaps between the rows; nothing when there is no memory for a copy.
 std::optional<cv::Mat> MakeContinuous(const cv::Mat& image) {
@@ -119,16 +25,15 @@ std::optional<cv::Mat> MakeContinuous(const cv::Mat& image) {
   }
 }
 
-void RemoveAll(std::deque<unsigned long>& queue, size_t index) {
-  queue.erase(std::remove(queue.begin(), queue.end(), index), queue.end());
+/// Whether there is anything of that name, be it a link that leads nowhere or a file that may not
+/// be read.
+bool HasName(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::exists(std::filesystem::symlink_status(path, ignored));
 }
 
-/// Leaves devices and the like alone, which a path may name as well.
-void RemovePartialFile(const std::string& path) {
-  std::error_code ignored;
-  if (std::filesystem::is_regular_file(std::filesystem::symlink_status(path, ignored))) {
-    std::filesystem::remove(path, ignored);
-  }
+void RemoveAll(std::deque<unsigned long>& queue, size_t index) {
+  queue.erase(std::remove(queue.begin(), queue.end(), index), queue.end());
 }
 
 }  // namespace
@@ -223,6 +128,11 @@ size_t MemoryEfficientImageProvider::GetMemoryUsage() const {
   return usage;
 }
 
+bool MemoryEfficientImageProvider::ExceedsMemoryLimit() const {
+  const Guard guard(lock);
+  return loadedQueue.size() > MINIMUM_LOADED_IMAGES && GetMemoryUsage() > memoryLimit;
+}
+
 size_t MemoryEfficientImageProvider::GetMatrixMemory(const cv::Mat& image) const {
   return PixelBytesOf(image);
 }
@@ -239,51 +149,34 @@ bool MemoryEfficientImageProvider::IsMatSaved(size_t index) {
 
 bool MemoryEfficientImageProvider::UnloadMat() {
   const Guard guard(lock);
-  if (loadedQueue.empty()) {
+  const auto leastRecent =
+      std::find_if(loadedQueue.begin(), loadedQueue.end(),
+                   [this](size_t index) { return CanLeaveMemory(entries[index]); });
+  if (leastRecent == loadedQueue.end()) {
     return false;
   }
-  const size_t index = loadedQueue.front();
-  Entry& entry = entries[index];
-  if (entry.image == nullptr) {
-    loadedQueue.pop_front();
-    return false;
-  }
-  if (!IsMatSaved(index) && !Spill(entry)) {
+  Entry& entry = entries[*leastRecent];
+  if (entry.filePath.empty() && !Spill(entry)) {
     return false;
   }
   entry.image.reset();
-  loadedQueue.pop_front();
+  loadedQueue.erase(leastRecent);
   return true;
 }
 
 bool MemoryEfficientImageProvider::SaveMat(cv::Mat& image, const std::string& path) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  if (!file) {
-    return false;
-  }
-  WriteHeader(file, {image.cols, image.rows, ElementSizeOf(image), image.type()});
-  file.write(reinterpret_cast<const char*>(image.data),
-             static_cast<std::streamsize>(PixelBytesOf(image)));
-  file.close();
-  if (!file) {
-    RemovePartialFile(path);
-  }
-  return file.good();
+  return WriteSpillFile(image, path, Existing::Replaced);
 }
 
 void MemoryEfficientImageProvider::LoadMat(cv::Mat& image, const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  const SpillHeader header = ReadHeader(file);
-  if (!file || !ReadPixels(file, header, image)) {
-    throw std::runtime_error("Could not open or read file.");
-  }
+  ReadSpillFile(image, path);
 }
 
 std::string MemoryEfficientImageProvider::GetTempFileName() {
   std::string path;
   do {
     path = folderPath + Utilities::GenerateRandomAlphanumericString(fileNameLength);
-  } while (std::ifstream(path).is_open());
+  } while (HasName(path));
   return path;
 }
 
@@ -294,14 +187,16 @@ void MemoryEfficientImageProvider::MakeRoomFor(const cv::Mat& image) {
   }
 }
 
+/// What no file could give back has to stay.
+bool MemoryEfficientImageProvider::CanLeaveMemory(const Entry& entry) {
+  return !entry.filePath.empty() || CanBeReadBack(*entry.image);
+}
+
 /// Writes the entry's file; false leaves the entry without one.
 bool MemoryEfficientImageProvider::Spill(Entry& entry) {
-  if (!CanBeReadBack(*entry.image)) {
-    return false;
-  }
-  std::optional<cv::Mat> pixels = MakeContinuous(*entry.image);
+  const std::optional<cv::Mat> pixels = MakeContinuous(*entry.image);
   std::string path = GetTempFileName();
-  if (!pixels || !SaveMat(*pixels, path)) {
+  if (!pixels || !WriteSpillFile(*pixels, path, Existing::Refused)) {
     return false;
   }
   entry.filePath = std::move(path);

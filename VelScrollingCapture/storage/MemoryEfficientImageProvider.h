@@ -28,8 +28,10 @@ namespace ScrollingCapture {
 /// SetImageAt to make the change last. The same is true of the seams that a stitch cuts.
 ///
 /// Safe from any number of threads at once: one recursive lock is held through every operation.
-/// Indices are not checked. Who may read the files is decided by the folder's permissions and the
-/// process's umask.
+/// Indices are not checked.
+///
+/// Files hold what was on a screen: they are made with mode 0600, under a name at which there is
+/// nothing, and never through a link that somebody has put there.
 class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
  public:
   /// No capture is spilled while fewer captures than this are loaded.
@@ -55,8 +57,8 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
 
   /// The capture at `index`, which becomes the most recently used one.
   ///
-  /// Throws std::runtime_error when the capture's spill file cannot be read back; the provider is
-  /// then as it was before.
+  /// Throws std::runtime_error when the capture's spill file cannot be read back, and cv::Exception
+  /// (StsNoMem) when there is no memory for the capture; the provider is then as it was before.
   std::shared_ptr<cv::Mat> GetImageAt(size_t index) override;
 
   /// Replaces a capture and deletes the spill file of the one that was there.
@@ -78,6 +80,14 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   /// The bytes of pixels of all loaded captures, as GetMatrixMemory counts them.
   size_t GetMemoryUsage() const;
 
+  /// Whether more is loaded than the budget allows, beyond the captures that may always be.
+  ///
+  /// With captures of one size, that is so when one of them could not be spilled: the disk is full,
+  /// or the folder cannot be written. Nothing is lost then, but a host that has promised a limit
+  /// wants to say so; ask after Add and GetImageAt. It ends as soon as enough has been spilled
+  /// after all.
+  bool ExceedsMemoryLimit() const;
+
   /// Rows times columns times the size of an element, in bytes; 0 for a matrix without dimensions.
   /// Takes no lock.
   size_t GetMatrixMemory(const cv::Mat& image) const;
@@ -89,13 +99,14 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   bool IsMatSaved(size_t index);
 
   /// Spills the capture that was used least recently; one that already has a file is only dropped
-  /// from memory.
-  /// @return false when nothing is loaded or the file could not be written; nothing has changed
-  /// then
+  /// from memory. A matrix that no spill file can give back (one of more than two dimensions, or of
+  /// 2^31 elements or more) is passed over.
+  /// @return false when there is nothing to spill or the file could not be written; nothing has
+  ///         changed then
   bool UnloadMat();
 
  protected:
-  /// Writes a matrix to a file, which is created or overwritten.
+  /// Writes a matrix to a file, which is created (with mode 0600) or overwritten.
   ///
   /// The file holds, without gaps and in the machine's byte order, the numbers of columns and of
   /// rows (32 bits each), the size of an element in bytes (64 bits) and OpenCV's type code
@@ -108,11 +119,12 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   /// Reads a matrix that SaveMat wrote. A matrix that already has the size and type of the file's
   /// keeps its buffer.
   ///
-  /// Throws std::runtime_error when the file cannot be opened, is cut short or makes no sense; the
-  /// matrix may have been resized and partly filled by then.
+  /// Throws std::runtime_error when the file cannot be opened, is cut short or makes no sense, and
+  /// cv::Exception (StsNoMem) when there is no memory for the matrix; the matrix may have been
+  /// resized and partly filled by then.
   void LoadMat(cv::Mat& image, const std::string& path);
 
-  /// A path for a new spill file, at which no readable file exists. The file is not created.
+  /// A path for a new spill file, at which there is nothing. The file is not created.
   std::string GetTempFileName();
 
  private:
@@ -122,6 +134,7 @@ class VEL_EXPORT MemoryEfficientImageProvider : public IImageProvider {
   };
 
   [[gnu::visibility("hidden")]] void MakeRoomFor(const cv::Mat& image);
+  [[gnu::visibility("hidden")]] static bool CanLeaveMemory(const Entry& entry);
   [[gnu::visibility("hidden")]] bool Spill(Entry& entry);
 
   std::uint64_t memoryLimit;

@@ -5,13 +5,12 @@
 
 #include <benchmark/benchmark.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/MatrixTesting.h>
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/references/ReferenceContentBox.h>
 
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../../tests/borders/OpenBorderDetection.h"
-#include "../../tests/borders/ReferenceContentBox.h"
-#include "../../tests/support/MatrixTesting.h"
-#include "../../tests/support/StreamCapture.h"
 
 namespace ScrollingCapture {
 namespace {

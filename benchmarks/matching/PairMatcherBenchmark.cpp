@@ -2,10 +2,9 @@
 
 #include <benchmark/benchmark.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/CapturePlacer.h>
-
-#include "../../tests/matching/Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -1,11 +1,10 @@
 #include <chrono>
 
 #include <benchmark/benchmark.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/SequenceMatcher.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../../tests/matching/Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

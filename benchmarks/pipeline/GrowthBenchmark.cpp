@@ -2,13 +2,12 @@
 #include <memory>
 
 #include <benchmark/benchmark.h>
+#include <testkit/memory/PeakMemory.h>
+#include <testkit/pages/Page.h>
 
 #include <VelScrollingCapture/core/IStitcher.h>
-#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../../tests/detection/Page.h"
-#include "../support/PeakMemory.h"
 
 namespace ScrollingCapture {
 namespace {
@@ -39,7 +38,7 @@ void BM_StitchSequence(benchmark::State& state) {
   for (auto _ : state) {
     BasicImageProvider captures = ScrolledCaptures(count);
     cv::Mat result;
-    const Benchmarks::PeakMemory memory;
+    const Testing::PeakMemory memory;
     const auto start = std::chrono::steady_clock::now();
     if (!stitcher->Stitch(captures, result, nullptr, 0, 100, false)) {
       state.SkipWithError("the captures were not stitched");

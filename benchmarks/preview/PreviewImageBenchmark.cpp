@@ -1,9 +1,8 @@
 #include <benchmark/benchmark.h>
+#include <testkit/MatrixTesting.h>
 
-#include <VelScrollingCapture/detection/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
-
-#include "../../tests/support/MatrixTesting.h"
 
 namespace ScrollingCapture {
 namespace {

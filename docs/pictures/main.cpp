@@ -11,13 +11,12 @@
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
+#include <testkit/ScriptedDetector.h>
 
-#include <VelScrollingCapture/core/BasicStitcher.h>
-#include <VelScrollingCapture/detection/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
 #include <VelScrollingCapture/preview/PreviewImage.h>
+#include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../../tests/support/ScriptedDetector.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -4,21 +4,22 @@
 //
 // Exit status: 0 done, 1 failed or stopped, 2 wrong usage or a file that cannot be read.
 #include <cstdlib>
-#include <iostream>
 #include <limits>
-#include <memory>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
+
+// [host]
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <vector>
 
 #include <VelScrollingCapture/ScrollingCapture.h>
 
 using namespace ScrollingCapture;
 
-// [host]
 class Progress : public ScrollingProgressDelegate {
  public:
   explicit Progress(int stopAt) : stopAt(stopAt) {}

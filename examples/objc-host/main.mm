@@ -4,13 +4,14 @@
 //
 // Exit status: 0 done, 1 failed or stopped, 2 wrong usage or a file that cannot be read.
 #include <climits>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+// [host]
+#include <cstdio>
+
 #import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
 
-// [host]
 @interface Progress : NSObject <ScrollingProgressDelegate> {
  @public
   int reached, stopAt;

@@ -80,10 +80,10 @@ QString MainWindow::save(const QString& file) const {
 }
 
 void MainWindow::start() {
-  session = std::make_unique<CaptureSession>();
-  connect(session.get(), &CaptureSession::progressed, this, &MainWindow::showProgress);
-  connect(session.get(), &CaptureSession::stitched, this, &MainWindow::showResult);
-  connect(session.get(), &CaptureSession::stopped, this, &MainWindow::endWithoutResult);
+  run = std::make_unique<CaptureRun>();
+  connect(run.get(), &CaptureRun::progressed, this, &MainWindow::showProgress);
+  connect(run.get(), &CaptureRun::stitched, this, &MainWindow::showResult);
+  connect(run.get(), &CaptureRun::stopped, this, &MainWindow::endWithoutResult);
   grabs = 0;
   cancelled = false;
   result = {};
@@ -98,21 +98,22 @@ void MainWindow::cancel() {
   if (scrollTimer.isActive()) {
     scrollTimer.stop();
     endWithoutResult();
-  } else if (session) {
-    session->cancel();
+  } else if (run) {
+    run->cancel();
   }
 }
 
 void MainWindow::captureAndScroll() {
-  session->add(view->viewport()->grab().toImage());
-  preview->setPixmap(QPixmap::fromImage(session->preview()));
+  const QString problem = run->add(view->viewport()->grab().toImage());
+  state->setText(problem.isEmpty() ? "Capturing…" : problem);
+  preview->setPixmap(QPixmap::fromImage(run->preview()));
   QScrollBar* const bar = view->verticalScrollBar();
   progressBar->setValue(bar->value());
   if (bar->value() == bar->maximum()) {
     scrollTimer.stop();
     progressBar->setRange(0, 100);
     showState("Stitching…", true);
-    session->stitch();
+    run->stitch();
   }
   bar->setValue(bar->value() + Step);
   emit captured(++grabs);
@@ -128,14 +129,14 @@ void MainWindow::showResult(const QImage& image) {
     endWithoutResult();
     return;
   }
-  session.reset();
+  run.reset();
   result = image;
   showState(QString("%1 × %2 pixels").arg(result.width()).arg(result.height()), false);
   emit finished(Outcome::Stitched);
 }
 
 void MainWindow::endWithoutResult() {
-  session.reset();
+  run.reset();
   progressBar->reset();
   showState(cancelled ? "Cancelled" : "The captures could not be stitched", false);
   emit finished(cancelled ? Outcome::Cancelled : Outcome::Failed);
@@ -146,7 +147,7 @@ void MainWindow::endWithoutResult() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   cancel();
-  if (session) {
+  if (run) {
     closesWhenFinished = true;
     event->ignore();
   }

@@ -6,7 +6,7 @@
 #include <QWidget>
 #include <memory>
 
-#include "CaptureSession.h"
+#include "CaptureRun.h"
 #include "DocumentPage.h"
 
 class QLabel;
@@ -63,7 +63,7 @@ class MainWindow : public QWidget {
   QPushButton* cancelButton;
   QPushButton* saveButton;
   QTimer scrollTimer;
-  std::unique_ptr<CaptureSession> session;
+  std::unique_ptr<CaptureRun> run;
   int grabs = 0;
   bool cancelled = false;
   bool closesWhenFinished = false;

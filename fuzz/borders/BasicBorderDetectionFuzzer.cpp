@@ -7,10 +7,10 @@
 #include <fuzz/support/Expect.h>
 #include <fuzz/support/Quiet.h>
 #include <fuzz/support/RandomCaptures.h>
-#include <tests/support/ScriptedDetector.h>
+#include <testkit/ScriptedDetector.h>
 
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>
-#include <VelScrollingCapture/core/BasicStitcher.h>
+#include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
 
 namespace ScrollingCapture::Fuzzing {

@@ -7,9 +7,9 @@
 
 #include <fuzz/support/Expect.h>
 #include <fuzz/support/RandomCaptures.h>
-#include <tests/borders/OpenBorderDetection.h>
-#include <tests/borders/ReferenceContentBox.h>
-#include <tests/support/StreamCapture.h>
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/references/ReferenceContentBox.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {

@@ -8,7 +8,7 @@
 #include <fuzz/support/Expect.h>
 #include <fuzz/support/Quiet.h>
 #include <fuzz/support/RandomCaptures.h>
-#include <tests/support/RecordingListener.h>
+#include <testkit/RecordingListener.h>
 
 #include <VelScrollingCapture/matching/PairMatcher.h>
 #include <VelScrollingCapture/matching/SequenceMatcher.h>

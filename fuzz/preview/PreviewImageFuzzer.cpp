@@ -36,7 +36,8 @@ void ExpectFits(PreviewImage& preview, const cv::Size& canvas, const cv::Size& b
 
 void PreviewAny(FuzzedDataProvider& data) {
   const Quiet quiet;
-  cv::Size canvas = AnySize(data, LongestCanvasSide);
+  const int width = data.ConsumeIntegralInRange(0, LongestCanvasSide);
+  cv::Size canvas(width, data.ConsumeIntegralInRange(0, LongestCanvasSide));
   const int row = AnyCoordinate(data, LongestCanvasSide);
   PreviewImage preview(canvas, row, AnyCoordinate(data, LongestCanvasSide));
   for (int captures = data.ConsumeIntegralInRange(0, 3); captures > 0; --captures) {

@@ -7,9 +7,9 @@
 #include <string>
 
 #include <fuzz/support/Expect.h>
-#include <tests/storage/SpillTesting.h>
-#include <tests/support/MatrixTesting.h>
-#include <tests/support/TemporaryFolder.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {

@@ -1,8 +1,8 @@
 // What every fuzz target starts with.
 
-#include <fuzz/support/CappedAllocator.h>
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
+#include <testkit/memory/CappedMemory.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -15,7 +15,7 @@ constexpr size_t MostMatrixBytes = size_t{64} << 20;
 // NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
   using namespace ScrollingCapture::Fuzzing;
-  static CappedAllocator allocator(MostMatrixBytes);
+  static ScrollingCapture::Testing::CappedMemory allocator(MostMatrixBytes);
   cv::Mat::setDefaultAllocator(&allocator);
   // A target's runs depend on nothing but its input.
   cv::setNumThreads(1);

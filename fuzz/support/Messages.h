@@ -4,7 +4,7 @@
 #include <string>
 
 #include <fuzz/support/Expect.h>
-#include <velscroll/Failure.h>
+#include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Fuzzing {
 

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include <tests/support/StreamCapture.h>
+#include <testkit/StreamCapture.h>
 
 namespace ScrollingCapture::Fuzzing {
 

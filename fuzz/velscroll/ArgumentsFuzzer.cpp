@@ -7,7 +7,8 @@
 #include <fuzz/support/Messages.h>
 #include <fuzz/support/Quiet.h>
 #include <fuzzer/FuzzedDataProvider.h>
-#include <velscroll/Arguments.h>
+#include <velscroll/arguments/Arguments.h>
+#include <velscroll/names/SettingNames.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -15,6 +16,18 @@ namespace {
 constexpr const char* Words[] = {"-o",
                                  "--output=page.png",
                                  "a.png",
+                                 "--engine",
+                                 "exact",
+                                 "phase-correlation",
+                                 "--fixed",
+                                 "keep",
+                                 "--strict",
+                                 "--joins",
+                                 "--split",
+                                 "--background",
+                                 "#abc",
+                                 "--jpeg-quality",
+                                 "--png-level",
                                  "--orientation",
                                  "vertical",
                                  "horizontal",
@@ -33,6 +46,7 @@ constexpr const char* Words[] = {"-o",
                                  "250x250",
                                  "--report",
                                  "-q",
+                                 "-qq",
                                  "--quiet",
                                  "--help",
                                  "--version",
@@ -50,15 +64,19 @@ std::string AnyWord(FuzzedDataProvider& data) {
 
 void ExpectWithinLimits(const Program::Arguments& arguments) {
   Expect(!arguments.captures.empty(), "there are captures");
-  Expect(!arguments.output.empty(), "there is an output");
-  Expect(arguments.threadCount >= 1 && arguments.threadCount <= 1024, "threads are limited");
-  Expect(!arguments.borders ||
-             (arguments.borders->difference <= 255 && arguments.borders->neighbors <= 8),
-         "thresholds are limited");
-  const cv::Size& size = arguments.previewSize;
+  Expect(!arguments.outputs.image.empty(), "there is an output");
+  const SessionSettings& session = arguments.session;
+  Expect(session.threadCount >= 1 && session.threadCount <= 1024, "threads are limited");
+  Expect(
+      !session.borders || (session.borders->difference <= 255 && session.borders->neighbors <= 8),
+      "thresholds are limited");
+  Expect(!session.borders || session.engine == Engine::PhaseCorrelation,
+         "borders come with phase correlation only");
+  Expect(arguments.outputs.mostRowsPerFile.value_or(1) >= 1, "a piece has a row");
+  const cv::Size size = session.previewBox.value_or(cv::Size(1, 1));
   Expect(size.width >= 1 && size.height >= 1 && size.width <= 10000 && size.height <= 10000,
          "the preview's size is limited");
-  Expect(!Program::NameOf(arguments.orientation).empty(), "the orientation has a name");
+  Expect(!Program::NameOf(session.orientation).empty(), "the orientation has a name");
 }
 
 void ParseAny(FuzzedDataProvider& data) {

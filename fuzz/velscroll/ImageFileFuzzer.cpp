@@ -5,9 +5,9 @@
 
 #include <fuzz/support/Expect.h>
 #include <fuzz/support/Messages.h>
-#include <tests/storage/SpillTesting.h>
-#include <tests/support/TemporaryFolder.h>
-#include <velscroll/ImageFile.h>
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
+#include <velscroll/input/ImageFile.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -30,7 +30,7 @@ void ReadAny(const std::string& bytes) {
   const std::string path = folder.Prefix() + "any.png";
   Testing::WriteFile(path, bytes);
   try {
-    const cv::Mat capture = Program::ReadCapture(path);
+    const cv::Mat capture = Program::ReadCapture(path).pixels;
     Expect(!capture.empty() && capture.type() == CV_8UC4, "what is read is a capture");
     Expect(IsPremultiplied(capture), "no colour is above its alpha");
   } catch (const Program::Failure& failure) {

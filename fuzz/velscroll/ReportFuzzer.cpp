@@ -6,7 +6,7 @@
 #include <fuzz/support/Expect.h>
 #include <fuzz/support/RandomCaptures.h>
 #include <fuzz/velscroll/ToldReport.h>
-#include <velscroll/Report.h>
+#include <velscroll/report/Report.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -17,40 +17,59 @@ std::string AnyText(FuzzedDataProvider& data) {
   return data.ConsumeRandomLengthString(LongestName);
 }
 
-Program::CaptureOutcome AnyOutcome(FuzzedDataProvider& data) {
-  Program::CaptureOutcome outcome;
+Join AnyJoin(FuzzedDataProvider& data) {
+  Join join;
+  join.verdict =
+      data.PickValueInArray({Verdict::Proven, Verdict::Likely, Verdict::Doubtful, Verdict::None});
+  join.motion = AnyTranslation(data, {100, 100});
+  join.compared = data.ConsumeIntegral<std::int64_t>();
+  join.equal = data.ConsumeIntegral<std::int64_t>();
+  for (int i = data.ConsumeIntegralInRange(0, 3); i > 0; --i) {
+    join.alternatives.push_back(AnyTranslation(data, {100, 100}));
+  }
+  return join;
+}
+
+Program::ReportedPart AnyPart(FuzzedDataProvider& data) {
+  const std::string file = AnyText(data);
+  return {file, {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()}, {file}};
+}
+
+Program::ReportedCapture AnyOutcome(FuzzedDataProvider& data) {
+  Program::ReportedCapture outcome;
   outcome.file = AnyText(data);
   outcome.state =
-      data.PickValueInArray({Program::CaptureOutcome::Kept, Program::CaptureOutcome::Repeated,
-                             Program::CaptureOutcome::LeftOut});
+      data.PickValueInArray({Program::ReportedCapture::Kept, Program::ReportedCapture::Repeated,
+                             Program::ReportedCapture::LeftOut});
   outcome.place = {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()};
-  outcome.translation = AnyTranslation(data, {100, 100});
+  outcome.part = data.ConsumeIntegralInRange<size_t>(0, 9);
   if (data.ConsumeBool()) {
-    outcome.overlap = Program::Overlap{data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>(),
-                                       data.ConsumeFloatingPoint<double>()};
+    outcome.join = AnyJoin(data);
   }
   return outcome;
 }
 
-Program::Arguments AnyArguments(FuzzedDataProvider& data) {
-  Program::Arguments arguments;
-  arguments.output = AnyText(data);
-  arguments.threadCount = data.ConsumeIntegral<unsigned int>();
+SessionSettings AnySettings(FuzzedDataProvider& data) {
+  SessionSettings settings;
+  settings.threadCount = data.ConsumeIntegral<unsigned int>();
   if (data.ConsumeBool()) {
-    arguments.borders = Program::BorderThresholds{data.ConsumeIntegral<unsigned int>(),
-                                                  data.ConsumeIntegral<unsigned int>()};
+    settings.borders = BorderThresholds{data.ConsumeIntegral<unsigned int>(),
+                                        data.ConsumeIntegral<unsigned int>()};
   }
   if (data.ConsumeBool()) {
-    arguments.memoryLimit = data.ConsumeIntegral<std::uint64_t>();
+    settings.memoryLimit = data.ConsumeIntegral<std::uint64_t>();
   }
-  return arguments;
+  return settings;
 }
 
 Program::ReportContent AnyContent(FuzzedDataProvider& data) {
   Program::ReportContent content;
-  content.resultSize = {data.ConsumeIntegral<int>(), data.ConsumeIntegral<int>()};
+  content.settings = AnySettings(data);
+  for (int i = data.ConsumeIntegralInRange(1, 3); i > 0; --i) {
+    content.parts.push_back(AnyPart(data));
+  }
   if (data.ConsumeBool()) {
-    content.borders = Program::Borders{{1, 2, 3, 4}, data.ConsumeIntegral<int>(), 0, 0, 0};
+    content.borders = FixedBorders{{1, 2, 3, 4}, data.ConsumeIntegral<int>(), 0, 0, 0};
   }
   for (int i = data.ConsumeIntegralInRange(0, 4); i > 0; --i) {
     content.captures.push_back(AnyOutcome(data));
@@ -74,20 +93,22 @@ void ExpectText(const std::string& told, const std::string& text) {
 }
 
 void ReportAny(FuzzedDataProvider& data) {
-  const Program::Arguments arguments = AnyArguments(data);
   const Program::ReportContent content = AnyContent(data);
-  const std::string text = Program::ReportText(arguments, content);
+  const std::string text = Program::ReportText(content);
   Expect(text.back() == '\n', "the report ends with an end of line");
 
   const ToldReport told = ReadReport(text);
-  ExpectText(told.file, arguments.output);
-  Expect(told.size == content.resultSize, "the size comes back");
+  Expect(told.parts.size() == content.parts.size(), "every part is told of");
+  for (size_t i = 0; i < told.parts.size(); ++i) {
+    ExpectText(told.parts[i].file, content.parts[i].file);
+    Expect(told.parts[i].size == content.parts[i].size, "the size comes back");
+  }
   Expect(told.captures.size() == content.captures.size(), "every capture is told of");
   for (size_t i = 0; i < told.captures.size(); ++i) {
-    const Program::CaptureOutcome& outcome = content.captures[i];
+    const Program::ReportedCapture& outcome = content.captures[i];
     ExpectText(told.captures[i].file, outcome.file);
     Expect(told.captures[i].row == outcome.place.row, "the place comes back");
-    Expect(told.captures[i].hasOverlap == outcome.overlap.has_value(), "the overlap comes back");
+    Expect(told.captures[i].hasJoin == outcome.join.has_value(), "the join comes back");
   }
   Expect(told.warnings == content.warnings.size(), "every warning is told");
 }

@@ -11,10 +11,10 @@
 #include <fuzz/support/RandomCaptures.h>
 #include <fuzz/velscroll/ToldReport.h>
 #include <opencv2/imgcodecs.hpp>
-#include <tests/storage/SpillTesting.h>
-#include <tests/support/TemporaryFolder.h>
-#include <velscroll/Arguments.h>
-#include <velscroll/Session.h>
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
+#include <velscroll/arguments/Arguments.h>
+#include <velscroll/stitch/StitchCommand.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -52,40 +52,66 @@ void WriteCaptures(FuzzedDataProvider& data, const Testing::TemporaryFolder& fol
   }
 }
 
-/// @return the files that the session is asked for
+/// @return the files that the session is asked for besides the picture
 Paths ChooseSettings(FuzzedDataProvider& data, const Testing::TemporaryFolder& folder,
                      Program::Arguments& arguments) {
-  arguments.quiet = true;
-  arguments.orientation = data.PickValueInArray(
+  arguments.loudness = Program::Loudness::Nothing;
+  arguments.session.engine = data.PickValueInArray({Engine::Exact, Engine::PhaseCorrelation});
+  arguments.session.fixedParts = data.PickValueInArray({FixedParts::Once, FixedParts::Keep});
+  arguments.session.threadCount = data.ConsumeIntegralInRange(1U, 3U);
+  arguments.strict = data.ConsumeIntegralInRange(0, 7) == 0;
+  arguments.session.orientation = data.PickValueInArray(
       {ScrollOrientation::Vertical, ScrollOrientation::Horizontal, ScrollOrientation::Both});
-  arguments.expectConsistentTranslations = data.ConsumeBool();
-  arguments.keepRepeats = data.ConsumeBool();
-  arguments.output =
+  arguments.session.expectConsistentTranslations = data.ConsumeBool();
+  arguments.session.keepRepeats = data.ConsumeBool();
+  arguments.outputs.image =
       folder.Prefix() + "page" + data.PickValueInArray({".png", ".jpg", ".bmp", ".webp", ".tiff"});
-  arguments.report = folder.Prefix() + "report.json";
-  Paths asked = {arguments.output, arguments.report};
-  if (data.ConsumeBool()) {
-    arguments.borders = Program::BorderThresholds{data.ConsumeIntegralInRange(0U, 255U),
-                                                  data.ConsumeIntegralInRange(0U, 8U)};
+  arguments.outputs.report = folder.Prefix() + "report.json";
+  Paths asked = {arguments.outputs.report};
+  if (data.ConsumeIntegralInRange(0, 3) == 0) {
+    arguments.outputs.mostRowsPerFile = data.ConsumeIntegralInRange(1, LongestSide);
+  }
+  if (arguments.session.engine == Engine::PhaseCorrelation && data.ConsumeBool()) {
+    arguments.session.borders = BorderThresholds{data.ConsumeIntegralInRange(0U, 255U),
+                                                 data.ConsumeIntegralInRange(0U, 8U)};
   }
   if (data.ConsumeBool()) {
-    arguments.memoryLimit = data.ConsumeIntegralInRange(0U, 8192U);
-    arguments.spillFolder = folder.Path().string();
+    arguments.session.memoryLimit = data.ConsumeIntegralInRange(0U, 8192U);
+    arguments.session.spillFolder = folder.Path().string();
   }
   if (data.ConsumeIntegralInRange(0, 7) == 0) {
-    arguments.preview = folder.Prefix() + "preview.png";
-    arguments.previewSize = AnySize(data, 300);
-    asked.insert(arguments.preview);
+    arguments.outputs.preview = folder.Prefix() + "preview.png";
+    arguments.session.previewBox = AnySize(data, 300);
+    asked.insert(arguments.outputs.preview);
   }
   return asked;
 }
 
-void ExpectReportTellsOfTheResult(const Program::Arguments& arguments) {
-  const ToldReport report = ReadReport(Testing::ReadFile(arguments.report));
-  const cv::Mat result = cv::imread(arguments.output, cv::IMREAD_UNCHANGED);
-  Expect(!result.empty(), "the result can be read");
-  Expect(report.size == result.size(), "the report tells the result's size");
+/// @return the files of a part
+Paths ExpectPartIsWritten(const ToldPart& part) {
+  const std::vector<std::string> files =
+      part.pieces.empty() ? std::vector<std::string>{part.file} : part.pieces;
+  int rows = 0;
+  for (const std::string& file : files) {
+    const cv::Mat piece = cv::imread(file, cv::IMREAD_UNCHANGED);
+    Expect(piece.cols == part.size.width, "a piece is as wide as its part");
+    rows += piece.rows;
+  }
+  Expect(rows == part.size.height, "the pieces are as high as their part");
+  return {files.begin(), files.end()};
+}
+
+/// @return the files of the picture
+Paths ExpectReportTellsOfTheResult(const Program::Arguments& arguments,
+                                   Program::ExitStatus status) {
+  const ToldReport report = ReadReport(Testing::ReadFile(arguments.outputs.report));
   Expect(report.captures.size() == arguments.captures.size(), "every capture is told of");
+  Expect((report.parts.size() == 1) == (status == Program::Done), "the status tells of parts");
+  Paths written;
+  for (const ToldPart& part : report.parts) {
+    written.merge(ExpectPartIsWritten(part));
+  }
+  return written;
 }
 
 void RunAny(FuzzedDataProvider& data) {
@@ -95,16 +121,17 @@ void RunAny(FuzzedDataProvider& data) {
   Paths expected = ChooseSettings(data, folder, arguments);
   WriteCaptures(data, folder, arguments);
   const Paths before = FilesIn(folder);
+  Program::ExitStatus status = Program::Done;
   try {
-    Program::RunSession(arguments);
+    status = Program::RunStitchCommand(arguments);
   } catch (const Program::Failure& failure) {
     ExpectOneLine(failure);
     Expect(FilesIn(folder) == before, "a session that fails leaves nothing behind");
     return;
   }
   expected.insert(before.begin(), before.end());
+  expected.merge(ExpectReportTellsOfTheResult(arguments, status));
   Expect(FilesIn(folder) == expected, "a session writes what it was asked for and nothing else");
-  ExpectReportTellsOfTheResult(arguments);
 }
 
 }  // namespace

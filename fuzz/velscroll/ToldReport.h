@@ -11,13 +11,19 @@ namespace ScrollingCapture::Fuzzing {
 struct ToldCapture {
   std::string file;
   int row = 0;
-  bool hasOverlap = false;
+  bool hasJoin = false;
+};
+
+/// What a report tells of a part of the picture.
+struct ToldPart {
+  std::string file;
+  cv::Size size;
+  std::vector<std::string> pieces;  ///< empty when it was not cut
 };
 
 /// What a reader of a report finds in it.
 struct ToldReport {
-  std::string file;
-  cv::Size size;
+  std::vector<ToldPart> parts;
   std::vector<ToldCapture> captures;
   size_t warnings = 0;
 };

@@ -3,10 +3,9 @@
 #include <string>
 
 #include <gtest/gtest.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/StreamCapture.h"
-#include "OpenBorderDetection.h"
+#include <testkit/MatrixTesting.h>
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/StreamCapture.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -25,7 +24,7 @@ bool IsZero(const cv::Mat& image) {
 }
 
 /// Has borders that were extracted around a content box of 100 columns and 300 rows.
-class ApplyBorders : public testing::Test {
+class BasicBorderDetectionApplication : public testing::Test {
  protected:
   void StoreTop() { detection.topBorder = NoiseBorder({115, 40}, 1); }
   void StoreBottom() { detection.bottomBorder = NoiseBorder({115, 20}, 2); }
@@ -41,14 +40,14 @@ class ApplyBorders : public testing::Test {
   OpenBorderDetection detection{10, 2};
 };
 
-TEST_F(ApplyBorders, RefusesAnEmptyImageBeforeItLooksForBorders) {
+TEST_F(BasicBorderDetectionApplication, RefusesAnEmptyImageBeforeItLooksForBorders) {
   cv::Mat image;
   const StreamCapture errors(std::cerr);
   EXPECT_FALSE(detection.ApplyBorders(image));
   EXPECT_EQ(errors.Text(), "Error: Input image is empty.\n");
 }
 
-TEST_F(ApplyBorders, NeedsABorder) {
+TEST_F(BasicBorderDetectionApplication, NeedsABorder) {
   cv::Mat image = NoiseCapture({10, 10}, 9);
   const cv::Mat before = image.clone();
   const StreamCapture errors(std::cerr);
@@ -57,7 +56,7 @@ TEST_F(ApplyBorders, NeedsABorder) {
   EXPECT_TRUE(SameBits(image, before));
 }
 
-TEST_F(ApplyBorders, PutsATopBorderAbove) {
+TEST_F(BasicBorderDetectionApplication, PutsATopBorderAbove) {
   detection.topBorder = NoiseBorder({1000, 40}, 1);
   const cv::Mat content = NoiseCapture({1000, 3000}, 9);
   cv::Mat image = content;
@@ -67,7 +66,7 @@ TEST_F(ApplyBorders, PutsATopBorderAbove) {
   EXPECT_TRUE(SameBits(image.rowRange(40, 3040), content));
 }
 
-TEST_F(ApplyBorders, LeavesTheSidesOfTallContentTransparentBelowTheBorders) {
+TEST_F(BasicBorderDetectionApplication, LeavesTheSidesOfTallContentTransparentBelowTheBorders) {
   StoreAll();
   const cv::Mat content = NoiseCapture({100, 3000}, 9);
   cv::Mat image = content;
@@ -82,7 +81,7 @@ TEST_F(ApplyBorders, LeavesTheSidesOfTallContentTransparentBelowTheBorders) {
   EXPECT_TRUE(IsZero(image(cv::Rect(110, 340, 5, 2700))));
 }
 
-TEST_F(ApplyBorders, CoversTheFirstRowsOfTheSidesWithSideBordersAlone) {
+TEST_F(BasicBorderDetectionApplication, CoversTheFirstRowsOfTheSidesWithSideBordersAlone) {
   StoreLeft();
   StoreRight();
   cv::Mat image = NoiseCapture({100, 3000}, 9);
@@ -94,7 +93,8 @@ TEST_F(ApplyBorders, CoversTheFirstRowsOfTheSidesWithSideBordersAlone) {
   EXPECT_TRUE(IsZero(image(cv::Rect(110, 300, 5, 2700))));
 }
 
-TEST_F(ApplyBorders, LeavesTheTopAndBottomOfWideContentTransparentRightOfTheBorders) {
+TEST_F(BasicBorderDetectionApplication,
+       LeavesTheTopAndBottomOfWideContentTransparentRightOfTheBorders) {
   StoreAll();
   const cv::Mat content = NoiseCapture({500, 300}, 9);
   cv::Mat image = content;
@@ -108,7 +108,7 @@ TEST_F(ApplyBorders, LeavesTheTopAndBottomOfWideContentTransparentRightOfTheBord
   EXPECT_TRUE(SameBits(image(cv::Rect(510, 40, 5, 300)), *detection.rightBorder));
 }
 
-TEST_F(ApplyBorders, CutsBordersThatReachOutsideTheFrame) {
+TEST_F(BasicBorderDetectionApplication, CutsBordersThatReachOutsideTheFrame) {
   StoreAll();
   const cv::Mat content = NoiseCapture({60, 50}, 9);
   cv::Mat image = content;
@@ -122,7 +122,7 @@ TEST_F(ApplyBorders, CutsBordersThatReachOutsideTheFrame) {
   EXPECT_TRUE(SameBits(image(cv::Rect(10, 90, 60, 20)), detection.bottomBorder->colRange(10, 70)));
 }
 
-TEST_F(ApplyBorders, GivesTheTypeOfTheContent) {
+TEST_F(BasicBorderDetectionApplication, GivesTheTypeOfTheContent) {
   StoreTop();
   const cv::Mat content(300, 115, CV_8UC1, cv::Scalar(200));
   cv::Mat image = content;
@@ -132,7 +132,7 @@ TEST_F(ApplyBorders, GivesTheTypeOfTheContent) {
   EXPECT_TRUE(IsZero(image.rowRange(0, 40)));
 }
 
-TEST_F(ApplyBorders, FailsWhenThereIsNoMemoryForTheFrame) {
+TEST_F(BasicBorderDetectionApplication, FailsWhenThereIsNoMemoryForTheFrame) {
   StoreTop();
   // A header over one pixel that pretends to be larger than any memory.
   uchar pixel[4] = {};
@@ -144,7 +144,7 @@ TEST_F(ApplyBorders, FailsWhenThereIsNoMemoryForTheFrame) {
   EXPECT_EQ(image.size(), cv::Size(1'000'000'000, 1'000'000'000));
 }
 
-TEST_F(ApplyBorders, KeepsTheImageWhenTheBordersCannotBeAdded) {
+TEST_F(BasicBorderDetectionApplication, KeepsTheImageWhenTheBordersCannotBeAdded) {
   class Refusing : public OpenBorderDetection {
    public:
     using OpenBorderDetection::OpenBorderDetection;
@@ -165,7 +165,7 @@ TEST_F(ApplyBorders, KeepsTheImageWhenTheBordersCannotBeAdded) {
   EXPECT_TRUE(SameBits(image, before));
 }
 
-TEST_F(ApplyBorders, LeavesTheContentsPixelsAlone) {
+TEST_F(BasicBorderDetectionApplication, LeavesTheContentsPixelsAlone) {
   StoreAll();
   const cv::Mat content = NoiseCapture({100, 300}, 9);
   const cv::Mat before = content.clone();
@@ -175,7 +175,7 @@ TEST_F(ApplyBorders, LeavesTheContentsPixelsAlone) {
   EXPECT_TRUE(SameBits(content, before));
 }
 
-TEST_F(ApplyBorders, AddsBordersAtTheEdgesOfAnyFrame) {
+TEST_F(BasicBorderDetectionApplication, AddsBordersAtTheEdgesOfAnyFrame) {
   StoreAll();
   cv::Mat frame = cv::Mat::zeros(500, 200, CV_8UC4);
   EXPECT_TRUE(detection.AddBorders({60, 450}, {30, 180}, frame));
@@ -185,7 +185,7 @@ TEST_F(ApplyBorders, AddsBordersAtTheEdgesOfAnyFrame) {
   EXPECT_TRUE(SameBits(frame(cv::Rect(180, 60, 5, 300)), *detection.rightBorder));
 }
 
-TEST_F(ApplyBorders, SizesTheFrameAsTheContentWithoutBorders) {
+TEST_F(BasicBorderDetectionApplication, SizesTheFrameAsTheContentWithoutBorders) {
   cv::Size size;
   cv::Range rows;
   cv::Range columns;
@@ -195,7 +195,7 @@ TEST_F(ApplyBorders, SizesTheFrameAsTheContentWithoutBorders) {
   EXPECT_EQ(columns, cv::Range(0, 70));
 }
 
-TEST_F(ApplyBorders, SizesTheFrameWithRoomForEveryBorder) {
+TEST_F(BasicBorderDetectionApplication, SizesTheFrameWithRoomForEveryBorder) {
   StoreAll();
   cv::Size size;
   cv::Range rows;

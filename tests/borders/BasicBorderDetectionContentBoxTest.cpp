@@ -3,10 +3,9 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/StreamCapture.h"
-#include "OpenBorderDetection.h"
+#include <testkit/MatrixTesting.h>
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/StreamCapture.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -43,7 +42,7 @@ std::string NoTopOrLeft(int index) {
          std::to_string(index) + ".\n";
 }
 
-TEST(FindContent, NeedsTwoCaptures) {
+TEST(BasicBorderDetectionContentBox, NeedsTwoCaptures) {
   for (const BasicImageProvider& captures :
        {BasicImageProvider(), CapturesThatChange({20, 20}, {})}) {
     const Found result = FindContentIn(captures);
@@ -52,7 +51,7 @@ TEST(FindContent, NeedsTwoCaptures) {
   }
 }
 
-TEST(FindContent, EnclosesWhatChanged) {
+TEST(BasicBorderDetectionContentBox, EnclosesWhatChanged) {
   const Found result = FindContentIn(CapturesThatChange({60, 50}, {{7, 9, 30, 20}}), 2);
   EXPECT_TRUE(result.found);
   EXPECT_EQ(result.rows, cv::Range(9, 29));
@@ -60,27 +59,27 @@ TEST(FindContent, EnclosesWhatChanged) {
   EXPECT_EQ(result.messages, "");
 }
 
-TEST(FindContent, LeavesTheCapturesAsTheyAre) {
+TEST(BasicBorderDetectionContentBox, LeavesTheCapturesAsTheyAre) {
   BasicImageProvider captures = CapturesThatChange({30, 30}, {{5, 5, 9, 9}});
   const cv::Mat before = captures.GetImageAt(1)->clone();
   EXPECT_TRUE(FindContentIn(captures).found);
   EXPECT_TRUE(Testing::SameBits(*captures.GetImageAt(1), before));
 }
 
-TEST(FindContent, FailsWhenTheFirstTwoCapturesAreTheSame) {
+TEST(BasicBorderDetectionContentBox, FailsWhenTheFirstTwoCapturesAreTheSame) {
   const Found result = FindContentIn(CapturesThatChange({20, 20}, {{}, {5, 5, 9, 9}}));
   EXPECT_FALSE(result.found);
   EXPECT_EQ(result.messages, NoTopOrLeft(1));
 }
 
-TEST(FindContent, TakesLaterCapturesThatAreTheSame) {
+TEST(BasicBorderDetectionContentBox, TakesLaterCapturesThatAreTheSame) {
   const Found result = FindContentIn(CapturesThatChange({20, 20}, {{5, 6, 9, 8}, {}}));
   EXPECT_TRUE(result.found);
   EXPECT_EQ(result.rows, cv::Range(6, 14));
   EXPECT_EQ(result.columns, cv::Range(5, 14));
 }
 
-TEST(FindContent, ComparesOnlyConsecutiveCaptures) {
+TEST(BasicBorderDetectionContentBox, ComparesOnlyConsecutiveCaptures) {
   // A corner that brightens slowly: too little from capture to capture, enough since the first.
   BasicImageProvider captures = CapturesThatChange({20, 20}, {{5, 6, 9, 8}});
   for (const int grey : {8, 16, 24}) {
@@ -94,14 +93,14 @@ TEST(FindContent, ComparesOnlyConsecutiveCaptures) {
   EXPECT_EQ(result.columns, cv::Range(5, 14));
 }
 
-TEST(FindContent, OverlooksAnIsolatedChange) {
+TEST(BasicBorderDetectionContentBox, OverlooksAnIsolatedChange) {
   const std::vector<cv::Rect> areas = {{5, 6, 9, 8}, {1, 1, 1, 1}, {18, 18, 1, 1}};
   const Found result = FindContentIn(CapturesThatChange({20, 20}, areas), AnyNeighbor);
   EXPECT_EQ(result.rows, cv::Range(6, 14));
   EXPECT_EQ(result.columns, cv::Range(5, 14));
 }
 
-TEST(FindContent, OverlooksADifferenceNotAboveTheThreshold) {
+TEST(BasicBorderDetectionContentBox, OverlooksADifferenceNotAboveTheThreshold) {
   cv::Mat dark = GreyCapture({20, 20}, 100);
   cv::Mat brighter = GreyCapture({20, 20}, 110);
   BasicImageProvider captures;
@@ -111,14 +110,14 @@ TEST(FindContent, OverlooksADifferenceNotAboveTheThreshold) {
   EXPECT_EQ(FindContentIn(captures, AnyNeighbor, 10).messages, NoTopOrLeft(1));
 }
 
-TEST(FindContent, NeverSeesADifferenceAboveThresholdsOf255AndMore) {
+TEST(BasicBorderDetectionContentBox, NeverSeesADifferenceAboveThresholdsOf255AndMore) {
   const BasicImageProvider captures = CapturesThatChange({20, 20}, {{0, 0, 20, 20}});
   EXPECT_TRUE(FindContentIn(captures, AnyNeighbor, 254).found);
   EXPECT_FALSE(FindContentIn(captures, AnyNeighbor, 255).found);
   EXPECT_FALSE(FindContentIn(captures, AnyNeighbor, 256 + 10).found);
 }
 
-TEST(FindContent, GrowsTheBoxFromPairToPair) {
+TEST(BasicBorderDetectionContentBox, GrowsTheBoxFromPairToPair) {
   const std::vector<cv::Rect> areas = {{0, 100, 20, 301}, {0, 50, 20, 151}};
   const Found result = FindContentIn(CapturesThatChange({20, 500}, areas), 4);
   EXPECT_TRUE(result.found);
@@ -126,29 +125,29 @@ TEST(FindContent, GrowsTheBoxFromPairToPair) {
   EXPECT_EQ(result.rows.end, 401);
 }
 
-TEST(FindContent, IsNotExtendedByTheRowJustBelowTheBox) {
+TEST(BasicBorderDetectionContentBox, IsNotExtendedByTheRowJustBelowTheBox) {
   const std::vector<cv::Rect> areas = {{5, 5, 10, 10}, {5, 15, 10, 1}};
   EXPECT_EQ(FindContentIn(CapturesThatChange({30, 30}, areas)).rows, cv::Range(5, 15));
 }
 
-TEST(FindContent, IsExtendedByTheRowAfterThatOne) {
+TEST(BasicBorderDetectionContentBox, IsExtendedByTheRowAfterThatOne) {
   const std::vector<cv::Rect> areas = {{5, 5, 10, 10}, {5, 16, 10, 1}};
   EXPECT_EQ(FindContentIn(CapturesThatChange({30, 30}, areas)).rows, cv::Range(5, 17));
 }
 
-TEST(FindContent, IsNotExtendedByTheColumnJustRightOfTheBox) {
+TEST(BasicBorderDetectionContentBox, IsNotExtendedByTheColumnJustRightOfTheBox) {
   const std::vector<cv::Rect> areas = {{5, 5, 10, 10}, {15, 5, 1, 10}};
   EXPECT_EQ(FindContentIn(CapturesThatChange({30, 30}, areas)).columns, cv::Range(5, 15));
 }
 
-TEST(FindContent, IsExtendedByTheRowJustAboveAndTheColumnJustLeftOfTheBox) {
+TEST(BasicBorderDetectionContentBox, IsExtendedByTheRowJustAboveAndTheColumnJustLeftOfTheBox) {
   const std::vector<cv::Rect> areas = {{5, 5, 10, 10}, {4, 4, 10, 1}, {4, 4, 1, 10}};
   const Found result = FindContentIn(CapturesThatChange({30, 30}, areas));
   EXPECT_EQ(result.rows.start, 4);
   EXPECT_EQ(result.columns.start, 4);
 }
 
-TEST(FindContent, FailsWhenOnlyTheFirstRowOrColumnChanges) {
+TEST(BasicBorderDetectionContentBox, FailsWhenOnlyTheFirstRowOrColumnChanges) {
   for (const cv::Rect& area : {cv::Rect(0, 0, 20, 1), cv::Rect(0, 0, 1, 20)}) {
     const Found result = FindContentIn(CapturesThatChange({20, 20}, {area}));
     EXPECT_FALSE(result.found);
@@ -156,7 +155,7 @@ TEST(FindContent, FailsWhenOnlyTheFirstRowOrColumnChanges) {
   }
 }
 
-TEST(FindContent, FailsForCapturesTooSmallToHaveNeighbours) {
+TEST(BasicBorderDetectionContentBox, FailsForCapturesTooSmallToHaveNeighbours) {
   for (const cv::Size& size : {cv::Size(20, 1), cv::Size(1, 20), cv::Size(1, 1)}) {
     const Found result = FindContentIn(CapturesThatChange(size, {{0, 0, 1, 1}}), 9);
     EXPECT_FALSE(result.found);
@@ -167,7 +166,7 @@ TEST(FindContent, FailsForCapturesTooSmallToHaveNeighbours) {
   }
 }
 
-TEST(FindContent, NamesTheBottomRightSearchWhenThatOneFails) {
+TEST(BasicBorderDetectionContentBox, NamesTheBottomRightSearchWhenThatOneFails) {
   // With a box that starts at the first pixel there is nothing for the top-left search to look at.
   BasicImageProvider captures = CapturesThatChange({20, 1}, {{3, 0, 1, 1}});
   OpenBorderDetection detection(AnyDifference, AnyNeighbor);
@@ -181,7 +180,7 @@ TEST(FindContent, NamesTheBottomRightSearchWhenThatOneFails) {
             "Error: Failed to find bottom or right content boundary for image with index 1.\n");
 }
 
-TEST(FindContent, FailsWhenNoPixelCanHaveEnoughNeighbours) {
+TEST(BasicBorderDetectionContentBox, FailsWhenNoPixelCanHaveEnoughNeighbours) {
   const BasicImageProvider captures = CapturesThatChange({20, 20}, {{0, 0, 20, 20}});
   EXPECT_TRUE(FindContentIn(captures, 7).found);
   for (const unsigned int neighborThreshold : {8U, 9U, 255U, 256U}) {
@@ -189,7 +188,7 @@ TEST(FindContent, FailsWhenNoPixelCanHaveEnoughNeighbours) {
   }
 }
 
-TEST(FindContent, NeverTakesCornersWithThreeNeighboursNorEdgesWithFive) {
+TEST(BasicBorderDetectionContentBox, NeverTakesCornersWithThreeNeighboursNorEdgesWithFive) {
   const BasicImageProvider corner = CapturesThatChange({20, 20}, {{0, 0, 2, 2}});
   EXPECT_TRUE(FindContentIn(corner, 2).found);
   EXPECT_FALSE(FindContentIn(corner, 3).found);
@@ -199,7 +198,7 @@ TEST(FindContent, NeverTakesCornersWithThreeNeighboursNorEdgesWithFive) {
   EXPECT_EQ(FindContentIn(all, 5).columns, cv::Range(1, 19));
 }
 
-TEST(FindContent, TellsWhichCaptureCannotBeCompared) {
+TEST(BasicBorderDetectionContentBox, TellsWhichCaptureCannotBeCompared) {
   for (const cv::Mat& odd :
        {GreyCapture({20, 21}, 0), cv::Mat(), cv::Mat(20, 20, CV_8UC1, cv::Scalar(0))}) {
     BasicImageProvider captures = CapturesThatChange({20, 20}, {{5, 5, 9, 9}});
@@ -211,7 +210,7 @@ TEST(FindContent, TellsWhichCaptureCannotBeCompared) {
   }
 }
 
-TEST(FindContent, FailsForEmptyCaptures) {
+TEST(BasicBorderDetectionContentBox, FailsForEmptyCaptures) {
   BasicImageProvider captures;
   cv::Mat empty;
   captures.Add(empty);
@@ -219,7 +218,7 @@ TEST(FindContent, FailsForEmptyCaptures) {
   EXPECT_EQ(FindContentIn(captures).messages, NoTopOrLeft(1));
 }
 
-TEST(CheckNearestNeighbors, LooksOnlyAtNeighboursInsideTheImage) {
+TEST(BasicBorderDetectionNeighbors, LooksOnlyAtNeighboursInsideTheImage) {
   const cv::Mat changed(3, 3, CV_8UC1, cv::Scalar(200));
   const auto isContent = [&changed](int row, int column, unsigned int neighborThreshold) {
     bool answer = false;
@@ -235,7 +234,7 @@ TEST(CheckNearestNeighbors, LooksOnlyAtNeighboursInsideTheImage) {
   EXPECT_FALSE(isContent(1, 1, 8));
 }
 
-TEST(CheckNearestNeighbors, LooksAtTheOtherThreePixelsOfTheSmallestImage) {
+TEST(BasicBorderDetectionNeighbors, LooksAtTheOtherThreePixelsOfTheSmallestImage) {
   OpenBorderDetection detection(AnyDifference, AnyNeighbor);
   for (const cv::Point& neighbor : {cv::Point(1, 0), cv::Point(0, 1), cv::Point(1, 1)}) {
     cv::Mat difference = cv::Mat::zeros(2, 2, CV_8UC1);
@@ -248,7 +247,7 @@ TEST(CheckNearestNeighbors, LooksAtTheOtherThreePixelsOfTheSmallestImage) {
   }
 }
 
-TEST(CheckNearestNeighbors, DoesNotLookAtThePixelItself) {
+TEST(BasicBorderDetectionNeighbors, DoesNotLookAtThePixelItself) {
   cv::Mat difference = cv::Mat::zeros(3, 3, CV_8UC1);
   difference.at<uchar>(1, 1) = 255;
   bool isContent = true;
@@ -257,7 +256,7 @@ TEST(CheckNearestNeighbors, DoesNotLookAtThePixelItself) {
   EXPECT_FALSE(isContent);
 }
 
-TEST(CheckNearestNeighbors, CountsNoNeighbourAtTheThresholdItself) {
+TEST(BasicBorderDetectionNeighbors, CountsNoNeighbourAtTheThresholdItself) {
   const cv::Mat difference(3, 3, CV_8UC1, cv::Scalar(100));
   bool isContent = true;
   EXPECT_TRUE(
@@ -265,7 +264,7 @@ TEST(CheckNearestNeighbors, CountsNoNeighbourAtTheThresholdItself) {
   EXPECT_FALSE(isContent);
 }
 
-TEST(CheckNearestNeighbors, GivesNoAnswerForAnImageTooSmall) {
+TEST(BasicBorderDetectionNeighbors, GivesNoAnswerForAnImageTooSmall) {
   OpenBorderDetection detection(AnyDifference, AnyNeighbor);
   for (const cv::Size& size : {cv::Size(5, 1), cv::Size(1, 5)}) {
     bool isContent = true;

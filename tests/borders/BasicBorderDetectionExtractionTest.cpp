@@ -4,11 +4,12 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/StreamCapture.h"
-#include "OpenBorderDetection.h"
+#include <testkit/MatrixTesting.h>
+#include <testkit/MessageCapture.h>
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/StreamCapture.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -59,7 +60,7 @@ Extraction Extract(OpenBorderDetection& detection, BasicImageProvider& captures)
   return {found, output.Text(), errors.Text()};
 }
 
-TEST(ExtractBorders, RefusesAProviderWithoutCaptures) {
+TEST(BasicBorderDetectionExtraction, RefusesAProviderWithoutCaptures) {
   BasicImageProvider captures;
   OpenBorderDetection detection(10, 2);
   const Extraction extraction = Extract(detection, captures);
@@ -68,7 +69,21 @@ TEST(ExtractBorders, RefusesAProviderWithoutCaptures) {
   EXPECT_EQ(extraction.output, "");
 }
 
-TEST(ExtractBorders, SaysOnTheStandardOutputThatThereIsNoContentBox) {
+TEST(BasicBorderDetectionExtraction, HandsErrorsAndInformationToAHostThatTakesThem) {
+  const Testing::MessageCapture messages;
+  BasicImageProvider captures = CapturesWithBox(cv::Rect());
+  OpenBorderDetection detection(10, 2);
+  const Extraction extraction = Extract(detection, captures);
+  EXPECT_EQ(extraction.output + extraction.errors, "");
+  using testing::Pair;
+  constexpr auto NothingFound =
+      "Error: Failed to find top or left content boundary for image with index 1.";
+  EXPECT_THAT(messages.Messages(),
+              testing::ElementsAre(Pair(MessageKind::Error, NothingFound),
+                                   Pair(MessageKind::Information, "No content box was found.")));
+}
+
+TEST(BasicBorderDetectionExtraction, SaysOnTheStandardOutputThatThereIsNoContentBox) {
   BasicImageProvider captures = CapturesWithBox(cv::Rect());
   const std::vector<cv::Mat> before = CopiesOf(captures);
   OpenBorderDetection detection(10, 2);
@@ -83,7 +98,7 @@ TEST(ExtractBorders, SaysOnTheStandardOutputThatThereIsNoContentBox) {
   EXPECT_TRUE(detection.topBorder->empty());
 }
 
-TEST(ExtractBorders, SaysOnTheStandardOutputThatAFullBoxLeavesNoBorder) {
+TEST(BasicBorderDetectionExtraction, SaysOnTheStandardOutputThatAFullBoxLeavesNoBorder) {
   BasicImageProvider captures = CapturesWithBox({{0, 0}, CaptureSize});
   const std::vector<cv::Mat> before = CopiesOf(captures);
   OpenBorderDetection detection(10, 2);
@@ -96,7 +111,7 @@ TEST(ExtractBorders, SaysOnTheStandardOutputThatAFullBoxLeavesNoBorder) {
   }
 }
 
-TEST(ExtractBorders, KeepsATopBorderAlone) {
+TEST(BasicBorderDetectionExtraction, KeepsATopBorderAlone) {
   BasicImageProvider captures = CapturesWithBox({0, 7, 30, 33});
   const std::vector<cv::Mat> before = CopiesOf(captures);
   OpenBorderDetection detection(10, 2);
@@ -112,7 +127,7 @@ TEST(ExtractBorders, KeepsATopBorderAlone) {
   }
 }
 
-TEST(ExtractBorders, GivesTheCornersToTheTopAndBottomBorders) {
+TEST(BasicBorderDetectionExtraction, GivesTheCornersToTheTopAndBottomBorders) {
   const cv::Rect box(4, 6, 20, 25);
   BasicImageProvider captures = CapturesWithBox(box);
   const std::vector<cv::Mat> before = CopiesOf(captures);
@@ -127,7 +142,7 @@ TEST(ExtractBorders, GivesTheCornersToTheTopAndBottomBorders) {
   }
 }
 
-TEST(ExtractBorders, TakesCopiesOfTheFirstCapture) {
+TEST(BasicBorderDetectionExtraction, TakesCopiesOfTheFirstCapture) {
   BasicImageProvider captures = CapturesWithBox({4, 6, 20, 25});
   cv::Mat first = *captures.GetImageAt(0);
   OpenBorderDetection detection(10, 2);
@@ -137,7 +152,7 @@ TEST(ExtractBorders, TakesCopiesOfTheFirstCapture) {
   EXPECT_TRUE(SameBits(*detection.topBorder, top));
 }
 
-TEST(ExtractBorders, KeepsABorderThatTheNextSequenceDoesNotHave) {
+TEST(BasicBorderDetectionExtraction, KeepsABorderThatTheNextSequenceDoesNotHave) {
   OpenBorderDetection detection(10, 2);
   BasicImageProvider withTop = CapturesWithBox({0, 7, 30, 33});
   EXPECT_TRUE(Extract(detection, withTop).found);
@@ -153,7 +168,7 @@ TEST(ExtractBorders, KeepsABorderThatTheNextSequenceDoesNotHave) {
   EXPECT_TRUE(SameBits(*detection.topBorder, top));
 }
 
-TEST(ExtractBorders, ReplacesABorderThatTheNextSequenceHasToo) {
+TEST(BasicBorderDetectionExtraction, ReplacesABorderThatTheNextSequenceHasToo) {
   OpenBorderDetection detection(10, 2);
   BasicImageProvider first = CapturesWithBox({0, 7, 30, 33});
   BasicImageProvider second = CapturesWithBox({0, 12, 30, 28});
@@ -172,9 +187,9 @@ struct EmptyBorder {
 
 void PrintTo(const EmptyBorder& border, std::ostream* stream) { *stream << border.name; }
 
-class CopyBordersOfNothing : public testing::TestWithParam<EmptyBorder> {};
+class BasicBorderDetectionCopies : public testing::TestWithParam<EmptyBorder> {};
 
-TEST_P(CopyBordersOfNothing, FailsWithTheNameOfTheBorder) {
+TEST_P(BasicBorderDetectionCopies, FailsWithTheNameOfTheBorder) {
   const EmptyBorder& border = GetParam();
   const cv::Mat image(border.image, CV_8UC4);
   OpenBorderDetection detection(10, 2);
@@ -187,7 +202,7 @@ std::string NameOfBorder(const testing::TestParamInfo<EmptyBorder>& border) {
   return border.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Borders, CopyBordersOfNothing,
+INSTANTIATE_TEST_SUITE_P(Borders, BasicBorderDetectionCopies,
                          testing::Values(EmptyBorder{"top", {0, 10}, {3, 10}, {0, 0}},
                                          EmptyBorder{"bottom", {0, 10}, {0, 8}, {0, 0}},
                                          EmptyBorder{"left", {10, 0}, {0, 0}, {4, 10}},

@@ -7,18 +7,17 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/RecordingListener.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/TemporaryFolder.h>
+#include <testkit/pages/ScrolledWindow.h>
 
 #include <VelScrollingCapture/borders/BasicBorderDetection.h>
-#include <VelScrollingCapture/core/BasicStitcher.h>
-#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/stitching/BasicStitcher.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
 #include <VelScrollingCapture/storage/MemoryEfficientImageProvider.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/RecordingListener.h"
-#include "../support/StreamCapture.h"
-#include "../support/TemporaryFolder.h"
-#include "ScrolledWindow.h"
 
 namespace ScrollingCapture {
 namespace {
@@ -49,7 +48,7 @@ struct Storage {
 
 void PrintTo(const Storage& storage, std::ostream* stream) { *stream << storage.name; }
 
-class BorderDetectingStitch : public testing::TestWithParam<Storage> {
+class BasicBorderDetectionStitch : public testing::TestWithParam<Storage> {
  protected:
   void Fill(const std::vector<cv::Mat>& captures) {
     for (cv::Mat capture : captures) {
@@ -69,19 +68,19 @@ class BorderDetectingStitch : public testing::TestWithParam<Storage> {
   cv::Mat result;
 };
 
-TEST_P(BorderDetectingStitch, LaysTheBordersAroundAPageThatScrollsDown) {
+TEST_P(BasicBorderDetectionStitch, LaysTheBordersAroundAPageThatScrollsDown) {
   ExpectBorderedPage({ContentBox, {0, 40}}, ScrollOrientation::Vertical);
 }
 
-TEST_P(BorderDetectingStitch, LaysTheBordersAroundAPageThatScrollsSideways) {
+TEST_P(BasicBorderDetectionStitch, LaysTheBordersAroundAPageThatScrollsSideways) {
   ExpectBorderedPage({ContentBox, {30, 0}}, ScrollOrientation::Horizontal);
 }
 
-TEST_P(BorderDetectingStitch, LaysToolbarAndStatusBarAlone) {
+TEST_P(BasicBorderDetectionStitch, LaysToolbarAndStatusBarAlone) {
   ExpectBorderedPage({{0, 20, CaptureSize.width, 120}, {0, 40}}, ScrollOrientation::Both);
 }
 
-TEST_P(BorderDetectingStitch, ReplacesTheCapturesByTheirContent) {
+TEST_P(BasicBorderDetectionStitch, ReplacesTheCapturesByTheirContent) {
   const ScrolledWindow window(ContentBox, {0, 40});
   Fill(window.captures);
   EXPECT_TRUE(MakeStitcher(Vertical)->Stitch(*provider, result, nullptr, 0, 100, true));
@@ -92,7 +91,7 @@ TEST_P(BorderDetectingStitch, ReplacesTheCapturesByTheirContent) {
   }
 }
 
-TEST_P(BorderDetectingStitch, LeavesTheCallersMatricesAlone) {
+TEST_P(BasicBorderDetectionStitch, LeavesTheCallersMatricesAlone) {
   const ScrolledWindow window(ContentBox, {0, 40});
   const ScrolledWindow same(ContentBox, {0, 40});
   Fill(window.captures);
@@ -102,7 +101,7 @@ TEST_P(BorderDetectingStitch, LeavesTheCallersMatricesAlone) {
   }
 }
 
-TEST_P(BorderDetectingStitch, KeepsTheCroppedCapturesWhenItIsCancelled) {
+TEST_P(BasicBorderDetectionStitch, KeepsTheCroppedCapturesWhenItIsCancelled) {
   Fill(ScrolledWindow(ContentBox, {0, 40}).captures);
   RecordingListener refusing(0);
   const StreamCapture errors(std::cerr);
@@ -114,7 +113,7 @@ TEST_P(BorderDetectingStitch, KeepsTheCroppedCapturesWhenItIsCancelled) {
   EXPECT_TRUE(result.empty());
 }
 
-TEST_P(BorderDetectingStitch, StitchesCapturesWithoutBordersAsTheyAre) {
+TEST_P(BasicBorderDetectionStitch, StitchesCapturesWithoutBordersAsTheyAre) {
   const ScrolledWindow window({{0, 0}, CaptureSize}, {0, 40});
   Fill(window.captures);
   RecordingListener listener;
@@ -128,7 +127,7 @@ TEST_P(BorderDetectingStitch, StitchesCapturesWithoutBordersAsTheyAre) {
   EXPECT_EQ(errors.Text(), "Error: No border has been extracted.\n");
 }
 
-TEST_P(BorderDetectingStitch, StitchesCapturesThatDoNotMoveAsTheyAre) {
+TEST_P(BasicBorderDetectionStitch, StitchesCapturesThatDoNotMoveAsTheyAre) {
   const ScrolledWindow window(ContentBox, {0, 40});
   Fill({window.captures[0], window.captures[0].clone()});
   const StreamCapture output(std::cout);
@@ -138,7 +137,7 @@ TEST_P(BorderDetectingStitch, StitchesCapturesThatDoNotMoveAsTheyAre) {
   EXPECT_EQ(output.Text(), "No content box was found.\n");
 }
 
-TEST_P(BorderDetectingStitch, GivesTheSingleCapture) {
+TEST_P(BasicBorderDetectionStitch, GivesTheSingleCapture) {
   const ScrolledWindow window(ContentBox, {0, 40});
   Fill({window.captures[0]});
   const StreamCapture output(std::cout);
@@ -147,7 +146,7 @@ TEST_P(BorderDetectingStitch, GivesTheSingleCapture) {
   EXPECT_TRUE(SameBits(result, window.captures[0]));
 }
 
-TEST_P(BorderDetectingStitch, FailsWithoutCaptures) {
+TEST_P(BasicBorderDetectionStitch, FailsWithoutCaptures) {
   RecordingListener listener;
   const StreamCapture errors(std::cerr);
   EXPECT_FALSE(MakeStitcher(Vertical)->Stitch(*provider, result, &listener, 0, 100, true));
@@ -158,7 +157,7 @@ TEST_P(BorderDetectingStitch, FailsWithoutCaptures) {
   EXPECT_THAT(listener.calls, testing::ElementsAre("error 1 false", "complete false"));
 }
 
-TEST_P(BorderDetectingStitch, GivesTheTranslationsOfTheContent) {
+TEST_P(BasicBorderDetectionStitch, GivesTheTranslationsOfTheContent) {
   Fill(ScrolledWindow(ContentBox, {0, 40}).captures);
   const auto stitcher = MakeStitcher(Vertical);
   EXPECT_TRUE(stitcher->Stitch(*provider, result, nullptr, 0, 100, true));
@@ -179,12 +178,12 @@ std::shared_ptr<IImageProvider> SpillToFiles(const std::string& folder) {
   return std::make_shared<MemoryEfficientImageProvider>(folder, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Storages, BorderDetectingStitch,
+INSTANTIATE_TEST_SUITE_P(Storages, BasicBorderDetectionStitch,
                          testing::Values(Storage{"InMemory", KeepInMemory},
                                          Storage{"SpilledToFiles", SpillToFiles}),
                          NameOfStorage);
 
-TEST(BorderDetectingStitcher, LaysABorderOfAnEarlierSequenceAround) {
+TEST(BasicBorderDetectionStitcher, LaysABorderOfAnEarlierSequenceAround) {
   const ScrolledWindow withToolbar({{0, 20}, CaptureSize - cv::Size(0, 20)}, {0, 40});
   const ScrolledWindow withPanel({{12, 0}, CaptureSize - cv::Size(12, 0)}, {0, 40});
   const auto stitcher = MakeStitcher(Vertical);
@@ -202,13 +201,13 @@ TEST(BorderDetectingStitcher, LaysABorderOfAnEarlierSequenceAround) {
   EXPECT_TRUE(SameBits(result.rowRange(20, result.rows), panelAndPage));
 }
 
-TEST(StitcherFactory, GivesTheOnlyReferenceToABorderDetectingStitcher) {
+TEST(BasicBorderDetectionFactory, GivesTheOnlyReferenceToABorderDetectingStitcher) {
   const auto stitcher = MakeStitcher(Both);
   EXPECT_EQ(stitcher.use_count(), 1);
   EXPECT_NE(dynamic_cast<BasicBorderDetection*>(stitcher.get()), nullptr);
 }
 
-TEST(StitcherFactory, PassesTheThresholdsOn) {
+TEST(BasicBorderDetectionFactory, PassesTheThresholdsOn) {
   const auto finds = [](unsigned int differenceThreshold, unsigned int neighborThreshold) {
     BasicImageProvider captures;
     for (cv::Mat capture : ScrolledWindow(ContentBox, {0, 40}).captures) {
@@ -227,7 +226,7 @@ TEST(StitcherFactory, PassesTheThresholdsOn) {
   EXPECT_FALSE(finds(10, 8));
 }
 
-TEST(StitcherFactory, PassesTheOrientationOnToTheWrappedStitcher) {
+TEST(BasicBorderDetectionFactory, PassesTheOrientationOnToTheWrappedStitcher) {
   BasicImageProvider captures;
   for (cv::Mat capture : ScrolledWindow(ContentBox, {0, 40}).captures) {
     captures.Add(capture);

@@ -7,17 +7,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/RecordingListener.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/faults/EveryFailure.h>
+#include <testkit/faults/ThrowingListener.h>
+#include <testkit/pages/ScrolledWindow.h>
 
-#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../support/FailingAllocator.h"
-#include "../support/MatrixTesting.h"
-#include "../support/RecordingListener.h"
-#include "../support/StreamCapture.h"
-#include "../support/ThrowingListener.h"
-#include "OpenBorderDetection.h"
-#include "ScrolledWindow.h"
 
 namespace ScrollingCapture {
 namespace {
@@ -27,8 +26,10 @@ using Testing::CaptureSize;
 using Testing::ContentBox;
 using Testing::CountFailingAttempts;
 using Testing::FailingAllocator;
+using Testing::ForEachFailingAllocation;
 using testing::HasSubstr;
 using Testing::ListenerFailure;
+using Testing::MemoryFault;
 using Testing::NoiseCapture;
 using Testing::OpenBorderDetection;
 using Testing::RecordingListener;
@@ -66,71 +67,93 @@ void ExpectWholeOrCropped(BasicImageProvider& captures, const ScrolledWindow& wi
   }
 }
 
-class BorderAllocations : public testing::TestWithParam<FailingAllocator::Failures> {};
+class BorderDetectionAllocations : public testing::TestWithParam<FailingAllocator::Failures> {
+ protected:
+  /// Stitches copies of the window's captures.
+  void Stitch() {
+    const StreamCapture output(std::cout);
+    const StreamCapture errors(std::cerr);
+    succeeded = stitcher->Stitch(captures, result, &listener, 0, 100, true);
+    messages = errors.Text();
+  }
 
-TEST_P(BorderAllocations, GiveTheBorderedPageOrTellWhatFailed) {
-  const ScrolledWindow window(ContentBox, {0, 40});
-  const cv::Mat whole = window.BorderedPage();
-  const auto stitch = [&](size_t passing) {
-    BasicImageProvider captures = CapturesOf(window);
-    cv::Mat result = NoiseCapture({3, 3}, 1);
-    const cv::Mat before = result.clone();
-    const auto stitcher = MakeStitcher();
-    RecordingListener listener;
-    std::string messages;
-    bool threw = false;
-    bool succeeded = false;
-    bool failed = false;
-    {
-      const StreamCapture output(std::cout);
-      const StreamCapture errors(std::cerr);
-      const FailingAllocator memory(passing, GetParam());
-      try {
-        succeeded = stitcher->Stitch(captures, result, &listener, 0, 100, true);
-      } catch (const cv::Exception& error) {
-        threw = true;
-        EXPECT_EQ(error.code, cv::Error::StsNoMem);
-      }
-      failed = memory.HasFailed();
-      messages = errors.Text();
-    }
-    EXPECT_TRUE(failed || succeeded);
-    if (threw) {
-      EXPECT_TRUE(SameBits(result, before));
-      ExpectWholeOrCropped(captures, window);
-    } else if (succeeded && failed) {
-      EXPECT_THAT(messages, HasSubstr("content boundary for image with index"));
-    } else if (succeeded) {
-      EXPECT_TRUE(SameBits(result, whole));
-    } else if (listener.calls.end()[-2] == "error 5 true") {
+  void StartAnew() {
+    captures = CapturesOf(window);
+    result = before.clone();
+    listener = {};
+    succeeded = false;
+  }
+
+  void ExpectTheOldResult() const { EXPECT_TRUE(SameBits(result, before)); }
+
+  /// Memory ran out while borders and contents were copied.
+  void ExpectWhatAnExceptionLeaves() {
+    ExpectTheOldResult();
+    ExpectWholeOrCropped(captures, window);
+  }
+
+  /// Memory ran out while captures were compared, which then count as without borders.
+  void ExpectAStitchWithoutBorders() const {
+    EXPECT_THAT(messages, HasSubstr("content boundary for image with index"));
+  }
+
+  /// Memory ran out for the frame, or else for the result.
+  void ExpectAFailedStitch() const {
+    ASSERT_GE(listener.calls.size(), 2U);
+    const std::string& error = listener.calls.end()[-2];
+    if (error == "error 5 true") {
       EXPECT_EQ(messages,
                 "Error: Insufficient memory to apply borders.\n"
                 "Error: Found borders, but failed to apply them to result image.\n");
       EXPECT_TRUE(SameBits(result, window.page));
     } else {
-      EXPECT_EQ(listener.calls.end()[-2], "error 3 false");
+      EXPECT_EQ(error, "error 3 false");
       EXPECT_THAT(messages, HasSubstr("Error: Failed to size the resulting image.\n"));
-      EXPECT_TRUE(SameBits(result, before));
+      ExpectTheOldResult();
     }
-    BasicImageProvider again = CapturesOf(window);
-    EXPECT_TRUE(stitcher->Stitch(again, result, nullptr, 0, 100, true));
+  }
+
+  const ScrolledWindow window{ContentBox, {0, 40}};
+  const cv::Mat whole = window.BorderedPage();
+  const cv::Mat before = NoiseCapture({3, 3}, 1);
+  std::shared_ptr<IStitcher> stitcher;
+  BasicImageProvider captures;
+  RecordingListener listener;
+  cv::Mat result;
+  std::string messages;
+  bool succeeded = false;
+};
+
+TEST_P(BorderDetectionAllocations, GiveTheBorderedPageOrTellWhatFailed) {
+  ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
+    stitcher = MakeStitcher();
+    StartAnew();
+    const bool failed = fault.HitsDuring([&] { Stitch(); });
+    EXPECT_TRUE(failed || succeeded);
+    if (fault.HasThrown()) {
+      ExpectWhatAnExceptionLeaves();
+    } else if (!succeeded) {
+      ExpectAFailedStitch();
+    } else if (failed) {
+      ExpectAStitchWithoutBorders();
+    } else {
+      EXPECT_TRUE(SameBits(result, whole));
+    }
+    StartAnew();
+    Stitch();
     EXPECT_TRUE(SameBits(result, whole));
-    return failed;
-  };
-  const size_t liveBefore = FailingAllocator::LiveMatrices();
-  EXPECT_GT(CountFailingAttempts(stitch), 0);
-  EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore);
+  });
 }
 
-INSTANTIATE_TEST_SUITE_P(Failures, BorderAllocations, testing::ValuesIn(Testing::AllFailures),
-                         Testing::NameOfFailures);
+INSTANTIATE_TEST_SUITE_P(Failures, BorderDetectionAllocations,
+                         testing::ValuesIn(Testing::AllFailures), Testing::NameOfFailures);
 
 TEST(BorderDetectionOutOfMemory, KeepsTheCapturesUntilTheirBordersAreStored) {
   const ScrolledWindow window(ContentBox, {0, 40});
   BasicImageProvider captures = CapturesOf(window);
   OpenBorderDetection detection(DifferenceThreshold, NeighborThreshold);
   {
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingAllocator memory;
     EXPECT_THROW(detection.ExtractBorders(captures), cv::Exception);
   }
   for (size_t i = 0; i < CaptureCount; ++i) {
@@ -147,7 +170,7 @@ TEST(BorderDetectionOutOfMemory, KeepsTheImageThatWasToGetBorders) {
   cv::Mat image = content.clone();
   {
     const StreamCapture errors(std::cerr);
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingAllocator memory;
     EXPECT_FALSE(detection.ApplyBorders(image));
     EXPECT_EQ(errors.Text(), "Error: Insufficient memory to apply borders.\n");
   }
@@ -205,7 +228,7 @@ TEST(BorderDetectionListener, LeavesTheContentByThrowingWhenBordersCannotBeLaid)
   const StreamCapture errors(std::cerr);
   EXPECT_THROW(stitcher.Stitch(captures, result, &listener, 0, 100, true), ListenerFailure);
   EXPECT_TRUE(SameBits(result, window.page));
-  EXPECT_EQ(listener.calls.back(), "progress 100");
+  EXPECT_EQ(listener.calls.back(), "complete false");
 }
 
 }  // namespace

@@ -6,13 +6,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/RecordingListener.h>
+#include <testkit/StreamCapture.h>
 
 #include <VelScrollingCapture/borders/BorderDetection.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../support/MatrixTesting.h"
-#include "../support/RecordingListener.h"
-#include "../support/StreamCapture.h"
 
 namespace ScrollingCapture {
 namespace {

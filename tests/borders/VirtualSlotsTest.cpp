@@ -2,9 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "../support/VirtualSlots.h"
-#include "OpenBorderDetection.h"
+#include <testkit/OpenBorderDetection.h>
+#include <testkit/VirtualSlots.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -12,7 +11,7 @@ namespace {
 using Testing::OpenBorderDetection;
 using Testing::SlotOf;
 
-TEST(VirtualSlots, OfBorderDetectionFollowThoseOfTheStitcher) {
+TEST(BorderVirtualSlots, OfBorderDetectionFollowThoseOfTheStitcher) {
   EXPECT_THAT(
       (std::vector<size_t>{
           SlotOf(&OpenBorderDetection::Stitch), SlotOf(&OpenBorderDetection::GetTranslations),

@@ -2,10 +2,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/VirtualSlots.h>
 
-#include <VelScrollingCapture/ScrollingCapture.h>
-
-#include "../support/VirtualSlots.h"
+#include <VelScrollingCapture/core/IImageProvider.h>
+#include <VelScrollingCapture/core/IStitcher.h>
+#include <VelScrollingCapture/core/IStitcherListener.h>
+#include <VelScrollingCapture/core/ITranslationDetector.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -42,13 +44,6 @@ TEST(VirtualSlots, OfTheListenerAreInTheirOrder) {
   EXPECT_EQ(SlotOf(&IStitcherListener::ProgressCallback), 2U);
   EXPECT_EQ(SlotOf(&IStitcherListener::StitchingComplete), 3U);
   EXPECT_EQ(SlotOf(&IStitcherListener::StitchingError), 4U);
-}
-
-TEST(VirtualSlots, OfTheBasicStitcherEndWithItsOwnOperation) {
-  struct OpenStitcher : BasicStitcher {
-    static size_t SlotOfBuild() { return SlotOf(&OpenStitcher::BuildResultImage); }
-  };
-  EXPECT_EQ(OpenStitcher::SlotOfBuild(), 4U);
 }
 
 }  // namespace

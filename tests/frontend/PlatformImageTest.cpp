@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/MatrixTesting.h>
 
 #include <VelScrollingCapture/frontend/PlatformImage.h>
-
-#include "../support/MatrixTesting.h"
 
 namespace ScrollingCapture {
 namespace {

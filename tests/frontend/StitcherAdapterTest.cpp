@@ -1,9 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/frontend/StitcherAdapter.h>
-
-#include "ScrolledCaptures.h"
 
 namespace ScrollingCapture {
 namespace {

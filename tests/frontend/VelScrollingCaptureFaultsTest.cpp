@@ -8,18 +8,19 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <testkit/StreamCapture.h>
+#include <testkit/faults/EveryFailure.h>
+#include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
-
-#include "../support/FailingAllocator.h"
-#include "../support/StreamCapture.h"
-#include "ScrolledCaptures.h"
 
 namespace ScrollingCapture {
 namespace {
 
 using Testing::CountFailingAttempts;
 using Testing::FailingAllocator;
+using Testing::ForEachFailingAllocation;
+using Testing::MemoryFault;
 using Testing::SameBits;
 using Testing::ScrolledCaptures;
 using Testing::ScrolledPage;
@@ -50,27 +51,18 @@ cv::Mat WholePreview() {
 
 class CaptureObjectAllocations : public testing::TestWithParam<FailingAllocator::Failures> {
  protected:
-  ~CaptureObjectAllocations() override {
-    EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore) << "Matrices have leaked";
-  }
-
   const std::vector<PlatformImage> images = Images();
-  const size_t liveBefore = FailingAllocator::LiveMatrices();
 };
 
 TEST_P(CaptureObjectAllocations, KeepACaptureOrLeaveItToBeAddedAgain) {
   for (size_t failing = 0; failing < images.size(); ++failing) {
-    const auto add = [&](size_t passing) {
+    ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
       const auto capture = VelScrollingCapture::init();
       for (size_t i = 0; i < failing; ++i) {
         capture->addImageToAdapter(images[i]);
       }
-      bool failed = false;
-      {
-        const FailingAllocator memory(passing, GetParam());
-        capture->addImageToAdapter(images[failing]);
-        failed = memory.HasFailed();
-      }
+      const bool failed = fault.HitsDuring([&] { capture->addImageToAdapter(images[failing]); });
+      EXPECT_FALSE(fault.HasThrown());
       const size_t count = capture->stitcherAdapter()->Count();
       EXPECT_GE(count, failing);
       EXPECT_LE(count, failing + 1);
@@ -81,9 +73,7 @@ TEST_P(CaptureObjectAllocations, KeepACaptureOrLeaveItToBeAddedAgain) {
       const std::optional<PlatformImage> page = capture->stitchAndReturnFinalImage();
       EXPECT_TRUE(page && SameBits(page->CVMat(), ScrolledPage(CaptureCount)));
       EXPECT_EQ(capture.use_count(), 1);
-      return failed;
-    };
-    EXPECT_GT(CountFailingAttempts(add), 0);
+    });
   }
 }
 
@@ -91,34 +81,26 @@ TEST_P(CaptureObjectAllocations, GiveTheWholePreviewOrNone) {
   const cv::Mat whole = WholePreview();
   const auto capture = VelScrollingCapture::init();
   AddAll(*capture, images);
-  const auto show = [&](size_t passing) {
+  ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
     std::optional<PlatformImage> preview;
-    bool failed = false;
-    {
-      const FailingAllocator memory(passing, GetParam());
-      preview = capture->currentImagePreview();
-      failed = memory.HasFailed();
-    }
+    const bool failed = fault.HitsDuring([&] { preview = capture->currentImagePreview(); });
+    EXPECT_FALSE(fault.HasThrown());
     EXPECT_EQ(preview.has_value(), !failed);
     EXPECT_TRUE(SameBits(capture->currentImagePreview()->CVMat(), whole));
-    return failed;
-  };
-  EXPECT_GT(CountFailingAttempts(show), 0);
+  });
   capture->cleanupListener();
 }
 
 TEST_P(CaptureObjectAllocations, GiveTheWholePageOrNoneAndEndTheReference) {
-  const auto stitch = [&](size_t passing) {
+  ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
     const auto capture = VelScrollingCapture::initWithExpectConsistentTranslations(false, 2);
     AddAll(*capture, images);
     std::optional<PlatformImage> page;
-    bool failed = false;
-    {
+    const bool failed = fault.HitsDuring([&] {
       const StreamCapture errors(std::cerr);
-      const FailingAllocator memory(passing, GetParam());
       page = capture->stitchAndReturnFinalImage();
-      failed = memory.HasFailed();
-    }
+    });
+    EXPECT_FALSE(fault.HasThrown());
     EXPECT_EQ(page.has_value(), !failed);
     EXPECT_EQ(capture.use_count(), 1) << "The host's reference";
     EXPECT_EQ(capture->stitcherAdapter()->Count(), images.size());
@@ -127,21 +109,19 @@ TEST_P(CaptureObjectAllocations, GiveTheWholePageOrNoneAndEndTheReference) {
       page = capture->stitchAndReturnFinalImage();
     }
     EXPECT_TRUE(page && SameBits(page->CVMat(), ScrolledPage(CaptureCount)));
-    return failed;
-  };
-  EXPECT_GT(CountFailingAttempts(stitch), 0);
+  });
 }
 
 TEST_P(CaptureObjectAllocations, RenderGreyOrGiveNothing) {
   const auto capture = VelScrollingCapture::init();
   const PlatformImage grey = PlatformImage::imageWithCVMat(images[0].CVGrayscaleMat());
-  const auto render = [&](size_t passing) {
-    const FailingAllocator memory(passing, GetParam());
-    const bool rendered = capture->bitmapImageRepresentation(grey).has_value();
-    EXPECT_EQ(rendered, !memory.HasFailed());
-    return !rendered;
-  };
-  EXPECT_GT(CountFailingAttempts(render), 0);
+  ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
+    bool rendered = false;
+    const bool failed =
+        fault.HitsDuring([&] { rendered = capture->bitmapImageRepresentation(grey).has_value(); });
+    EXPECT_FALSE(fault.HasThrown());
+    EXPECT_EQ(rendered, !failed);
+  });
   capture->cleanupListener();
 }
 

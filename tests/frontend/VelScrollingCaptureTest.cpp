@@ -7,10 +7,9 @@
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
-
-#include "ScrolledCaptures.h"
 
 namespace ScrollingCapture {
 namespace {
@@ -106,6 +105,22 @@ TEST_F(CaptureObject, DropsACaptureThatCannotBeComparedWithTheLast) {
   capture->addImageToAdapter(std::nullopt);
   Add(Testing::NoiseCapture({5, 5}, 1));
   EXPECT_EQ(Count(), 1U);
+}
+
+TEST_F(CaptureObject, TellsWhatHasBecomeOfEachCapture) {
+  using State = CaptureOutcome::State;
+  const std::vector<cv::Mat> captures = ScrolledCaptures(2);
+  const auto add = [this](const cv::Mat& matrix) {
+    return capture->addCapture(PlatformImage::imageWithCVMat(matrix));
+  };
+  EXPECT_EQ(add(captures[0]).state, State::Placed);
+  EXPECT_EQ(add(captures[0]).state, State::Repeated);
+  EXPECT_EQ(add(captures[1]).state, State::Placed);
+  const CaptureOutcome refused = add(Testing::NoiseCapture({5, 5}, 1));
+  EXPECT_EQ(refused.state, State::Unusable);
+  EXPECT_NE(refused.reason.find("5 x 5 pixels"), std::string::npos) << refused.reason;
+  EXPECT_EQ(capture->addCapture(std::nullopt).state, State::Unusable);
+  EXPECT_EQ(Count(), 2U);
 }
 
 TEST_F(CaptureObject, KeepsTheHostsImageAsItIs) {
@@ -303,6 +318,52 @@ TEST_F(CaptureObject, SwapsItsLibraryObjectsWithoutFreeingThem) {
   EXPECT_TRUE(listener->ProgressCallback(1));
 }
 
+TEST_F(CaptureObject, StitchesForTheAdaptersListenerWithoutOneOfItsOwn) {
+  const auto delegate = std::make_shared<Delegate>();
+  capture->setProgressDelegate(delegate);
+  AddAll(ScrolledCaptures(2));
+  const std::unique_ptr<ProgressListener> listener(capture->progressListener());
+  capture->setProgressListener(nullptr);
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(delegate->heard.back(), 100) << "The adapter still tells the listener it was given";
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+}
+
+TEST_F(CaptureObject, LeavesTheHostsListenerToTheAdapterUntilTheStitch) {
+  AddAll(ScrolledCaptures(2));
+  ProgressListener own(VelScrollingCapture::init());
+  capture->stitcherAdapter()->setProgressListener(&own);
+  capture->cleanupListener();
+  EXPECT_EQ(capture->stitcherAdapter()->progressListener(), &own);
+  EXPECT_TRUE(capture->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(capture->stitcherAdapter()->progressListener(), nullptr);
+}
+
+/// Has parts of its own.
+class CaptureWithOwnParts : public VelScrollingCapture {
+ public:
+  StitcherAdapter* stitcherAdapter() const override { return &ownAdapter; }
+  PreviewImage* previewImageCreator() const override { return &ownPreview; }
+
+ private:
+  mutable StitcherAdapter ownAdapter;
+  mutable PreviewImage ownPreview{{40, 30}, 1, 0};
+};
+
+TEST(DerivedCaptureObject, WorksOnPartsOfItsOwn) {
+  const auto own = std::make_shared<CaptureWithOwnParts>();
+  own->setupStitcher();
+  for (const int index : {0, 1, 1}) {
+    own->addImageToAdapter(PlatformImage::imageWithCVMat(ScrolledCaptures(2)[index]));
+  }
+  EXPECT_EQ(own->stitcherAdapter()->Count(), 2U) << "A repeat of the own last capture is dropped";
+  own->setPreviewImageSize({50, 60});
+  const cv::Mat preview = own->previewImageCreator()->GetPreview(50, 60);
+  EXPECT_TRUE(SameBits(own->currentImagePreview()->CVMat(), preview));
+  EXPECT_TRUE(SameBits(own->stitchAndReturnFinalImage()->CVMat(), ScrolledPage(2)));
+  EXPECT_EQ(own.use_count(), 1);
+}
+
 TEST_F(CaptureObject, DoesNothingWithoutAnAdapter) {
   const std::unique_ptr<StitcherAdapter> adapter(capture->stitcherAdapter());
   capture->setStitcherAdapter(nullptr);
@@ -330,6 +391,83 @@ TEST_F(CaptureObject, ReadsAndWritesItsAtomicPropertiesWhileItStitches) {
   other.join();
 }
 
+class ExactCaptureObject : public CaptureObject {
+ protected:
+  ExactCaptureObject() {
+    capture->cleanupListener();
+    capture = VelScrollingCapture::initWithExactJoins(2);
+  }
+  CaptureOutcome::State Outcome(const cv::Mat& matrix) {
+    return capture->addCapture(PlatformImage::imageWithCVMat(matrix)).state;
+  }
+  /// What a window of 200 x 160 pixels shows at a row of a page.
+  cv::Mat At(int row) const { return page(cv::Rect(0, row, 200, 160)).clone(); }
+
+  const cv::Mat page = Testing::NoiseCapture({200, 900}, 5);
+};
+
+TEST_F(ExactCaptureObject, TellsAtOnceWhetherACaptureCouldBePlaced) {
+  using State = CaptureOutcome::State;
+  EXPECT_EQ(Outcome(At(0)), State::Placed);
+  EXPECT_EQ(Outcome(At(60)), State::Placed);
+  EXPECT_EQ(Outcome(At(60)), State::Repeated);
+  EXPECT_EQ(Outcome(At(400)), State::TooFast);
+  EXPECT_EQ(Outcome(At(150)), State::Placed) << "It joins what came before the last one";
+  EXPECT_EQ(Outcome(Testing::NoiseCapture({5, 5}, 1)), State::Unusable);
+  EXPECT_EQ(Count(), 4U);
+}
+
+TEST_F(ExactCaptureObject, RefusesAFirstCaptureWithoutPixels) {
+  EXPECT_EQ(capture->addCapture(std::nullopt).state, CaptureOutcome::State::Unusable);
+  EXPECT_EQ(Outcome(At(0)), CaptureOutcome::State::Placed);
+}
+
+TEST_F(ExactCaptureObject, StitchesEverythingSeenWithProgressAndEndsTheReference) {
+  const auto delegate = std::make_shared<Delegate>();
+  capture->setProgressDelegate(delegate);
+  for (const int row : {0, 60, 300, 200, 130}) {  // too fast, and back
+    Add(At(row));
+  }
+  const auto image = capture->stitchAndReturnFinalImage();
+  ASSERT_TRUE(image.has_value());
+  EXPECT_TRUE(SameBits(image->CVMat(), page.rowRange(0, 460).clone()));
+  EXPECT_EQ(delegate->heard.back(), 100);
+  EXPECT_EQ(capture->progressListener(), nullptr);
+  EXPECT_EQ(capture.use_count(), 1);
+}
+
+TEST_F(ExactCaptureObject, GivesTheLargestPartWhereCapturesAreMissing) {
+  for (const int row : {0, 400, 470}) {
+    Add(At(row));
+  }
+  const auto image = capture->stitchAndReturnFinalImage();
+  ASSERT_TRUE(image.has_value());
+  EXPECT_TRUE(SameBits(image->CVMat(), page.rowRange(400, 630).clone()));
+}
+
+TEST_F(ExactCaptureObject, GivesNothingWithoutCapturesOrWhenTheDelegateStopsIt) {
+  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
+  const auto other = VelScrollingCapture::initWithExactJoins(0);
+  const auto delegate = std::make_shared<Delegate>(1);
+  other->setProgressDelegate(delegate);
+  for (const int row : {0, 60}) {
+    other->addImageToAdapter(PlatformImage::imageWithCVMat(At(row)));
+  }
+  EXPECT_FALSE(other->stitchAndReturnFinalImage().has_value());
+  EXPECT_EQ(other.use_count(), 1);
+}
+
+TEST_F(ExactCaptureObject, BeginsAnewWhenItsAdapterIsCleared) {
+  Add(At(0));
+  Add(At(60));
+  capture->stitcherAdapter()->Clear();
+  EXPECT_EQ(Outcome(At(500)), CaptureOutcome::State::Placed);
+  EXPECT_EQ(Outcome(At(560)), CaptureOutcome::State::Placed);
+  const auto image = capture->stitchAndReturnFinalImage();
+  ASSERT_TRUE(image.has_value());
+  EXPECT_TRUE(SameBits(image->CVMat(), page.rowRange(500, 720).clone()));
+}
+
 TEST(ProgressListener, RelaysToItsCaptureObject) {
   const auto capture = VelScrollingCapture::init();
   const auto delegate = std::make_shared<Delegate>(2);
@@ -353,6 +491,19 @@ TEST(ProgressListener, MayDropTheLastReferenceInItsCompletionNotice) {
   listener->StitchingComplete(false);
   EXPECT_TRUE(watch.expired());
 }
+
+class ThreadCounts : public testing::TestWithParam<int> {};
+
+TEST_P(ThreadCounts, CountAsOneWhenLess) {
+  const auto capture = VelScrollingCapture::initWithExpectConsistentTranslations(false, GetParam());
+  for (const cv::Mat& matrix : ScrolledCaptures(3)) {
+    capture->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
+  }
+  EXPECT_TRUE(SameBits(capture->stitchAndReturnFinalImage()->CVMat(), ScrolledPage(3)));
+}
+
+INSTANTIATE_TEST_SUITE_P(CaptureObject, ThreadCounts,
+                         testing::Values(0, -1, std::numeric_limits<int>::min()));
 
 struct Ending {
   const char* name;
@@ -397,6 +548,17 @@ INSTANTIATE_TEST_SUITE_P(VelScrollingCapture, Ownership,
                          testing::Values(Ending{"Stitched", 3, 1000}, Ending{"Cancelled", 3, 1},
                                          Ending{"Failed", 0, 1000}, Ending{"OneCapture", 1, 1000}),
                          [](const auto& test) { return test.param.name; });
+
+TEST(OwnershipWithoutAStitch, OutlastsBeingSetUpAgain) {
+  auto capture = VelScrollingCapture::init();
+  VelScrollingCapture* const object = capture.get();
+  const std::weak_ptr<VelScrollingCapture> watch = capture;
+  capture.reset();
+  object->setupStitcher();
+  ASSERT_FALSE(watch.expired()) << "The new listener holds the capture object as the old one did";
+  object->cleanupListener();
+  EXPECT_TRUE(watch.expired());
+}
 
 TEST(OwnershipWithoutAStitch, KeepsItselfAliveUntilTheListenerIsCleanedUp) {
   auto capture = VelScrollingCapture::init();

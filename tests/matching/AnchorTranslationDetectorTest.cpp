@@ -2,13 +2,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/RecordingListener.h>
+#include <testkit/StreamCapture.h>
 
-#include <VelScrollingCapture/core/BasicStitcher.h>
 #include <VelScrollingCapture/matching/AnchorTranslationDetector.h>
+#include <VelScrollingCapture/stitching/BasicStitcher.h>
 
-#include "../support/MatrixTesting.h"
-#include "../support/RecordingListener.h"
-#include "../support/StreamCapture.h"
 #include "Travel.h"
 
 namespace ScrollingCapture {

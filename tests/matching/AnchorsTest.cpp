@@ -2,10 +2,9 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/internal/Anchors.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -1,12 +1,11 @@
 #include <limits>
 
 #include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/internal/Comparison.h>
 #include <VelScrollingCapture/matching/internal/PixelKeys.h>
-
-#include "../support/MatrixTesting.h"
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

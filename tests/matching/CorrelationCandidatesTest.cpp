@@ -1,9 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/internal/CorrelationCandidates.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

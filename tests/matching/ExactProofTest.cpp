@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/internal/ExactProof.h>
 #include <VelScrollingCapture/matching/internal/PixelKeys.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -3,11 +3,11 @@
 #include <new>
 
 #include <gtest/gtest.h>
+#include <testkit/faults/EveryFailure.h>
 
 #include <VelScrollingCapture/matching/CapturePlacer.h>
 #include <VelScrollingCapture/matching/PairMatcher.h>
 
-#include "../support/FailingAllocator.h"
 #include "Travel.h"
 
 namespace ScrollingCapture {

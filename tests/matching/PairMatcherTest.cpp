@@ -2,10 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/PairMatcher.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -3,10 +3,9 @@
 #include <tuple>
 
 #include <gtest/gtest.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/internal/PatchHashes.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -1,10 +1,9 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/internal/PixelKeys.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -1,10 +1,9 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/PreparedCapture.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -9,10 +9,9 @@
 
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/PairMatcher.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -1,10 +1,9 @@
 #include <algorithm>
 
 #include <gtest/gtest.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/internal/SeenAnchors.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -5,11 +5,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/RecordingListener.h>
+#include <testkit/faults/ThrowingListener.h>
 
 #include <VelScrollingCapture/matching/SequenceMatcher.h>
 
-#include "../support/RecordingListener.h"
-#include "../support/ThrowingListener.h"
 #include "Travel.h"
 
 namespace ScrollingCapture {

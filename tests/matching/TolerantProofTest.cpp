@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
+#include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/internal/TolerantProof.h>
-
-#include "Scenes.h"
 
 namespace ScrollingCapture {
 namespace {

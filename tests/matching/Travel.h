@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
-#include <VelScrollingCapture/storage/BasicImageProvider.h>
+#include <testkit/pages/Scenes.h>
 
-#include "Scenes.h"
+#include <VelScrollingCapture/storage/BasicImageProvider.h>
 
 namespace ScrollingCapture::Testing {
 

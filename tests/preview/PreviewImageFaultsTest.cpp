@@ -4,17 +4,17 @@
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/MatrixTesting.h>
+#include <testkit/faults/EveryFailure.h>
 
 #include <VelScrollingCapture/preview/PreviewImage.h>
-
-#include "../support/FailingAllocator.h"
-#include "../support/MatrixTesting.h"
 
 namespace ScrollingCapture {
 namespace {
 
-using Testing::CountFailingAttempts;
 using Testing::FailingAllocator;
+using Testing::ForEachFailingAllocation;
+using Testing::MemoryFault;
 using Testing::NoiseCapture;
 using Testing::SameBits;
 
@@ -51,21 +51,15 @@ TEST_P(PreviewAllocations, LeaveThePreviewReadyForTheSameCaptureAgainWhenTheyFai
   EXPECT_GT(whole.rows, CanvasSize.height);
   EXPECT_GT(whole.cols, CanvasSize.width);
   const std::vector<cv::Mat> captures = Captures();
-  const size_t liveBefore = FailingAllocator::LiveMatrices();
   for (size_t failing = 0; failing < captures.size(); ++failing) {
-    const auto add = [&](size_t passing) {
+    ForEachFailingAllocation(GetParam(), [&](MemoryFault& fault) {
       PreviewImage preview(CanvasSize, 10, 10);
       for (size_t i = 0; i < failing; ++i) {
         EXPECT_EQ(preview.AddCapture(captures[i]), Laid);
       }
       const cv::Mat before = preview.GetPreview();
       int result = Laid;
-      bool failed = false;
-      {
-        const FailingAllocator memory(passing, GetParam());
-        result = preview.AddCapture(captures[failing]);
-        failed = memory.HasFailed();
-      }
+      const bool failed = fault.HitsDuring([&] { result = preview.AddCapture(captures[failing]); });
       EXPECT_EQ(result, failed ? Failed : Laid);
       if (failed) {
         EXPECT_TRUE(SameBits(preview.GetPreview(), before));
@@ -74,19 +68,16 @@ TEST_P(PreviewAllocations, LeaveThePreviewReadyForTheSameCaptureAgainWhenTheyFai
       for (size_t i = failing + 1; i < captures.size(); ++i) {
         EXPECT_EQ(preview.AddCapture(captures[i]), Laid);
       }
-      EXPECT_TRUE(SameBits(preview.GetPreview(), whole)) << failing << ", " << passing;
-      return failed;
-    };
-    EXPECT_GT(CountFailingAttempts(add), 0);
+      EXPECT_TRUE(SameBits(preview.GetPreview(), whole)) << failing;
+    });
   }
-  EXPECT_EQ(FailingAllocator::LiveMatrices(), liveBefore);
 }
 
 INSTANTIATE_TEST_SUITE_P(Failures, PreviewAllocations, testing::ValuesIn(Testing::AllFailures),
                          Testing::NameOfFailures);
 
 TEST(PreviewImageOutOfMemory, ThrowsWhenThereIsNoMemoryForTheFirstCanvas) {
-  const FailingAllocator memory(0, FailingAllocator::All);
+  const FailingAllocator memory;
   EXPECT_THROW(PreviewImage(), cv::Exception);
 }
 
@@ -95,7 +86,7 @@ TEST(PreviewImageOutOfMemory, ThrowsInsteadOfACopyAndKeepsTheCanvas) {
   ASSERT_EQ(preview.AddCapture(Captures()[0]), Laid);
   const cv::Mat before = preview.GetPreview();
   {
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingAllocator memory;
     EXPECT_THROW(preview.GetPreview(), cv::Exception);
     EXPECT_THROW(preview.GetPreview(20, 20), cv::Exception);
   }

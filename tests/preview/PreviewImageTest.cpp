@@ -1,15 +1,16 @@
+#include <algorithm>
 #include <limits>
 #include <ostream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/MatrixTesting.h>
+#include <testkit/references/ReferencePreview.h>
 
 #include <VelScrollingCapture/preview/PreviewImage.h>
-
-#include "../support/MatrixTesting.h"
-#include "ReferencePreview.h"
 
 namespace ScrollingCapture {
 namespace {
@@ -42,14 +43,43 @@ cv::Mat Window(const cv::Point& corner, const cv::Size& size) {
 
 cv::Mat Plain(const cv::Size& size, const cv::Scalar& colour) { return {size, CV_8UC4, colour}; }
 
-TEST(ResizeImage, GivesExactlyTheSizeAsked) {
-  const cv::Mat image = NoiseCapture({40, 30}, 1);
-  cv::Mat expected;
-  cv::resize(image, expected, {17, 23}, 0, 0, cv::INTER_LINEAR);
-  EXPECT_TRUE(SameBits(ResizeImage(image, {17, 23}), expected));
+/// One row of grey, opaque pixels.
+cv::Mat GreyRow(const std::vector<uchar>& levels) {
+  cv::Mat row(1, static_cast<int>(levels.size()), CV_8UC4);
+  for (int column = 0; column < row.cols; ++column) {
+    const uchar level = levels[static_cast<size_t>(column)];
+    row.at<cv::Vec4b>(0, column) = cv::Vec4b(level, level, level, 255);
+  }
+  return row;
 }
 
-TEST(PreviewBackground, IsOpaqueBlack) { EXPECT_EQ(PreviewBackground, OpaqueBlack); }
+TEST(PreviewImage, EnlargesInEvenStepsBetweenPixels) {
+  EXPECT_TRUE(SameBits(ResizeImage(GreyRow({0, 100}), {4, 1}), GreyRow({0, 25, 75, 100})));
+}
+
+TEST(PreviewImage, ShrinksToTheMeanOfTheNearestPixels) {
+  EXPECT_TRUE(SameBits(ResizeImage(GreyRow({10, 30, 200, 100}), {2, 1}), GreyRow({20, 150})));
+}
+
+TEST(PreviewImage, ResizesToExactlyTheSizeAsked) {
+  const cv::Scalar colour(10, 20, 30, 40);
+  EXPECT_TRUE(SameBits(ResizeImage(Plain({40, 30}, colour), {17, 23}), Plain({17, 23}, colour)));
+}
+
+TEST(PreviewImage, RefusesToResizeFromOrToNothing) {
+  EXPECT_THROW(ResizeImage(cv::Mat(), {4, 4}), cv::Exception);
+  EXPECT_THROW(ResizeImage(GreyRow({1, 2}), {0, 4}), cv::Exception);
+}
+
+TEST(PreviewImage, ShowsItsBackgroundWhereNoCaptureLies) {
+  PreviewImage preview({300, 40}, 20, 30);
+  ASSERT_EQ(preview.AddCapture(NoiseCapture({250, 10}, 3)), Laid);
+  const cv::Mat shown = preview.GetPreview();
+  EXPECT_EQ(cv::Scalar(shown.at<cv::Vec4b>(19, 30)), PreviewBackground);
+  EXPECT_EQ(cv::Scalar(shown.at<cv::Vec4b>(20, 29)), PreviewBackground);
+  EXPECT_NE(cv::Scalar(shown.at<cv::Vec4b>(20, 30)), PreviewBackground);
+  EXPECT_EQ(PreviewBackground, OpaqueBlack);
+}
 
 TEST(PreviewImage, StartsAsBackgroundOf750By750) {
   PreviewImage preview;
@@ -145,6 +175,88 @@ TEST(PreviewImage, GrowsFromAnEmptyCanvas) {
   cv::Mat expected = Plain({250, 91}, OpaqueBlack);
   capture.copyTo(expected.rowRange(1, 91));
   EXPECT_TRUE(SameBits(preview.GetPreview(), expected));
+}
+
+/// What has to show when one capture is laid onto a black canvas at a place that may be outside.
+cv::Mat LaidPixelByPixel(const cv::Size& canvas, const cv::Mat& capture, const cv::Point& place) {
+  const cv::Point shift(std::max(-place.x, 0), std::max(-place.y, 0));
+  // What sticks out at the far side is measured on the canvas before it grew.
+  const int columnEnd = std::max(place.x, 0) + capture.cols;
+  const int rowEnd = std::max(place.y, 0) + capture.rows;
+  const cv::Size grown(canvas.width + shift.x + std::max(columnEnd - canvas.width, 0),
+                       canvas.height + shift.y + std::max(rowEnd - canvas.height, 0));
+  cv::Mat expected = Plain(grown, OpaqueBlack);
+  for (int row = 0; row < capture.rows; ++row) {
+    for (int column = 0; column < capture.cols; ++column) {
+      expected.at<cv::Vec4b>(std::max(place.y, 0) + row, std::max(place.x, 0) + column) =
+          capture.at<cv::Vec4b>(row, column);
+    }
+  }
+  return expected;
+}
+
+/// A canvas that may be empty along one axis or both, and a capture.
+class SmallPreview : public testing::TestWithParam<std::tuple<int, int, int, int>> {
+ protected:
+  const cv::Size canvas{std::get<0>(GetParam()), std::get<1>(GetParam())};
+  const cv::Size capture{std::get<2>(GetParam()), std::get<3>(GetParam())};
+};
+
+TEST_P(SmallPreview, GrowsByAnyCaptureAtAnyPlace) {
+  for (int row = -4; row <= 5; ++row) {
+    for (int column = -4; column <= 5; ++column) {
+      OpenPreview preview(canvas, 0, 0);
+      cv::Mat pixels = NoiseCapture(capture, 6);
+      const cv::Mat expected = LaidPixelByPixel(canvas, pixels, {column, row});
+      ASSERT_EQ(preview.UpdatePreview(pixels, {{column, row}, capture}, {}), Laid);
+      ASSERT_TRUE(SameBits(preview.GetPreview(), expected)) << row << ", " << column;
+    }
+  }
+}
+
+std::string NameOfSmallPreview(const testing::TestParamInfo<SmallPreview::ParamType>& test) {
+  const auto& [width, height, captureWidth, captureHeight] = test.param;
+  return std::to_string(captureWidth) + "x" + std::to_string(captureHeight) + "On" +
+         std::to_string(width) + "x" + std::to_string(height);
+}
+
+INSTANTIATE_TEST_SUITE_P(PreviewImage, SmallPreview,
+                         testing::Combine(testing::Range(0, 4), testing::Range(0, 4),
+                                          testing::Range(1, 5), testing::Range(1, 5)),
+                         NameOfSmallPreview);
+
+struct FlatCanvas {
+  std::string name;
+  cv::Size size;
+};
+std::ostream& operator<<(std::ostream& stream, const FlatCanvas& canvas) {
+  return stream << canvas.name;
+}
+
+class FlatPreview : public testing::TestWithParam<FlatCanvas> {};
+
+TEST_P(FlatPreview, GrowsFromNothingWhileTheContentScrollsDown) {
+  PreviewImage preview(GetParam().size, 0, 0);
+  cv::Mat expected = Plain({std::max(GetParam().size.width, 250), 280}, OpaqueBlack);
+  for (const int row : {0, 40, 80}) {
+    ASSERT_EQ(preview.AddCapture(Window({500, 500 + row}, {250, 200})), Laid);
+  }
+  Window({500, 500}, {250, 280}).copyTo(expected.colRange(0, 250));
+  EXPECT_TRUE(SameBits(preview.GetPreview(), expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(PreviewImage, FlatPreview,
+                         testing::Values(FlatCanvas{"Wider", {300, 0}},
+                                         FlatCanvas{"AsWide", {250, 0}},
+                                         FlatCanvas{"Narrower", {200, 0}},
+                                         FlatCanvas{"WithoutColumns", {0, 100}},
+                                         FlatCanvas{"OneRow", {300, 1}}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(PreviewImage, GivesAnEmptyCanvasWithItsSizeAndType) {
+  PreviewImage preview({300, 0}, 0, 0);
+  EXPECT_EQ(preview.GetPreview().size(), cv::Size(300, 0));
+  EXPECT_EQ(preview.GetPreview().type(), CV_8UC4);
 }
 
 TEST(PreviewImage, GivesCopiesOfTheCanvas) {

@@ -1,10 +1,9 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
 
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../support/MatrixTesting.h"
 
 namespace ScrollingCapture {
 namespace {

@@ -5,10 +5,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "../support/FailingAllocator.h"
-#include "../support/TemporaryFolder.h"
-#include "SpillTesting.h"
+#include <sys/stat.h>
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
+#include <testkit/faults/FailingAllocator.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -36,13 +36,13 @@ struct BadFolder {
 
 void PrintTo(const BadFolder& folder, std::ostream* stream) { *stream << folder.name; }
 
-class FolderThatCannotBeWrittenTest : public testing::TestWithParam<BadFolder> {
+class MemoryEfficientImageProviderFolderTest : public testing::TestWithParam<BadFolder> {
  protected:
   TemporaryFolder folder;
   std::vector<cv::Mat> captures = NoiseCaptures(5);
 };
 
-TEST_P(FolderThatCannotBeWrittenTest, LeavesEveryCaptureInMemory) {
+TEST_P(MemoryEfficientImageProviderFolderTest, LeavesEveryCaptureInMemory) {
   WriteFile(folder.Prefix() + "plain", "plain");
   MemoryEfficientImageProvider provider((folder.Path() / GetParam().path).string(), 0);
   AddAll(provider, captures);
@@ -59,7 +59,7 @@ TEST_P(FolderThatCannotBeWrittenTest, LeavesEveryCaptureInMemory) {
   EXPECT_TRUE(provider.IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Folders, FolderThatCannotBeWrittenTest,
+INSTANTIATE_TEST_SUITE_P(Folders, MemoryEfficientImageProviderFolderTest,
                          testing::Values(BadFolder{"Missing", "missing/"},
                                          BadFolder{"BelowAFile", "plain/"},
                                          BadFolder{"OfTheSystem", "/proc/"},
@@ -98,6 +98,18 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesWhenTheDiskIsFullInT
     EXPECT_TRUE(folder.Contents().empty());
   }
   ExpectCaptures(provider, captures);
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, TellsThatItExceedsItsLimitWhileTheDiskIsFull) {
+  {
+    const Testing::FileSizeLimit limit(4096);
+    AddAll(provider, {captures[0], captures[1]});
+    EXPECT_FALSE(provider.ExceedsMemoryLimit());
+    provider.Add(captures[2]);
+    EXPECT_TRUE(provider.ExceedsMemoryLimit());
+  }
+  EXPECT_TRUE(provider.UnloadMat());
+  EXPECT_FALSE(provider.ExceedsMemoryLimit());
 }
 
 TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsTheOrderOfItsQueueWhenASpillFails) {
@@ -163,10 +175,16 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesOnDiskWhileThereIsNo
   AddAll(provider, captures);
   ASSERT_FALSE(provider.IsMatLoaded(0));
   {
-    const FailingAllocator memory(0, FailingAllocator::All);
-    EXPECT_THROW(provider.GetImageAt(0), std::runtime_error);
+    const FailingAllocator memory;
+    try {
+      provider.GetImageAt(0);
+      ADD_FAILURE() << "was read";
+    } catch (const cv::Exception& error) {
+      EXPECT_EQ(error.code, cv::Error::StsNoMem) << "and not an unreadable file";
+    }
   }
   EXPECT_TRUE(provider.IsMatSaved(0));
+  EXPECT_FALSE(provider.IsMatLoaded(0));
   ExpectCaptures(provider, captures);
 }
 
@@ -176,7 +194,7 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, KeepsCapturesLoadedThatCannotBeCo
   MemoryEfficientImageProvider provider(folder.Prefix(), 0);
   provider.Add(withGaps);
   {
-    const FailingAllocator memory(0, FailingAllocator::All);
+    const FailingAllocator memory;
     EXPECT_FALSE(provider.UnloadMat());
   }
   EXPECT_TRUE(provider.IsMatLoaded(0));
@@ -217,6 +235,27 @@ TEST_F(MemoryEfficientImageProviderFaultsTest, LeavesFilesAloneThatHaveTheNameIt
   provider.Clear();
   EXPECT_EQ(ReadFile(first), "first");
   EXPECT_EQ(ReadFile(second), "second");
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, LeavesLinksAloneThatHaveTheNameItDraws) {
+  const std::vector<std::string> names = Testing::NextNames(2, 24);
+  const std::string link = folder.Prefix() + names[0];
+  const std::string target = folder.Prefix() + "target";
+  std::filesystem::create_symlink(target, link);
+  AddAll(provider, {captures[0], captures[1], captures[2]});
+  EXPECT_FALSE(std::filesystem::exists(target));
+  EXPECT_THAT(folder.Contents(), testing::UnorderedElementsAre(link, folder.Prefix() + names[1]));
+  ExpectCaptures(provider, {captures[0], captures[1], captures[2]});
+  provider.Clear();
+  EXPECT_THAT(folder.Contents(), testing::ElementsAre(link));
+}
+
+TEST_F(MemoryEfficientImageProviderFaultsTest, MakesFilesThatOnlyTheirOwnerMayReadAndWrite) {
+  const mode_t previous = umask(0);
+  const std::string file = SpillFirst();
+  umask(previous);
+  using std::filesystem::perms;
+  EXPECT_EQ(std::filesystem::status(file).permissions(), perms::owner_read | perms::owner_write);
 }
 
 TEST_F(MemoryEfficientImageProviderFaultsTest, ShareAFolderWithoutTouchingEachOthersFiles) {

@@ -5,9 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-
-#include "../support/TemporaryFolder.h"
-#include "SpillTesting.h"
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -82,6 +81,19 @@ TEST_F(MemoryEfficientImageProviderTest, HoldsTwoHundredMebibytesByDefault) {
   byDefault.Add(small);
   EXPECT_FALSE(byDefault.IsMatLoaded(0));
   EXPECT_EQ(LoadedCount(byDefault), 3U);
+}
+
+TEST_F(MemoryEfficientImageProviderTest, StaysWithinItsLimitHoweverManyCapturesComeAndGo) {
+  for (MemoryEfficientImageProvider* const any : {&provider, &roomy}) {
+    for (cv::Mat& capture : captures) {
+      any->Add(capture);
+      EXPECT_FALSE(any->ExceedsMemoryLimit());
+    }
+    for (size_t i = 0; i < captures.size(); ++i) {
+      any->GetImageAt(i);
+      EXPECT_FALSE(any->ExceedsMemoryLimit());
+    }
+  }
 }
 
 TEST_F(MemoryEfficientImageProviderTest, SharesThePixelsOfACaptureThatIsAdded) {
@@ -363,6 +375,22 @@ TEST_F(MemoryEfficientImageProviderTest, KeepsAMatrixOfMoreThanTwoDimensionsInMe
   EXPECT_FALSE(provider.UnloadMat());
   EXPECT_EQ(provider.GetImageAt(0)->data, cube.data);
   EXPECT_TRUE(folder.Contents().empty());
+}
+
+TEST_F(MemoryEfficientImageProviderTest, SpillsWhatComesAfterAMatrixThatHasToStayInMemory) {
+  const int sizes[] = {2, 3, 4};
+  cv::Mat cube(3, sizes, CV_8UC4, cv::Scalar::all(5));
+  provider.Add(cube);
+  AddAll(provider, captures);
+  EXPECT_EQ(LoadedCount(provider), 2U);
+  EXPECT_TRUE(provider.IsMatLoaded(0));
+  EXPECT_TRUE(provider.IsMatLoaded(captures.size()));
+  EXPECT_TRUE(provider.UnloadMat());
+  EXPECT_FALSE(provider.UnloadMat());
+  EXPECT_EQ(provider.GetImageAt(0)->data, cube.data);
+  for (size_t i = 0; i < captures.size(); ++i) {
+    EXPECT_TRUE(SameBits(*provider.GetImageAt(i + 1), captures[i])) << i;
+  }
 }
 
 TEST_F(MemoryEfficientImageProviderTest, KeepsAMatrixInMemoryThatIsTooLargeToBeReadBack) {

@@ -5,9 +5,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "../support/TemporaryFolder.h"
-#include "SpillTesting.h"
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
 
 namespace ScrollingCapture {
 namespace {

@@ -7,9 +7,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "../support/TemporaryFolder.h"
-#include "SpillTesting.h"
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -267,10 +266,11 @@ TEST_F(SpillFileTest, IsNamedWithoutASeparatorOfItsOwn) {
 }
 
 TEST_F(SpillFileTest, TakesTheFirstNameThatIsFree) {
-  const std::vector<std::string> names = Testing::NextNames(3, 24);
+  const std::vector<std::string> names = Testing::NextNames(4, 24);
   WriteFile(folder.Prefix() + names[0], "taken");
   std::filesystem::create_directory(folder.Prefix() + names[1]);
-  EXPECT_EQ(provider.GetTempFileName(), folder.Prefix() + names[2]);
+  std::filesystem::create_symlink("nowhere", folder.Prefix() + names[2]);
+  EXPECT_EQ(provider.GetTempFileName(), folder.Prefix() + names[3]);
   EXPECT_EQ(ReadFile(folder.Prefix() + names[0]), "taken");
 }
 

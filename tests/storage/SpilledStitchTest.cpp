@@ -3,12 +3,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <testkit/SpillTesting.h>
+#include <testkit/TemporaryFolder.h>
 
-#include <VelScrollingCapture/core/StitcherFactory.h>
+#include <VelScrollingCapture/stitching/StitcherFactory.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
-
-#include "../support/TemporaryFolder.h"
-#include "SpillTesting.h"
 
 namespace ScrollingCapture {
 namespace {

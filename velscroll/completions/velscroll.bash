@@ -12,15 +12,21 @@ _velscroll() {
   case $previous in
     --orientation)
       mapfile -t COMPREPLY < <(compgen -W "vertical horizontal both" -- "$current") ;;
+    --engine)
+      mapfile -t COMPREPLY < <(compgen -W "exact phase-correlation" -- "$current") ;;
+    --fixed)
+      mapfile -t COMPREPLY < <(compgen -W "once keep" -- "$current") ;;
     --spill-folder)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
-    --threads | --difference-threshold | --neighbor-threshold | --memory-limit | --preview-size) ;;
+    --threads | --difference-threshold | --neighbor-threshold | --memory-limit | --preview-size | \
+      --split | --background | --jpeg-quality | --png-level) ;;
     *)
       if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "
-          --help --output --orientation --consistent --threads --keep-repeats --borders
-          --difference-threshold --neighbor-threshold --memory-limit --spill-folder --preview
+          --help --output --engine --orientation --consistent --threads --keep-repeats --strict
+          --joins --fixed --borders --difference-threshold --neighbor-threshold --split
+          --background --jpeg-quality --png-level --memory-limit --spill-folder --preview
           --preview-size --report --quiet --version" -- "$current")
       else
         compopt -o filenames

@@ -1,10 +1,10 @@
 #include <cstdint>
-#include <iostream>
 #include <memory>
 #include <utility>
 
 #include <opencv2/core.hpp>
 
+#include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/detection/internal/SequenceDetection.h>
 
@@ -37,15 +37,12 @@ SequenceDetection::SequenceDetection(DetectPair detectPair, IImageProvider& imag
 std::vector<Translation> SequenceDetection::Run() {
   const size_t count = images.Count();
   if (count < 2) {
-    std::cerr << "Error: Not enough images in the IImageProvider." << std::endl;
+    TellError("Error: Not enough images in the IImageProvider.");
     return {};
   }
   const size_t pairs = count - 1;
   result.resize(pairs);
   alternatives.resize(pairs);
-  for (unsigned int later = 1; later < images.Count(); ++later) {
-    pending.push_back(later);
-  }
   const std::int64_t progressRange = std::int64_t{settings.progressEnd} - settings.progressStart;
   progressStep = static_cast<float>(progressRange) / static_cast<float>(pairs);
   progress = static_cast<float>(settings.progressStart);
@@ -73,7 +70,7 @@ std::vector<Translation> SequenceDetection::Run() {
 void SequenceDetection::Dispatch() {
   const ThreadJoiner joiner(workers);
   bool goOn = true;
-  while (goOn && !pending.empty()) {
+  while (goOn && nextPair < result.size()) {
     goOn = StartNextWorker();
   }
 }
@@ -83,18 +80,17 @@ void SequenceDetection::Dispatch() {
 bool SequenceDetection::StartNextWorker() {
   std::unique_lock<std::mutex> lock(mutex);
   slotFreed.wait(lock, [this] { return running < settings.threadCount; });
-  workers.emplace_back(&SequenceDetection::RunWorker, this, pending.front());
-  pending.pop_front();
+  workers.emplace_back(&SequenceDetection::RunWorker, this, nextPair);
+  ++nextPair;
   ++running;
   return !cancelled && !providerFailure;
 }
 
-void SequenceDetection::RunWorker(unsigned int laterCapture) {
+void SequenceDetection::RunWorker(size_t pair) {
   {
     CapturePair captures;
-    if (FetchPair(laterCapture, captures)) {
-      const size_t pair = laterCapture - 1;
-      result[pair] = detectPair(*captures.earlier, *captures.later, alternatives[pair]);
+    if (FetchPair(pair, captures)) {
+      result[pair] = detectPair(pair, *captures.earlier, *captures.later, alternatives[pair]);
     }
   }
   FinishPair();
@@ -102,10 +98,10 @@ void SequenceDetection::RunWorker(unsigned int laterCapture) {
 
 /// A capture that cannot be had, such as one whose spill file is gone, is no reason to end the
 /// process: the failure is kept for the caller.
-bool SequenceDetection::FetchPair(unsigned int laterCapture, CapturePair& captures) {
+bool SequenceDetection::FetchPair(size_t pair, CapturePair& captures) {
   try {
-    captures.earlier = images.GetImageAt(laterCapture - 1);
-    captures.later = images.GetImageAt(laterCapture);
+    captures.earlier = images.GetImageAt(pair);
+    captures.later = images.GetImageAt(pair + 1);
     return true;
   } catch (...) {
     const std::lock_guard<std::mutex> lock(mutex);

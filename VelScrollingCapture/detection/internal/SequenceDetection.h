@@ -2,7 +2,6 @@
 
 #include <condition_variable>
 #include <cstddef>
-#include <deque>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -26,15 +25,16 @@ class SequenceDetection {
   /// What the caller of the run has chosen.
   struct Settings {
     bool expectConsistentTranslations;
-    unsigned int threadCount;  ///< the most workers that run at once
+    unsigned int threadCount;  ///< the most workers that run at once; with 0 the run never ends
     int progressStart;
     int progressEnd;
   };
 
   /// Detects the translation from the first capture to the second, and when consistent translations
-  /// are expected a second candidate as well. Called by several workers at once.
-  using DetectPair = std::function<Translation(const cv::Mat& first, const cv::Mat& second,
-                                               Translation& alternative)>;
+  /// are expected a second candidate as well. The pair has the index of its first capture. Called
+  /// by several workers at once.
+  using DetectPair = std::function<Translation(size_t pair, const cv::Mat& first,
+                                               const cv::Mat& second, Translation& alternative)>;
 
   /// All references and the listener (which may be null) must outlive the run.
   SequenceDetection(DetectPair detectPair, IImageProvider& images, IStitcherListener* listener,
@@ -55,8 +55,8 @@ class SequenceDetection {
 
   void Dispatch();
   bool StartNextWorker();
-  void RunWorker(unsigned int laterCapture);
-  bool FetchPair(unsigned int laterCapture, CapturePair& captures);
+  void RunWorker(size_t pair);
+  bool FetchPair(size_t pair, CapturePair& captures);
   void FinishPair();
   void PreferRepeatedTranslations();
 
@@ -70,7 +70,7 @@ class SequenceDetection {
   std::vector<std::thread> workers;
   std::mutex mutex;
   std::condition_variable slotFreed;
-  std::deque<unsigned int> pending;  ///< the later capture of each pair that is not yet started
+  size_t nextPair = 0;  ///< the first one that is not yet started
   unsigned int running = 0;
   float progress = 0;
   float progressStep = 0;

@@ -1,8 +1,9 @@
-#include <VelScrollingCapture/core/internal/Truncation.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/internal/BitmapRendering.h>
+#import <VelScrollingCapture/frontend/appkit/internal/Conversion.h>
 
-using ScrollingCapture::TruncateToInt;
+using ScrollingCapture::AppKit::OrEmpty;
+using ScrollingCapture::AppKit::WholeSize;
 
 namespace {
 
@@ -17,15 +18,36 @@ CGRect BoundsOf(NSImage* image) {
   return CGRectMake(0, 0, [image size].width, [image size].height);
 }
 
-/// The image drawn into a new matrix of `type`. Transparent pixels leave the matrix's zeros.
-cv::Mat Drawn(NSImage* image, CGImageRef drawing, int type, CGColorSpaceRef colourSpace) {
-  cv::Mat matrix(TruncateToInt([image size].height), TruncateToInt([image size].width), type,
-                 cv::Scalar::all(0));
+/// Draws over the whole of `matrix`. Transparent pixels leave its zeros.
+void Draw(NSImage* image, CGImageRef drawing, CGColorSpaceRef colourSpace, cv::Mat& matrix) {
   CGContextRef const context = CGBitmapContextCreate(
       matrix.data, static_cast<std::size_t>(matrix.cols), static_cast<std::size_t>(matrix.rows),
       BitsPerComponent, matrix.step[0], colourSpace, AlphaLast);
   CGContextDrawImage(context, BoundsOf(image), drawing);
   CGContextRelease(context);
+}
+
+cv::Mat ColourOf(NSImage* image) {
+  cv::Mat matrix(WholeSize(image), CV_8UC4, cv::Scalar::all(0));
+  CGImageRef const drawing = [image CGImage];
+  if (drawing == NULL) {
+    return {};
+  }
+  Draw(image, drawing, CGImageGetColorSpace(drawing), matrix);
+  CGImageRelease(drawing);
+  return matrix;
+}
+
+cv::Mat GreyOf(NSImage* image) {
+  cv::Mat matrix(WholeSize(image), CV_8UC1, cv::Scalar::all(0));
+  CGImageRef const drawing = [image CGImage];
+  if (drawing == NULL) {
+    return {};
+  }
+  CGColorSpaceRef const grey = CGColorSpaceCreateDeviceGray();
+  Draw(image, drawing, grey, matrix);
+  CGColorSpaceRelease(grey);
+  CGImageRelease(drawing);
   return matrix;
 }
 
@@ -52,13 +74,17 @@ CGImageRef NewImageOf(const cv::Mat& matrix) {
 
 namespace ScrollingCapture::AppKit {
 
-void RenderIntoBitmap(NSImage* image, NSBitmapImageRep* bitmap) {
+bool RenderIntoBitmap(NSImage* image, NSBitmapImageRep* bitmap) {
+  if (bitmap == nil) {
+    return false;
+  }
   NSGraphicsContext* const context = [NSGraphicsContext graphicsContextWithBitmapImageRep:bitmap];
   [NSGraphicsContext saveGraphicsState];
   [NSGraphicsContext setCurrentContext:context];
   [image drawAtPoint:NSZeroPoint fromRect:NSZeroRect operation:CopyOperation fraction:1.0];
   [context flushGraphics];
   [NSGraphicsContext restoreGraphicsState];
+  return context != nil;
 }
 
 }  // namespace ScrollingCapture::AppKit
@@ -66,10 +92,16 @@ void RenderIntoBitmap(NSImage* image, NSBitmapImageRep* bitmap) {
 @implementation NSImage (NSImage_OpenCV)
 
 - (CGImageRef)CGImage {
+  if (WholeSize(self).empty()) {
+    return NULL;
+  }
   const NSSize size = [self size];
   CGContextRef const context = CGBitmapContextCreate(
       NULL, static_cast<std::size_t>(size.width), static_cast<std::size_t>(size.height),
       BitsPerComponent, 0, [[NSColorSpace deviceRGBColorSpace] CGColorSpace], BlueGreenRedAlpha);
+  if (context == NULL) {
+    return NULL;
+  }
   [NSGraphicsContext saveGraphicsState];
   [NSGraphicsContext setCurrentContext:[NSGraphicsContext graphicsContextWithGraphicsPort:context
                                                                                   flipped:NO]];
@@ -84,19 +116,11 @@ void RenderIntoBitmap(NSImage* image, NSBitmapImageRep* bitmap) {
 }
 
 - (cv::Mat)CVMat {
-  CGImageRef const drawing = [self CGImage];
-  const cv::Mat matrix = Drawn(self, drawing, CV_8UC4, CGImageGetColorSpace(drawing));
-  CGImageRelease(drawing);
-  return matrix;
+  return OrEmpty([self] { return ColourOf(self); });
 }
 
 - (cv::Mat)CVGrayscaleMat {
-  CGImageRef const drawing = [self CGImage];
-  CGColorSpaceRef const grey = CGColorSpaceCreateDeviceGray();
-  const cv::Mat matrix = Drawn(self, drawing, CV_8UC1, grey);
-  CGColorSpaceRelease(grey);
-  CGImageRelease(drawing);
-  return matrix;
+  return OrEmpty([self] { return GreyOf(self); });
 }
 
 - (id)initWithCVMat:(const cv::Mat&)matrix {

@@ -1,19 +1,43 @@
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <utility>
 
-#include <VelScrollingCapture/core/internal/Truncation.h>
+#include <VelScrollingCapture/core/internal/Messages.h>
+#include <VelScrollingCapture/frontend/ExactStitcherAdapter.h>
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/internal/BitmapRendering.h>
+#import <VelScrollingCapture/frontend/appkit/internal/Conversion.h>
 #import <VelScrollingCapture/frontend/appkit/internal/WeakReference.h>
 
 using CaptureObject = ScrollingCapture::VelScrollingCapture;
+using ScrollingCapture::CaptureOutcome;
 using ScrollingCapture::PlatformImage;
+using ScrollingCapture::AppKit::HasPoints;
+
+namespace {
+
+/// Asks the Objective-C object that it is the inside of for its parts, whose class may have its
+/// own.
+class InnerCapture : public CaptureObject {
+ public:
+  explicit InnerCapture(::VelScrollingCapture* outside) : outside(outside) {}
+
+  StitcherAdapter* stitcherAdapter() const override { return [outside stitcherAdapter]; }
+  ScrollingCapture::PreviewImage* previewImageCreator() const override {
+    return [outside previewImageCreator];
+  }
+
+ private:
+  ::VelScrollingCapture* outside;
+};
+
+}  // namespace
 
 struct __attribute__((visibility("hidden"))) VelScrollingCaptureState {
-  std::shared_ptr<CaptureObject> capture;
+  std::shared_ptr<InnerCapture> capture;
   ScrollingCapture::AppKit::WeakReference delegate;
 };
 
@@ -62,42 +86,64 @@ class RetainingListener : public ScrollingCapture::ProgressListener {
   VelScrollingCapture* receiver;
 };
 
-std::optional<PlatformImage> PlatformImageOf(NSImage* image) {
-  if (image == nil) {
-    return std::nullopt;
-  }
-  return PlatformImage::imageWithCVMat([image CVMat]);
+/// The image's pixels; nothing where they cannot be had.
+std::optional<PlatformImage> PixelsOf(NSImage* image) try {
+  const PlatformImage pixels = PlatformImage::imageWithCVMat([image CVMat]);
+  return pixels.width() > 0 ? std::optional(pixels) : std::nullopt;
+} catch (const cv::Exception&) {
+  return std::nullopt;
 }
 
-NSImage* ImageOf(const PlatformImage& image) {
+/// Nil when memory runs out.
+NSImage* ImageOf(const PlatformImage& image) try {
   // Only a header: the pixels are copied once, into the image.
   const cv::Mat pixels(image.height(), image.width(), CV_8UC4,
                        const_cast<std::uint8_t*>(image.pixels()), image.bytesPerRow());
   return [NSImage imageWithCVMat:pixels];
+} catch (const cv::Exception&) {
+  return nil;
+}
+
+/// An image that has points, but more than a matrix holds or memory has room for, is dropped.
+CaptureOutcome AddTo(CaptureObject& capture, NSImage* image) {
+  if (!HasPoints(image)) {
+    return capture.addCapture(std::nullopt);
+  }
+  const std::optional<PlatformImage> pixels = PixelsOf(image);
+  if (!pixels) {
+    return {CaptureOutcome::State::Unusable, "is too large", {}};
+  }
+  return capture.addCapture(pixels);
 }
 
 }  // namespace
 
 @interface VelScrollingCapture ()
-- (id)initWithCaptureObject:(const std::shared_ptr<CaptureObject>&)capture;
+- (id)initWithAdapter:(std::unique_ptr<StitcherAdapter>&&)adapter;
 @end
 
 @implementation VelScrollingCapture
 
 - (id)init {
-  return [self initWithCaptureObject:CaptureObject::init()];
+  return [self initWithAdapter:std::make_unique<StitcherAdapter>()];
 }
 
 - (id)initWithExpectConsistentTranslations:(BOOL)expect andThreadCount:(int)threads {
-  return [self initWithCaptureObject:CaptureObject::initWithExpectConsistentTranslations(
-                                         static_cast<bool>(expect), threads)];
+  return [self
+      initWithAdapter:std::make_unique<StitcherAdapter>(
+                          ScrollingCapture::Both, static_cast<bool>(expect), std::max(threads, 1))];
 }
 
-- (id)initWithCaptureObject:(const std::shared_ptr<CaptureObject>&)capture {
+- (id)initWithExactJoinsAndThreadCount:(int)threads {
+  return [self initWithAdapter:std::make_unique<ScrollingCapture::ExactStitcherAdapter>(threads)];
+}
+
+- (id)initWithAdapter:(std::unique_ptr<StitcherAdapter>&&)adapter {
   self = [super init];
   if (self != nil) {
     _state = new VelScrollingCaptureState;
-    _state->capture = capture;
+    _state->capture = std::make_shared<InnerCapture>(self);
+    _state->capture->setStitcherAdapter(adapter.release());
     [self setupStitcher];
   }
   return self;
@@ -109,15 +155,28 @@ NSImage* ImageOf(const PlatformImage& image) {
 }
 
 - (void)setupStitcher {
+  // The listener before may hold the last reference.
+  const Retained held(self);
   _state->capture->setupStitcher();
   _state->capture->cleanupListener();
   auto listener = std::make_unique<RetainingListener>(self, _state->capture);
-  _state->capture->stitcherAdapter()->setProgressListener(listener.get());
+  if (StitcherAdapter* const adapter = [self stitcherAdapter]) {
+    adapter->setProgressListener(listener.get());
+  }
   _state->capture->setProgressListener(listener.release());
 }
 
 - (void)addImageToAdapter:(NSImage*)image {
-  _state->capture->addImageToAdapter(PlatformImageOf(image));
+  [self addCapture:image reason:NULL];
+}
+
+- (VelCaptureOutcome)addCapture:(NSImage*)image reason:(NSString**)reason {
+  const CaptureOutcome outcome = AddTo(*_state->capture, image);
+  if (reason != NULL) {
+    const char* const text = outcome.reason.c_str();
+    *reason = outcome.reason.empty() ? nil : [NSString stringWithUTF8String:text];
+  }
+  return static_cast<VelCaptureOutcome>(outcome.state);
 }
 
 - (NSBitmapImageRep*)currentImagePreview {
@@ -129,7 +188,11 @@ NSImage* ImageOf(const PlatformImage& image) {
   // The completion notice drops the listener's reference, which may be the last one.
   const Retained held(self);
   const std::optional<PlatformImage> image = _state->capture->stitchAndReturnFinalImage();
-  return image ? [self bitmapImageRepresentation:ImageOf(*image)] : nil;
+  NSBitmapImageRep* const bitmap = image ? [self bitmapImageRepresentation:ImageOf(*image)] : nil;
+  if (image && bitmap == nil) {
+    ScrollingCapture::TellError("Error: The stitched image does not fit into a bitmap.");
+  }
+  return bitmap;
 }
 
 - (BOOL)setCurrentProgress:(int)progress {
@@ -161,24 +224,22 @@ NSImage* ImageOf(const PlatformImage& image) {
 }
 
 - (NSBitmapImageRep*)bitmapImageRepresentation:(NSImage*)image {
-  const int width = ScrollingCapture::TruncateToInt([image size].width);
-  const int height = ScrollingCapture::TruncateToInt([image size].height);
-  if (width <= 0 || height <= 0) {
+  const cv::Size size = ScrollingCapture::AppKit::WholeSize(image);
+  if (size.empty()) {
     return nil;
   }
   NSBitmapImageRep* const bitmap =
       [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
-                                               pixelsWide:width
-                                               pixelsHigh:height
+                                               pixelsWide:size.width
+                                               pixelsHigh:size.height
                                             bitsPerSample:8
                                           samplesPerPixel:4
                                                  hasAlpha:YES
                                                  isPlanar:NO
                                            colorSpaceName:NSDeviceRGBColorSpace
-                                              bytesPerRow:static_cast<NSInteger>(width) * 4
+                                              bytesPerRow:static_cast<NSInteger>(size.width) * 4
                                              bitsPerPixel:32] autorelease];
-  ScrollingCapture::AppKit::RenderIntoBitmap(image, bitmap);
-  return bitmap;
+  return ScrollingCapture::AppKit::RenderIntoBitmap(image, bitmap) ? bitmap : nil;
 }
 
 - (id<ScrollingProgressDelegate>)progressDelegate {
@@ -199,7 +260,7 @@ NSImage* ImageOf(const PlatformImage& image) {
 }
 
 - (StitcherAdapter*)stitcherAdapter {
-  return _state->capture->stitcherAdapter();
+  return _state->capture->CaptureObject::stitcherAdapter();
 }
 
 - (void)setStitcherAdapter:(StitcherAdapter*)adapter {
@@ -215,7 +276,7 @@ NSImage* ImageOf(const PlatformImage& image) {
 }
 
 - (ScrollingCapture::PreviewImage*)previewImageCreator {
-  return _state->capture->previewImageCreator();
+  return _state->capture->CaptureObject::previewImageCreator();
 }
 
 - (void)setPreviewImageCreator:(ScrollingCapture::PreviewImage*)preview {

@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/MatrixTesting.h>
+#include <testkit/faults/FailingAllocator.h>
 
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 
-#include "../../support/MatrixTesting.h"
+#include "AbsurdSizes.h"
 #include "PoolTest.h"
 
 namespace ScrollingCapture {
@@ -120,6 +122,22 @@ TEST_F(NSImageBridge, HasNoPixelsForWhatItCannotHold) {
     EXPECT_TRUE([image CVMat].empty());
     EXPECT_TRUE([image CVGrayscaleMat].empty());
   }
+}
+
+TEST_F(NSImageBridge, HasNoPixelsForAnAbsurdSize) {
+  for (const NSSize& size : Testing::AbsurdSizes()) {
+    NSImage* const image = [NSImage imageWithCVMat:GreyPixels()];
+    [image setSize:size];
+    EXPECT_TRUE([image CVMat].empty()) << size.width << " x " << size.height;
+    EXPECT_TRUE([image CVGrayscaleMat].empty()) << size.width << " x " << size.height;
+  }
+}
+
+TEST_F(NSImageBridge, HasNoPixelsWhereMemoryRunsOut) {
+  NSImage* const image = [NSImage imageWithCVMat:GreyPixels()];
+  const Testing::FailingAllocator memory;
+  EXPECT_TRUE([image CVMat].empty());
+  EXPECT_TRUE([image CVGrayscaleMat].empty());
 }
 
 TEST_F(NSImageBridge, GivesTransparentPixelsForAnImageWithoutRepresentation) {

@@ -1,15 +1,18 @@
-#include <functional>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <testkit/MessageCapture.h>
+#include <testkit/faults/EveryFailure.h>
+#include <testkit/pages/ScrolledCaptures.h>
 
 #include <VelScrollingCapture/ScrollingCapture.h>
 #import <VelScrollingCapture/frontend/appkit/NSImage_OpenCV.h>
 #import <VelScrollingCapture/frontend/appkit/VelScrollingCapture.h>
 
-#include "../ScrolledCaptures.h"
+#include "AbsurdSizes.h"
 #include "PoolTest.h"
 
 /// Remembers the progress it is told, and goes on until it has been told `limit` times.
@@ -67,6 +70,23 @@
 - (void)dealloc {
   *gone = true;
   [super dealloc];
+}
+@end
+
+/// Has parts of its own.
+@interface CaptureWithOwnParts : VelScrollingCapture {
+ @public
+  StitcherAdapter* ownAdapter;
+  ScrollingCapture::PreviewImage* ownPreview;
+}
+@end
+
+@implementation CaptureWithOwnParts
+- (StitcherAdapter*)stitcherAdapter {
+  return ownAdapter;
+}
+- (ScrollingCapture::PreviewImage*)previewImageCreator {
+  return ownPreview;
 }
 @end
 
@@ -151,6 +171,16 @@ TEST_F(ObjectiveCCapture, StitchesOnSeveralThreads) {
   [threaded setProgressDelegate:nil];
 }
 
+TEST_F(ObjectiveCCapture, TakesAThreadCountOfLessThanOneForOne) {
+  for (const int threads : {0, -1, std::numeric_limits<int>::min()}) {
+    ::VelScrollingCapture* const other =
+        [[[::VelScrollingCapture alloc] initWithExpectConsistentTranslations:NO
+                                                              andThreadCount:threads] autorelease];
+    AddAll(other, ScrolledCaptures(3));
+    EXPECT_TRUE(SameBits(PixelsOf([other stitchAndReturnFinalImage]), ScrolledPage(3)));
+  }
+}
+
 TEST_F(ObjectiveCCapture, GivesNilWhenTheDelegateStopsAtTheFirstReport) {
   Listen(1);
   AddAll(capture, ScrolledCaptures(3));
@@ -163,6 +193,64 @@ TEST_F(ObjectiveCCapture, GivesNilWithoutCapturesAndForASecondStitch) {
   AddAll(capture, ScrolledCaptures(2));
   EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
   EXPECT_EQ([capture progressListener], nullptr);
+}
+
+/// Counts what it is told, and lets everything go on.
+class CountingListener : public IStitcherListener {
+ public:
+  bool ProgressCallback(int /*progress*/) override { return ++reports > 0; }
+  void StitchingComplete(bool /*success*/) override { ++completions; }
+  bool StitchingError(StitcherErrorCodes /*code*/, bool /*fatal*/) override { return false; }
+
+  int reports = 0;
+  int completions = 0;
+};
+
+TEST_F(ObjectiveCCapture, StitchesForTheAdaptersListenerWithoutOneOfItsOwn) {
+  Listen(1000);
+  AddAll(capture, ScrolledCaptures(2));
+  const std::unique_ptr<ProgressListener> listener([capture progressListener]);
+  [capture setProgressListener:nullptr];
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] != nil);
+  EXPECT_EQ(delegate->heard->back(), 100) << "The adapter still tells the listener it was given";
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+}
+
+TEST_F(ObjectiveCCapture, StitchesForAListenerOfTheHostsOwn) {
+  Listen(1000);
+  AddAll(capture, ScrolledCaptures(2));
+  CountingListener own;
+  [capture stitcherAdapter]->setProgressListener(&own);
+  [capture cleanupListener];
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] != nil);
+  EXPECT_GT(own.reports, 0);
+  EXPECT_EQ(own.completions, 1);
+  EXPECT_TRUE(delegate->heard->empty());
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+}
+
+TEST_F(ObjectiveCCapture, StitchesWhatASetAdapterHolds) {
+  const std::unique_ptr<StitcherAdapter> before([capture stitcherAdapter]);
+  [capture setStitcherAdapter:new StitcherAdapter];
+  AddAll(capture, ScrolledCaptures(3));
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), ScrolledPage(3)));
+  EXPECT_TRUE(before->IsEmpty());
+}
+
+TEST_F(ObjectiveCCapture, WorksOnThePartsOfItsSubclass) {
+  StitcherAdapter adapter;
+  PreviewImage preview({40, 30}, 1, 0);
+  CaptureWithOwnParts* const own = [[[CaptureWithOwnParts alloc] init] autorelease];
+  own->ownAdapter = &adapter;
+  own->ownPreview = &preview;
+  [own setupStitcher];
+  AddAll(own, ScrolledCaptures(2));
+  AddAll(own, {ScrolledCaptures(2)[1]});
+  EXPECT_EQ(adapter.Count(), 2U) << "A repeat of the subclass's last capture is dropped";
+  [own setPreviewImageSize:NSMakeSize(50, 60)];
+  EXPECT_TRUE(SameBits(PixelsOf([own currentImagePreview]), preview.GetPreview(50, 60)));
+  EXPECT_TRUE(SameBits(PixelsOf([own stitchAndReturnFinalImage]), ScrolledPage(2)));
+  EXPECT_TRUE(SameBits(adapter.getResult(), ScrolledPage(2)));
 }
 
 TEST_F(ObjectiveCCapture, GivesNoPreviewBeforeACapture) {
@@ -187,6 +275,35 @@ TEST_F(ObjectiveCCapture, KeepsTheFirstCaptureEvenIfItIsNil) {
   [capture addImageToAdapter:nil];
   EXPECT_EQ([capture stitcherAdapter]->Count(), 1U);
   EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+}
+
+TEST_F(ObjectiveCCapture, TellsWhatHasBecomeOfEachCapture) {
+  const auto outcome = [this](const cv::Mat& matrix, NSString** reason) {
+    return [capture addCapture:[NSImage imageWithCVMat:matrix] reason:reason];
+  };
+  NSString* reason = @"stale";
+  EXPECT_EQ(outcome(ScrolledCaptures(1)[0], &reason), VelCapturePlaced);
+  EXPECT_TRUE(reason == nil);
+  EXPECT_EQ(outcome(ScrolledCaptures(1)[0], NULL), VelCaptureRepeated);
+  EXPECT_EQ(outcome(Testing::NoiseCapture({5, 5}, 1), &reason), VelCaptureUnusable);
+  EXPECT_TRUE([reason hasPrefix:@"has 5 x 5 pixels"]);
+}
+
+TEST_F(ObjectiveCCapture, JoinsExactlyWhereAskedTo) {
+  const cv::Mat page = Testing::NoiseCapture({200, 900}, 5);
+  ::VelScrollingCapture* const exact =
+      [[::VelScrollingCapture alloc] initWithExactJoinsAndThreadCount:2];
+  const auto outcome = [&](int row) {
+    const cv::Mat matrix = page(cv::Rect(0, row, 200, 160)).clone();
+    return [exact addCapture:[NSImage imageWithCVMat:matrix] reason:NULL];
+  };
+  EXPECT_EQ(outcome(0), VelCapturePlaced);
+  EXPECT_EQ(outcome(300), VelCaptureTooFast);
+  EXPECT_EQ(outcome(100), VelCapturePlaced);
+  EXPECT_EQ(outcome(200), VelCapturePlaced);
+  NSBitmapImageRep* const image = [exact stitchAndReturnFinalImage];
+  EXPECT_TRUE(SameBits(PixelsOf(image), page.rowRange(0, 460).clone()));
+  [exact release];
 }
 
 TEST_F(ObjectiveCCapture, AnswersYesWithoutADelegate) {
@@ -223,6 +340,65 @@ TEST_F(ObjectiveCCapture, RendersNothingWithoutAWholePoint) {
     NSImage* const image = [[[NSImage alloc] initWithSize:size] autorelease];
     EXPECT_TRUE([capture bitmapImageRepresentation:image] == nil);
   }
+}
+
+TEST_F(ObjectiveCCapture, RendersNothingForNilOrAnAbsurdSize) {
+  EXPECT_TRUE([capture bitmapImageRepresentation:nil] == nil);
+  for (const NSSize& size : Testing::AbsurdSizes()) {
+    NSImage* const image = [[[NSImage alloc] initWithSize:size] autorelease];
+    EXPECT_TRUE([capture bitmapImageRepresentation:image] == nil)
+        << size.width << " x " << size.height;
+  }
+}
+
+TEST_F(ObjectiveCCapture, DropsCapturesOfAnAbsurdSize) {
+  for (const NSSize& size : Testing::AbsurdSizes()) {
+    NSImage* const image = [NSImage imageWithCVMat:ScrolledCaptures(1)[0]];
+    [image setSize:size];
+    [capture addImageToAdapter:image];
+    EXPECT_TRUE([capture stitcherAdapter]->IsEmpty()) << size.width << " x " << size.height;
+  }
+  AddAll(capture, ScrolledCaptures(2));
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), ScrolledPage(2)));
+}
+
+TEST_F(ObjectiveCCapture, KeepsACaptureOrLeavesItToBeAddedAgainWhereMemoryRunsOut) {
+  const std::vector<cv::Mat> captures = ScrolledCaptures(2);
+  AddAll(capture, {captures[0]});
+  NSImage* const second = [NSImage imageWithCVMat:captures[1]];
+  const auto add = [&](size_t passing) {
+    const Testing::FailingAllocator memory(passing, Testing::FailingAllocator::All);
+    [capture addImageToAdapter:second];
+    return memory.HasFailed();
+  };
+  EXPECT_GT(Testing::CountFailingAttempts(add), 0);
+  EXPECT_EQ([capture stitcherAdapter]->Count(), 2U);
+  EXPECT_TRUE(SameBits(PixelsOf([capture stitchAndReturnFinalImage]), ScrolledPage(2)));
+}
+
+TEST_F(ObjectiveCCapture, GivesTheWholeImageOrNilWhereMemoryRunsOut) {
+  NSImage* const image = [NSImage imageWithCVMat:ScrolledCaptures(1)[0]];
+  AddAll(capture, ScrolledCaptures(2));
+  const auto show = [&](Testing::MemoryFault& fault) {
+    NSBitmapImageRep *rendered = nil, *preview = nil;
+    const bool failed = fault.HitsDuring([&] {
+      rendered = [capture bitmapImageRepresentation:image];
+      preview = [capture currentImagePreview];
+    });
+    EXPECT_FALSE(fault.HasThrown());
+    EXPECT_EQ(rendered == nil || preview == nil, failed);
+  };
+  Testing::ForEachFailingAllocation(Testing::FailingAllocator::First, show);
+}
+
+TEST_F(ObjectiveCCapture, SaysSoWhenTheStitchedImageDoesNotFitIntoABitmap) {
+  AddAll(capture, ScrolledCaptures(1));
+  const Testing::MessageCapture messages;
+  // The first allocation is the inner object's own copy of the image.
+  const Testing::FailingAllocator memory(1, Testing::FailingAllocator::First);
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] == nil);
+  ASSERT_EQ(messages.Messages().size(), 1U);
+  EXPECT_EQ(messages.Messages()[0].second, "Error: The stitched image does not fit into a bitmap.");
 }
 
 TEST_F(ObjectiveCCapture, RendersGreyIntoColour) {
@@ -287,6 +463,16 @@ TEST_F(ObjectiveCOwnership, EndsWithAStitchThatAnExceptionStops) {
   EXPECT_FALSE(gone);
   [capture setProgressDelegate:nil];
   [capture release];
+  EXPECT_TRUE(gone);
+}
+
+TEST_F(ObjectiveCOwnership, OutlastsBeingSetUpAgainAfterTheHostHasLetGo) {
+  Start();
+  [capture release];
+  [capture setupStitcher];
+  ASSERT_FALSE(gone) << "The new listener retains the capture object as the old one did";
+  AddAll(capture, ScrolledCaptures(2));
+  EXPECT_TRUE([capture stitchAndReturnFinalImage] != nil);
   EXPECT_TRUE(gone);
 }
 

@@ -1,0 +1,166 @@
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <mutex>
+
+#include <VelScrollingCapture/mosaic/internal/Agreement.h>
+#include <VelScrollingCapture/mosaic/internal/Cells.h>
+#include <VelScrollingCapture/mosaic/internal/ParallelFor.h>
+#include <VelScrollingCapture/mosaic/internal/PixelComparison.h>
+
+namespace ScrollingCapture {
+namespace {
+
+void AddIfAny(std::vector<cv::Rect>& rects, const cv::Rect& rect) {
+  if (!rect.empty()) {
+    rects.push_back(rect);
+  }
+}
+
+/// `rect` without `hole`, in at most four rectangles.
+void AddDifference(std::vector<cv::Rect>& rects, const cv::Rect& rect, const cv::Rect& hole) {
+  const cv::Rect common = rect & hole;
+  if (common.empty()) {
+    rects.push_back(rect);
+    return;
+  }
+  const int below = common.y + common.height;
+  const int right = common.x + common.width;
+  AddIfAny(rects, {rect.x, rect.y, rect.width, common.y - rect.y});
+  AddIfAny(rects, {rect.x, below, rect.width, rect.y + rect.height - below});
+  AddIfAny(rects, {rect.x, common.y, common.x - rect.x, common.height});
+  AddIfAny(rects, {right, common.y, rect.x + rect.width - right, common.height});
+}
+
+std::vector<cv::Rect> Without(const std::vector<cv::Rect>& rects, const cv::Rect& hole) {
+  std::vector<cv::Rect> rest;
+  for (const cv::Rect& rect : rects) {
+    AddDifference(rest, rect, hole);
+  }
+  return rest;
+}
+
+/// `capture`'s part of the picture without that of the captures that `hides` tells.
+template <typename Hides>
+std::vector<cv::Rect> Remaining(const CaptureLayout& layout, size_t capture, Hides hides) {
+  const cv::Rect rect = layout.RectOf(capture);
+  std::vector<cv::Rect> rest = {rect};
+  for (const size_t other : layout.CapturesIn(rect)) {
+    if (hides(other)) {
+      rest = Without(rest, layout.RectOf(other));
+    }
+  }
+  return rest;
+}
+
+/// Marks the cells with pixels that differ, in a row of the picture.
+void MarkCells(const std::vector<std::uint8_t>& differs, int column,
+               std::vector<std::uint8_t>& cells) {
+  for (size_t i = 0; i < differs.size(); ++i) {
+    cells[(static_cast<size_t>(column) + i) / CellSize] |= differs[i];
+  }
+}
+
+/// Compares what two captures show of an area of the picture.
+void CompareArea(const cv::Mat& first, const cv::Mat& second, const cv::Rect& area,
+                 size_t cellColumns, DisputedCells& disputed) {
+  const size_t rowBytes = static_cast<size_t>(area.width) * first.elemSize();
+  std::vector<std::uint8_t> differs(static_cast<size_t>(area.width));
+  for (int row = 0; row < area.height; ++row) {
+    if (std::memcmp(first.ptr(row), second.ptr(row), rowBytes) != 0) {
+      MarkDifferences(first.ptr(row), second.ptr(row), differs.size(), first.elemSize(),
+                      differs.data());
+      std::vector<std::uint8_t>& cells = disputed[(area.y + row) / CellSize];
+      cells.resize(cellColumns);
+      MarkCells(differs, area.x, cells);
+    }
+  }
+}
+
+/// Compares a capture with the captures that were the first to show what it shows.
+DisputedCells CompareWithFirst(const CaptureSource& source, const CaptureLayout& layout,
+                               const std::vector<std::vector<cv::Rect>>& firstShown,
+                               size_t capture) {
+  DisputedCells disputed;
+  const cv::Rect rect = layout.RectOf(capture);
+  const auto cellColumns = static_cast<size_t>(CellsOver(layout.PictureSize().width));
+  std::shared_ptr<const cv::Mat> pixels;
+  for (const size_t earlier : layout.CapturesIn(rect)) {
+    if (earlier >= capture) {
+      break;
+    }
+    std::shared_ptr<const cv::Mat> earlierPixels;
+    for (const cv::Rect& area : firstShown[earlier]) {
+      const cv::Rect common = area & rect;
+      if (common.empty()) {
+        continue;
+      }
+      pixels = pixels == nullptr ? source.Get(capture) : pixels;
+      earlierPixels = earlierPixels == nullptr ? source.Get(earlier) : earlierPixels;
+      CompareArea((*pixels)(common - layout.CornerOf(capture)),
+                  (*earlierPixels)(common - layout.CornerOf(earlier)), common, cellColumns,
+                  disputed);
+    }
+  }
+  return disputed;
+}
+
+void AddAll(const DisputedCells& more, DisputedCells& all) {
+  for (const auto& [row, cells] : more) {
+    std::vector<std::uint8_t>& sum = all[row];
+    sum.resize(cells.size());
+    std::transform(
+        cells.begin(), cells.end(), sum.begin(), sum.begin(),
+        [](std::uint8_t left, std::uint8_t right) -> std::uint8_t { return left | right; });
+  }
+}
+
+/// Captures that are compared between two reports of progress.
+constexpr size_t CapturesAtOnce = 32;
+
+}  // namespace
+
+std::vector<std::vector<cv::Rect>> LastShown(const CaptureLayout& layout) {
+  std::vector<std::vector<cv::Rect>> shown;
+  shown.reserve(layout.Count());
+  for (size_t capture = 0; capture < layout.Count(); ++capture) {
+    shown.push_back(Remaining(layout, capture, [=](size_t other) { return other > capture; }));
+  }
+  return shown;
+}
+
+Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout,
+                        unsigned threadCount, const AnalysisProgress& progress) {
+  Agreement agreement;
+  agreement.firstShown.reserve(layout.Count());
+  for (size_t capture = 0; capture < layout.Count(); ++capture) {
+    agreement.firstShown.push_back(
+        Remaining(layout, capture, [=](size_t other) { return other < capture; }));
+  }
+  std::mutex lock;
+  for (size_t begin = 0; begin < layout.Count(); begin += CapturesAtOnce) {
+    progress.Report(static_cast<double>(begin) / static_cast<double>(layout.Count()));
+    ParallelFor(std::min(CapturesAtOnce, layout.Count() - begin), threadCount, [&](size_t i) {
+      const DisputedCells disputed =
+          CompareWithFirst(source, layout, agreement.firstShown, begin + i);
+      const std::lock_guard<std::mutex> guard(lock);
+      AddAll(disputed, agreement.disputed);
+    });
+  }
+  return agreement;
+}
+
+std::vector<bool> FindDisputedCaptures(const CaptureLayout& layout, const DisputedCells& disputed) {
+  std::vector<bool> isDisputed(layout.Count());
+  for (const auto& [row, cells] : disputed) {
+    for (const size_t capture : layout.CapturesIn(RowsOfCells(layout.PictureSize(), row, 1))) {
+      const int column = layout.CornerOf(capture).x;
+      const auto first = cells.begin() + column / CellSize;
+      const auto last = cells.begin() + CellsOver(column + layout.CaptureSize().width);
+      isDisputed[capture] = isDisputed[capture] || std::find(first, last, 1) != last;
+    }
+  }
+  return isDisputed;
+}
+
+}  // namespace ScrollingCapture

@@ -1,0 +1,93 @@
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/faults/EveryFailure.h>
+#include <testkit/pages/DrawnScene.h>
+
+namespace ScrollingCapture {
+namespace {
+
+using Testing::DifferentPixels;
+using Testing::DrawnScene;
+using Testing::FailingAllocator;
+using Testing::TextPage;
+
+DrawnScene BarScene() {
+  DrawnScene scene(TextPage({120, 260}, 1), {120, 100}, {{0, 0}, {30, 0}, {72, 0}, {101, 0}});
+  scene.With([](int, cv::Mat& window) { window(cv::Rect(0, 0, 120, 16)).setTo(Testing::Blue); });
+  return scene;
+}
+
+cv::Mat ComposeOn(IImageProvider& provider, unsigned threads) {
+  MosaicSettings settings;
+  settings.threadCount = threads;
+  const Mosaic mosaic(provider, BarScene().Places(), settings);
+  cv::Mat picture;
+  mosaic.Render({{}, mosaic.Size()}, picture);
+  return picture;
+}
+
+class MosaicMemoryTest : public testing::TestWithParam<FailingAllocator::Failures> {};
+
+TEST_P(MosaicMemoryTest, EveryMissingMatrixPassesToTheCallerAndNothingLeaks) {
+  BasicImageProvider provider;
+  Testing::AddAll(provider, BarScene().Captures());
+  const cv::Mat expected = ComposeOn(provider, 1);
+  const size_t before = FailingAllocator::LiveMatrices();
+  const size_t attempts = Testing::CountFailingAttempts([&](size_t passing) {
+    const FailingAllocator allocator(passing, GetParam());
+    try {
+      EXPECT_EQ(0, DifferentPixels(expected, ComposeOn(provider, 1)));
+    } catch (const cv::Exception&) {
+      EXPECT_TRUE(allocator.HasFailed());
+    }
+    EXPECT_EQ(before, FailingAllocator::LiveMatrices());
+    return allocator.HasFailed();
+  });
+  EXPECT_GT(attempts, 20U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, MosaicMemoryTest, testing::ValuesIn(Testing::AllFailures),
+                         Testing::NameOfFailures);
+
+/// Loses captures from a given request on.
+class LosingProvider : public BasicImageProvider {
+ public:
+  explicit LosingProvider(size_t passing) : passing(passing) {}
+
+  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
+    const std::lock_guard<std::mutex> guard(lock);
+    if (requests++ >= passing) {
+      throw std::runtime_error("The capture is lost.");
+    }
+    return BasicImageProvider::GetImageAt(index);
+  }
+
+  size_t Requests() const { return requests; }
+
+ private:
+  const size_t passing;
+  std::mutex lock;
+  size_t requests = 0;
+};
+
+class LostCaptureTest : public testing::TestWithParam<unsigned> {};
+
+TEST_P(LostCaptureTest, PassesTheProvidersExceptionToTheCaller) {
+  LosingProvider complete(1000000);
+  Testing::AddAll(complete, BarScene().Captures());
+  ComposeOn(complete, GetParam());
+  for (size_t passing = 0; passing < complete.Requests(); passing += 3) {
+    LosingProvider provider(passing);
+    Testing::AddAll(provider, BarScene().Captures());
+    EXPECT_THROW(ComposeOn(provider, GetParam()), std::runtime_error);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Threads, LostCaptureTest, testing::Values(1U, 3U));
+
+}  // namespace
+}  // namespace ScrollingCapture

@@ -1,0 +1,110 @@
+#include <cstdlib>
+#include <fcntl.h>
+#include <pty.h>
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <testkit/TemporaryFolder.h>
+#include <velscroll/files/FileDescriptor.h>
+#include <velscroll/output/staging/StagedOutput.h>
+#include <velscroll/output/staging/StagedStandardOutput.h>
+#include <velscroll/terminal/Failure.h>
+
+namespace ScrollingCapture {
+namespace {
+
+using Program::BadInput;
+using Program::Failed;
+using Program::FileDescriptor;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// Sends standard output elsewhere while it lives.
+class Redirection {
+ public:
+  explicit Redirection(int target) : original(::dup(STDOUT_FILENO)) {
+    ::fflush(stdout);
+    ::dup2(target, STDOUT_FILENO);
+  }
+  Redirection(const Redirection&) = delete;
+  Redirection& operator=(const Redirection&) = delete;
+  ~Redirection() {
+    ::fflush(stdout);
+    ::dup2(original.Number(), STDOUT_FILENO);
+  }
+
+ private:
+  FileDescriptor original;
+};
+
+class StagedStandardOutput : public ::testing::Test {
+ protected:
+  StagedStandardOutput() { ::setenv("TMPDIR", folder.Path().c_str(), 1); }
+  ~StagedStandardOutput() override { ::unsetenv("TMPDIR"); }
+
+  std::string Written() const {
+    std::string text(200, '\0');
+    text.resize(static_cast<size_t>(::pread(output.Number(), text.data(), text.size(), 0)));
+    return text;
+  }
+
+  Testing::TemporaryFolder elsewhere;
+  Testing::TemporaryFolder folder;
+  FileDescriptor output{
+      ::open((elsewhere.Prefix() + "output").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)};
+};
+
+TEST_F(StagedStandardOutput, GetsEverythingWhenAllHasBeenWritten) {
+  const Redirection redirection(output.Number());
+  {
+    const auto staged = Program::MakeStagedOutput("-");
+    staged->WriteAt(4, "after", 5);
+    staged->WriteAt(0, "first", 4);
+    staged->Close();
+    EXPECT_EQ(Written(), "");
+    staged->Commit();
+    EXPECT_EQ(staged->Name(), "-");
+  }
+  EXPECT_EQ(Written(), "firsafter");
+  EXPECT_THAT(folder.Contents(), IsEmpty());
+}
+
+TEST_F(StagedStandardOutput, GetsNothingWhenNotAllHasBeenWritten) {
+  const Redirection redirection(output.Number());
+  Program::MakeStagedOutput("-")->Append("some", 4);
+  EXPECT_EQ(Written(), "");
+  EXPECT_THAT(folder.Contents(), IsEmpty());
+}
+
+TEST_F(StagedStandardOutput, ThatIsATerminalIsRefused) {
+  int terminal = -1;
+  int program = -1;
+  ASSERT_EQ(::openpty(&terminal, &program, nullptr, nullptr, nullptr), 0);
+  const FileDescriptor closeTerminal(terminal);
+  const FileDescriptor closeProgram(program);
+  const Redirection redirection(program);
+  EXPECT_THROW(Program::StagedStandardOutput(), BadInput);
+}
+
+TEST_F(StagedStandardOutput, ThatIsFullIsTold) {
+  const FileDescriptor full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
+  const Redirection redirection(full.Number());
+  const auto staged = Program::MakeStagedOutput("-");
+  staged->Append("some", 4);
+  staged->Close();
+  try {
+    staged->Commit();
+    ADD_FAILURE() << "written to a full device";
+  } catch (const Failed& failure) {
+    EXPECT_THAT(failure.what(), HasSubstr("cannot write to standard output"));
+  }
+}
+
+TEST_F(StagedStandardOutput, WithoutATemporaryFolderToWriteToIsRefused) {
+  ::setenv("TMPDIR", "/proc", 1);
+  const Redirection redirection(output.Number());
+  EXPECT_THROW(Program::StagedStandardOutput(), BadInput);
+}
+
+}  // namespace
+}  // namespace ScrollingCapture
