@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include <opencv2/core.hpp>
@@ -61,11 +62,16 @@ class ExactProof {
 
  private:
   const cv::Mat& Detailed() const;
+  cv::Rect ContentFor(const cv::Point& motion) const;
 
   const cv::Mat& earlier;
   const cv::Mat& later;
   const std::vector<Match>& matches;
-  mutable cv::Mat detailed;  ///< the cells that have detail, once they are asked for
+
+  // Once they are asked for:
+  mutable cv::Mat detailed;  ///< the cells that have detail
+  mutable std::optional<cv::Range> contentRows;
+  mutable std::optional<cv::Range> contentColumns;
 };
 
 }  // namespace ScrollingCapture
