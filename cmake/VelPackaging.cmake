@@ -83,6 +83,16 @@ if(VEL_BUILD_C)
     DESCRIPTION "${about}\n\nThis package has headers and pkg-config module of the interface for C."
     DEPENDS c development)
 endif()
+if(VEL_BUILD_PYTHON)
+  math(EXPR next "${Python3_VERSION_MINOR} + 1")
+  vel_add_package(python
+    NAME python3-velscrollingcapture
+    SECTION python
+    SUMMARY "Python package that stitches scrolling screen captures"
+    DESCRIPTION "${about}\n\nThis package has the library's modules for Python."
+    DEPENDS runtime
+    NEEDS "python3 (>= 3.${Python3_VERSION_MINOR}~), python3 (<< 3.${next}), python3-numpy")
+endif()
 if(VEL_BUILD_APPKIT)
   vel_add_package(appkit
     NAME libvelscrollingcaptureappkit${PROJECT_VERSION_MAJOR}
