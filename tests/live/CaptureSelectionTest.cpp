@@ -7,6 +7,8 @@
 #include <testkit/MatrixTesting.h>
 #include <testkit/pages/Page.h>
 
+#include <VelScrollingCapture/session/CaptureSession.h>
+
 namespace ScrollingCapture::Live {
 namespace {
 
@@ -29,6 +31,10 @@ class Selection : public ::testing::Test {
 
   std::vector<cv::Mat> Parts() {
     selection.Finish();
+    CaptureSession session{SessionSettings()};
+    for (const cv::Mat& capture : kept) {
+      session.Add(capture);
+    }
     std::vector<cv::Mat> parts;
     const auto result = session.Stitch(nullptr);
     for (const auto& part : result->parts) {
@@ -45,17 +51,14 @@ class Selection : public ::testing::Test {
 
   const cv::Mat page = TextPage({400, 3000});
   std::vector<cv::Mat> kept;
-  CaptureSession session{SessionSettings()};
-  CaptureSelection selection{session, MatchingSettings(),
+  CaptureSelection selection{MatchingSettings(),
                              [this](const cv::Mat& capture) { kept.push_back(capture); }};
 };
 
 TEST_F(Selection, BridgesSlowScrollingByFewCaptures) {
   Scroll(0, 1500, 10);
-  EXPECT_EQ(selection.Status().seen.width, 400);
   ExpectPage(0, 1800);
   EXPECT_LE(kept.size(), 13U) << "at half a window each";
-  EXPECT_EQ(selection.Status().captures, kept.size());
 }
 
 TEST_F(Selection, BridgesStepsOfMoreThanHalfAWindow) {
@@ -78,8 +81,8 @@ TEST_F(Selection, KeepsWhatComesToRest) {
   Scroll(0, 50, 10);
   selection.Settle();
   EXPECT_TRUE(SameBits(kept.back(), At(50)));
-  EXPECT_EQ(selection.Status().lastStep, Translation(-50, 0));
-  EXPECT_EQ(selection.Status().place, (Place{50, 0}));
+  EXPECT_EQ(selection.LastStep(), Translation(-50, 0));
+  EXPECT_EQ(selection.WhereNow(), (Place{50, 0}));
 }
 
 TEST_F(Selection, KeepsTheLastLookOfWhatChangesInItsPlace) {
@@ -103,21 +106,26 @@ TEST_F(Selection, PassesOverAFrameThatFlashes) {
   selection.Take(PlainCapture(Window, 255));
   Scroll(120, 300, 20);
   ExpectPage(0, 600);
-  EXPECT_EQ(selection.Status().doubtful, 0U);
+  EXPECT_EQ(selection.TimesLost(), 0U);
 }
 
-TEST_F(Selection, SaysTooFastUntilItIsBackAtWhatWasSeen) {
+TEST_F(Selection, KeepsTheWayBackFromScrollingTooFast) {
   Scroll(0, 100, 20);
-  selection.Settle();
-  EXPECT_FALSE(selection.Status().tooFast);
   selection.Take(At(1000));
   selection.Settle();
-  EXPECT_TRUE(selection.Status().tooFast);
-  EXPECT_EQ(selection.Status().lastJoined, (Place{100, 0}));
+  EXPECT_EQ(selection.TimesLost(), 1U);
   Scroll(960, 80, -40);
-  selection.Settle();
-  EXPECT_FALSE(selection.Status().tooFast);
   ExpectPage(0, 1300);
+}
+
+TEST_F(Selection, FollowsContentThatMovesAlongBothAxes) {
+  const cv::Mat map = Testing::NoiseCapture({1000, 800}, 3);
+  for (int i = 0; i < 12; ++i) {
+    selection.Take(map({{30 * i, 20 * i}, Window}).clone());
+  }
+  EXPECT_EQ(selection.WhereNow(), (Place{220, 330}));
+  EXPECT_EQ(selection.TimesLost(), 0U);
+  EXPECT_LE(kept.size(), 4U);
 }
 
 TEST_F(Selection, KeepsPartsThatNothingJoins) {

@@ -21,22 +21,22 @@ TEST(ChangedStrip, IsEmptyWhereNothingChanged) {
 }
 
 TEST(ChangedStrip, HoldsTheColumnsThatChangedMost) {
-  const cv::Mat frame = PlainCapture({1920, 400}, 90);
-  const cv::Mat now = With(With(frame, {10, 0, 30, 100}), {1000, 0, 200, 400});
+  const cv::Mat frame = PlainCapture({2400, 1200}, 90);
+  const cv::Mat now = With(With(frame, {10, 0, 30, 100}), {1000, 0, 200, 1200});
   const cv::Rect strip = ChangedStrip(frame, now, StripAxis::Upright);
-  EXPECT_EQ(strip, cv::Rect(960, 0, 240, 400));
+  EXPECT_EQ(strip, cv::Rect(900, 0, 300, 1200));
 }
 
 TEST(ChangedStrip, HoldsTheRowsThatChangedMost) {
-  const cv::Mat frame = PlainCapture({400, 1920}, 90);
-  const cv::Mat now = With(frame, {0, 1000, 400, 200});
-  EXPECT_EQ(ChangedStrip(frame, now, StripAxis::Level), cv::Rect(0, 960, 400, 240));
+  const cv::Mat frame = PlainCapture({1200, 2400}, 90);
+  const cv::Mat now = With(frame, {0, 1000, 1200, 200});
+  EXPECT_EQ(ChangedStrip(frame, now, StripAxis::Level), cv::Rect(0, 900, 1200, 300));
 }
 
-TEST(ChangedStrip, IsTheWholeOfANarrowFrame) {
-  const cv::Mat frame = PlainCapture({100, 80}, 90);
-  const cv::Mat now = With(frame, {90, 0, 10, 80});
-  EXPECT_EQ(ChangedStrip(frame, now, StripAxis::Upright), cv::Rect(0, 0, 100, 80));
+TEST(ChangedStrip, IsTheWholeOfASmallFrame) {
+  const cv::Mat frame = PlainCapture({90, 80}, 90);
+  const cv::Mat now = With(frame, {80, 0, 10, 80});
+  EXPECT_EQ(ChangedStrip(frame, now, StripAxis::Upright), cv::Rect(0, 0, 90, 80));
 }
 
 }  // namespace

@@ -51,5 +51,11 @@ TEST_F(FrameTracking, TellsNothingOfFramesWithNothingInCommon) {
   EXPECT_EQ(tracker.MotionTo(At(1400, 0)), std::nullopt);
 }
 
+TEST_F(FrameTracking, TellsMotionAlongBothAxesWhenAsked) {
+  tracker.Follow(At(100, 100));
+  EXPECT_EQ(tracker.MotionTo(At(140, 170)), std::nullopt);
+  EXPECT_EQ(tracker.AnyMotionTo(At(140, 170)), Translation(-40, -70));
+}
+
 }  // namespace
 }  // namespace ScrollingCapture::Live
