@@ -32,8 +32,9 @@ bool IsMarked(const cv::Mat& line) { return cv::countNonZero(line) > 0; }
 
 /// Marks the lines from an edge on as far as something stands there and nothing moves.
 /// @param lineAt gives the cells of the line at some distance from the edge
+/// @return how many lines it marked
 template <typename LineAt>
-void MarkBar(Sightings& seen, int lines, LineAt lineAt) {
+int MarkBar(Sightings& seen, int lines, LineAt lineAt) {
   int last = -1;
   const int most = static_cast<int>(lines * LargestBar);
   for (int line = 0; line < most && line <= last + BarReach; ++line) {
@@ -47,14 +48,21 @@ void MarkBar(Sightings& seen, int lines, LineAt lineAt) {
   for (int line = 0; line <= last; ++line) {
     lineAt(seen.standing, line).setTo(Marked);
   }
+  return last + 1;
 }
 
+/// What stands in a bar above or below is no sign of a panel at the side.
 void MarkBars(Sightings& seen) {
   const cv::Size cells = seen.standing.size();
-  MarkBar(seen, cells.height, [](cv::Mat& mat, int line) { return mat.row(line); });
-  MarkBar(seen, cells.height, [](cv::Mat& mat, int line) { return mat.row(mat.rows - 1 - line); });
-  MarkBar(seen, cells.width, [](cv::Mat& mat, int line) { return mat.col(line); });
-  MarkBar(seen, cells.width, [](cv::Mat& mat, int line) { return mat.col(mat.cols - 1 - line); });
+  const int above =
+      MarkBar(seen, cells.height, [](cv::Mat& mat, int line) { return mat.row(line); });
+  const int below = MarkBar(seen, cells.height,
+                            [](cv::Mat& mat, int line) { return mat.row(mat.rows - 1 - line); });
+  Sightings between = {seen.standing.rowRange(above, cells.height - below),
+                       seen.moving.rowRange(above, cells.height - below)};
+  MarkBar(between, cells.width, [](cv::Mat& mat, int line) { return mat.col(line); });
+  MarkBar(between, cells.width,
+          [](cv::Mat& mat, int line) { return mat.col(mat.cols - 1 - line); });
 }
 
 /// Fills the bounding boxes of what stands close together.
