@@ -51,6 +51,21 @@ int MarkBar(Sightings& seen, int lines, LineAt lineAt) {
   return last + 1;
 }
 
+/// Marks a panel at the left or right, as far up and down as anything stands there.
+/// @param columns those that the panel may take
+/// @param lineAt as for MarkBar
+template <typename LineAt>
+void MarkPanel(const Sightings& seen, const cv::Range& columns, LineAt lineAt) {
+  const cv::Mat part = seen.standing.colRange(columns);
+  if (part.empty() || !IsMarked(part)) {
+    return;
+  }
+  const cv::Rect standing = cv::boundingRect(part);
+  const cv::Range rows(standing.y, standing.br().y);
+  Sightings beside = {seen.standing.rowRange(rows), seen.moving.rowRange(rows)};
+  MarkBar(beside, seen.standing.cols, lineAt);
+}
+
 /// What stands in a bar above or below is no sign of a panel at the side.
 void MarkBars(Sightings& seen) {
   const cv::Size cells = seen.standing.size();
@@ -58,11 +73,12 @@ void MarkBars(Sightings& seen) {
       MarkBar(seen, cells.height, [](cv::Mat& mat, int line) { return mat.row(line); });
   const int below = MarkBar(seen, cells.height,
                             [](cv::Mat& mat, int line) { return mat.row(mat.rows - 1 - line); });
-  Sightings between = {seen.standing.rowRange(above, cells.height - below),
-                       seen.moving.rowRange(above, cells.height - below)};
-  MarkBar(between, cells.width, [](cv::Mat& mat, int line) { return mat.col(line); });
-  MarkBar(between, cells.width,
-          [](cv::Mat& mat, int line) { return mat.col(mat.cols - 1 - line); });
+  const Sightings between = {seen.standing.rowRange(above, cells.height - below),
+                             seen.moving.rowRange(above, cells.height - below)};
+  const int most = static_cast<int>(cells.width * LargestBar);
+  MarkPanel(between, {0, most}, [](cv::Mat& mat, int line) { return mat.col(line); });
+  MarkPanel(between, {cells.width - most, cells.width},
+            [](cv::Mat& mat, int line) { return mat.col(mat.cols - 1 - line); });
 }
 
 /// Fills the bounding boxes of what stands close together.
