@@ -87,6 +87,17 @@ std::string WarningAbout(const std::string& previous, const ReportedCapture& cap
 
 }  // namespace
 
+Join JoinOfRepeat(const cv::Mat& kept, const cv::Mat& repeat) {
+  const auto pixels = [](const cv::Mat& capture) {
+    return cv::Mat(capture.size(), CV_32SC1, capture.data, capture.step);
+  };
+  Join join;
+  join.compared = static_cast<std::int64_t>(kept.total());
+  join.equal = cv::countNonZero(pixels(kept) == pixels(repeat));
+  join.verdict = join.equal == join.compared ? Verdict::Proven : Verdict::Likely;
+  return join;
+}
+
 std::vector<ReportedCapture> DescribeCaptures(const std::vector<CaptureFile>& files,
                                               const std::vector<CaptureInPicture>& placed) {
   std::vector<ReportedCapture> described;
