@@ -1,6 +1,6 @@
 #include <algorithm>
-#include <array>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 #include <c/calls/SizedStruct.h>
@@ -79,15 +79,28 @@ cv::Mat InRgba(const cv::Mat& image, int format) {
   }
 }
 
+/// Most rows are: all of their pixels at once tell.
+bool IsOpaque(const cv::Mat& row) {
+  const auto* const pixels = row.ptr<std::uint32_t>();
+  std::uint32_t common = ~std::uint32_t{0};
+  for (int column = 0; column < row.cols; ++column) {
+    common &= pixels[column];
+  }
+  cv::Vec4b channels;
+  std::memcpy(channels.val, &common, sizeof common);
+  return channels[AlphaChannel] == Opaque;
+}
+
+bool HasColourAboveAlpha(const cv::Mat& row) {
+  const auto* const pixels = row.ptr<cv::Vec4b>();
+  return std::any_of(pixels, pixels + row.cols, [](const cv::Vec4b& pixel) {
+    return std::max({pixel[0], pixel[1], pixel[2]}) > pixel[AlphaChannel];
+  });
+}
+
 bool IsPremultiplied(const cv::Mat& image) {
   for (int row = 0; row < image.rows; ++row) {
-    const auto* const pixels = image.ptr<cv::Vec4b>(row);
-    int exceeding = 0;
-    for (int column = 0; column < image.cols; ++column) {
-      const cv::Vec4b& pixel = pixels[column];
-      exceeding |= static_cast<int>(std::max({pixel[0], pixel[1], pixel[2]}) > pixel[AlphaChannel]);
-    }
-    if (exceeding != 0) {
+    if (!IsOpaque(image.row(row)) && HasColourAboveAlpha(image.row(row))) {
       return false;
     }
   }

@@ -1,9 +1,9 @@
+#include "MosaicPictures.h"
+
 #include <array>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
-
-#include "MosaicPictures.h"
 
 #include <VelScrollingCapture/mosaic/Mosaic.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
@@ -78,7 +78,8 @@ cv::Mat Compose(const Mosaic& mosaic) {
 /// The picture, each pixel in the tint of the capture that shows it.
 cv::Mat DrawShares(const Mosaic& mosaic) {
   const std::array<cv::Vec4b, 4> tints = {cv::Vec4b(230, 90, 60, 255), cv::Vec4b(60, 130, 220, 255),
-                                          cv::Vec4b(90, 180, 80, 255), cv::Vec4b(240, 190, 50, 255)};
+                                          cv::Vec4b(90, 180, 80, 255),
+                                          cv::Vec4b(240, 190, 50, 255)};
   const cv::Mat picture = Compose(mosaic);
   cv::Mat_<cv::Vec4b> tint(picture.size());
   for (auto pixel = tint.begin(); pixel != tint.end(); ++pixel) {

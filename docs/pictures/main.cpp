@@ -19,6 +19,7 @@
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
 
+#include "MatchingPictures.h"
 #include "MosaicPictures.h"
 
 namespace ScrollingCapture {
@@ -155,6 +156,14 @@ cv::Mat DrawPreviews(const std::vector<cv::Mat>& captures) {
   return SideBySide(panels);
 }
 
+/// What the cells say about the right motion, and about one that is wrong by a line of text.
+cv::Mat DrawProofs(const cv::Mat& earlier, const cv::Mat& later) {
+  constexpr int Height = 360;
+  const cv::Point motion = MotionOfMostVotes(earlier, later);
+  return SideBySide({WithHeight(DrawProof(earlier, later, motion), Height),
+                     WithHeight(DrawProof(earlier, later, motion + cv::Point(0, 26)), Height)});
+}
+
 void DrawMosaic(const cv::Mat& page, const std::string& output) {
   constexpr int Width = 300;
   const auto small = [](const cv::Mat& image) {
@@ -174,6 +183,9 @@ void DrawAll(const std::string& samples, const std::string& output) {
   Write(output + "/seams.png",
         SideBySide({DrawShares(article, SharesHeight), DrawShares(map, SharesHeight)}));
   Write(output + "/preview.png", DrawPreviews(article));
+  const std::vector<cv::Mat> toolbar = ReadSample(samples + "/toolbar");
+  Write(output + "/votes.png", SideBySide({WithHeight(DrawVotes(toolbar[0], toolbar[1]), 360)}));
+  Write(output + "/proof.png", DrawProofs(toolbar[0], toolbar[1]));
   DrawMosaic(ReadImage(samples + "/article/truth.png"), output);
 }
 

@@ -1,29 +1,17 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <opencv2/core.hpp>
 #include <testkit/MatrixTesting.h>
-
-#include <VelScrollingCapture/c/velscrollingcapture.h>
+#include <testkit/OwnedHandle.h>
 
 /// \file
-/// The interface for C as tests in C++ like it: handles that free themselves, matrices as images.
+/// The interface for C as tests in C++ like it: matrices as images, answers checked.
 
 namespace ScrollingCapture::Testing {
-
-struct FreesHandles {
-  void operator()(vel_session* session) const { vel_session_free(session); }
-  void operator()(vel_stitched* stitched) const { vel_stitched_free(stitched); }
-  void operator()(vel_picture* picture) const { vel_picture_free(picture); }
-  void operator()(vel_stitcher* stitcher) const { vel_stitcher_free(stitcher); }
-};
-
-template <typename Handle>
-using Owned = std::unique_ptr<Handle, FreesHandles>;
 
 inline vel_session_settings DefaultSettings() {
   vel_session_settings settings;

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <opencv2/imgproc.hpp>
+#include <testkit/memory/PeakMemory.h>
 
 #include "Handles.h"
 
@@ -195,6 +196,17 @@ TEST(Image, WithAColourAboveItsPremultipliedAlphaIsRefused) {
   const vel_source_image image = Testing::SourceOf(pixels);
   EXPECT_EQ(vel_session_add(session.get(), &image, nullptr, nullptr), VEL_INVALID_ARGUMENT);
   EXPECT_THAT(Testing::MessageOf(session.get()), testing::HasSubstr("straight, or unused"));
+}
+
+TEST(Image, IsCopiedOnce) {
+  const cv::Mat pixels(256, 1024, CV_8UC4, cv::Scalar::all(9));
+  for (const vel_alpha alpha : {VEL_PREMULTIPLIED, VEL_STRAIGHT, VEL_UNUSED}) {
+    const auto session = Testing::MakeSession();
+    const vel_source_image image = Testing::SourceOf(pixels, VEL_BGRA, alpha);
+    const Testing::PeakMemory memory;
+    ASSERT_EQ(vel_session_add(session.get(), &image, nullptr, nullptr), VEL_OK);
+    EXPECT_EQ(memory.MiB(), 1);
+  }
 }
 
 TEST(Image, IsTheCallersAgainAfterTheCall) {

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <testkit/memory/PeakMemory.h>
 
 #include "Handles.h"
 
@@ -26,6 +27,17 @@ TEST_F(PictureInC, GivesAnyArea) {
     EXPECT_EQ(vel_picture_read(picture.get(), area.x, area.y, &image), VEL_OK);
     EXPECT_TRUE(SameBits(pixels, page(area))) << area;
   }
+}
+
+TEST_F(PictureInC, IsReadWithoutTheMemoryOfTheWhole) {
+  const auto session = Testing::MakeSession();
+  Testing::Add(session.get(), Testing::NoiseCapture({1024, 1536}, 2));
+  const auto large = Testing::PartOf(Testing::Stitch(session.get()).get());
+  cv::Mat pixels(1536, 1024, CV_8UC4);
+  const vel_target_image image = Testing::TargetOf(pixels, VEL_BGRA, VEL_STRAIGHT);
+  const Testing::PeakMemory memory;
+  ASSERT_EQ(vel_picture_read(large.get(), 0, 0, &image), VEL_OK);
+  EXPECT_LE(memory.MiB(), 1);
 }
 
 TEST_F(PictureInC, RefusesAnAreaThatReachesOutside) {
