@@ -1,6 +1,11 @@
-"""Builds the Python package for pip, whose compiled module CMake makes."""
+"""Builds the Python package for pip, whose compiled module CMake makes.
 
+What the environment variable CMAKE_ARGS holds goes to CMake as well.
+"""
+
+import os
 import re
+import shlex
 import shutil
 import subprocess
 import sys
@@ -19,6 +24,7 @@ CONFIGURATION = {
     "BUILD_SHARED_LIBS": "OFF",
     "VEL_BUILD_APPKIT": "OFF",
     "VEL_BUILD_BENCHMARKS": "OFF",
+    "VEL_BUILD_C": "OFF",
     "VEL_BUILD_EXAMPLES": "OFF",
     "VEL_BUILD_TESTS": "OFF",
     "VEL_INSTALL": "OFF",
@@ -34,6 +40,7 @@ class BuildWithCMake(build_ext):
         module = Path(self.get_ext_fullpath(extension.name))
         build = Path(self.build_temp).resolve()
         defined = [f"-D{name}={value}" for name, value in CONFIGURATION.items()]
+        defined += shlex.split(os.environ.get("CMAKE_ARGS", ""))
         subprocess.run(["cmake", "-S", SOURCE, "-B", build, *defined], check=True)
         subprocess.run(["cmake", "--build", build, "--target", "vel_python", "--parallel"], check=True)
         module.parent.mkdir(parents=True, exist_ok=True)

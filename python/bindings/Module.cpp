@@ -97,19 +97,19 @@ py::tuple Save(const Stitched& stitched, const py::dict& options, const py::obje
 }
 
 template <typename Values>
-py::tuple ValuesOf(const Values& values) {
+py::list ValuesOf(const Values& values) {
   py::list list;
   for (const auto& value : values) {
     list.append(ValueOf(value));
   }
-  return py::tuple(list);
+  return list;
 }
 
 void DefineCaptures(py::module_& module) {
   py::class_<CaptureImage>(module, "Capture")
       .def_static("of_array", &CaptureOfArray)
       .def_static("of_file", &CaptureOfFile);
-  py::class_<PreparedImage>(module, "PreparedCapture");
+  const py::class_<PreparedImage> prepared(module, "PreparedCapture");
   module.def("find_captures",
              [](const std::vector<std::string>& names, const std::vector<std::string>& outputs) {
                return TextsOf(Program::FindCaptureFiles(names, outputs));

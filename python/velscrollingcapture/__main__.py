@@ -48,7 +48,7 @@ def _size(text: str) -> int:
     match = re.fullmatch(r"(\d+)\s*([kmgt]?)(i?b)?", text.strip().lower())
     if match is None:
         raise argparse.ArgumentTypeError(f"a size such as 200MiB or 1G is needed, not {text!r}")
-    return int(match[1]) * 1024 ** " kmgt".index(match[2] or " ")
+    return int(match[1]) << 10 * " kmgt".index(match[2] or " ")
 
 
 def _parser() -> argparse.ArgumentParser:
@@ -134,7 +134,7 @@ def _run(options: argparse.Namespace) -> tuple[Result, str]:
     """Stitches and saves, and gives a line that says what was done."""
     session, output = _read(options)
     if session.exceeds_memory_limit and options.quiet < 2:
-        _tell("captures stay in memory beyond --memory-limit, since they cannot be written to files")
+        _tell("warning: captures stay in memory beyond --memory-limit, since they cannot be written to files")
     try:
         result = _result(session, options)
         _, summary = result._stitched.save(output, None)
@@ -146,7 +146,7 @@ def _run(options: argparse.Namespace) -> tuple[Result, str]:
 def _conclude(result: Result, summary: str, options: argparse.Namespace) -> int:
     if options.quiet < 2:
         for warning in result.warnings:
-            _tell(warning)
+            _tell(f"warning: {warning}")
     if options.quiet < 1:
         uses_output = _STANDARD_OUTPUT in (options.output, options.report)
         with contextlib.suppress(OSError):

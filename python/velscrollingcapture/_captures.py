@@ -24,9 +24,9 @@ _WITHOUT_CONVERSION = ("L", "RGB", "RGBA")
 _EIGHT_BITS = ("1", "P", "PA", "LA", "La", "RGBa", "RGBX", "CMYK", "YCbCr", "HSV", "LAB")
 
 
-def is_file(capture: Any) -> bool:
-    """Whether a capture has to be read and decoded."""
-    return isinstance(capture, (str, os.PathLike, bytes, bytearray, memoryview))
+def can_wait(capture: Any) -> bool:
+    """Whether a capture stays as it is, so that another thread may load it later."""
+    return isinstance(capture, (str, os.PathLike, bytes))
 
 
 def name_of(capture: Any, number: int) -> bytes:

@@ -102,7 +102,7 @@ class Session:
     def _add_all(self, captures: Iterable[CaptureLike]) -> None:
         pool = ThreadPoolExecutor(self._threads, "velscrollingcapture")
         try:
-            for name, prepared in _ahead(self._prepare_all(captures, pool), 2 * self._threads):
+            for name, prepared in _ahead(self._prepare_all(captures, pool), 2 * (self._threads - 1)):
                 self._add(name, prepared.result())
         finally:
             pool.shutdown(wait=False, cancel_futures=True)
@@ -115,9 +115,8 @@ class Session:
             yield name, pool.submit(self._prepare_later(capture, name))
 
     def _prepare_later(self, capture: CaptureLike, name: bytes) -> _Loaded:
-        if _captures.is_file(capture):
+        if _captures.can_wait(capture):
             return lambda: self._session.prepare(_captures.load(capture, name))
-        # Whoever makes the captures may use the array again for the next one.
         loaded = _captures.load(capture, name)
         return lambda: self._session.prepare(loaded)
 

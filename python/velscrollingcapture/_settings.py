@@ -71,7 +71,7 @@ def whole_number(name: str, value: Any, smallest: int, largest: int) -> int:
         raise TypeError(f"{name} is a whole number, not {value!r}")
     if not smallest <= value <= largest:
         raise ValueError(f"{name} is a whole number from {smallest} to {largest}, not {value}")
-    return value.__index__()
+    return int(value)
 
 
 def thread_count(threads: int | None) -> int:

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from dataclasses import dataclass
 from enum import Enum
-from typing import NamedTuple
+from typing import Any, NamedTuple
 
 
 class _Name(str, Enum):
@@ -78,7 +78,7 @@ class Join:
     """The other motions that explain the pixels as well; empty unless doubtful."""
 
     @classmethod
-    def _of(cls, value: tuple) -> Join:
+    def _of(cls, value: tuple[Any, ...]) -> Join:
         verdict, rows, columns, compared, equal, alternatives = value
         others = tuple(Motion(*motion) for motion in alternatives)
         return cls(Verdict(verdict), Motion(rows, columns), compared, equal, others)
@@ -111,7 +111,7 @@ class Outcome:
     """The earlier capture that the join was proven against, counted from 0 without repeats."""
 
     @classmethod
-    def _of(cls, value: tuple) -> Outcome:
+    def _of(cls, value: tuple[Any, ...]) -> Outcome:
         state, part, row, column, join, joined_to = value
         joined = None if joined_to is None else Join._of(join)
         return cls(State(state), part, row, column, joined, joined_to)
@@ -140,7 +140,7 @@ class PlacedCapture:
     """How it is joined to the captures before; None for the first one."""
 
     @classmethod
-    def _of(cls, value: tuple) -> PlacedCapture:
+    def _of(cls, value: tuple[Any, ...]) -> PlacedCapture:
         name, state, part, row, column, join = value
         return cls(name, State(state), part, row, column, None if join is None else Join._of(join))
 

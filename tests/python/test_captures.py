@@ -180,6 +180,16 @@ class Files(unittest.TestCase):
 
         np.testing.assert_array_equal(vel.stitch(captures(), threads=4).picture, self.page)
 
+    def test_generator_may_use_one_buffer_of_bytes_again_and_again(self):
+        def captures():
+            buffer = bytearray()
+            for capture in self.captures:
+                buffer[:] = self.write("capture.png", capture).read_bytes()
+                yield buffer
+                buffer.clear()
+
+        np.testing.assert_array_equal(vel.stitch(captures(), threads=4).picture, self.page)
+
     def test_missing_file_is_told_by_its_name(self):
         missing = str(self.folder / "no.png")
         for attempt in (lambda: vel.Session().add(missing), lambda: vel.stitch(missing),

@@ -1,5 +1,7 @@
 """python3 -m velscrollingcapture."""
 
+import contextlib
+import io
 import json
 import os
 import signal
@@ -14,6 +16,7 @@ from PIL import Image
 
 import velscrollingcapture as vel
 from pages import captures_of, page
+from velscrollingcapture.__main__ import main
 
 
 class Program(unittest.TestCase):
@@ -21,6 +24,8 @@ class Program(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(self.folder)
         self.page = page()
         (self.folder / "captures").mkdir()
         for number, capture in enumerate(captures_of(self.page), 8):
@@ -32,12 +37,17 @@ class Program(unittest.TestCase):
 
     def assert_fails(self, status, message, *arguments):
         before = sorted(os.listdir(self.folder))
-        run = self.run_it(*arguments)
-        line = run.stderr.decode()
-        self.assertEqual(run.returncode, status, line)
+        output, errors = io.StringIO(), io.StringIO()
+        with contextlib.redirect_stdout(output), contextlib.redirect_stderr(errors):
+            try:
+                returned = main(list(arguments))
+            except SystemExit as stopped:
+                returned = stopped.code
+        line = errors.getvalue()
+        self.assertEqual(returned, status, line)
         self.assertIn(message, line)
         self.assertTrue(line.startswith("velscrollingcapture: "), line)
-        self.assertEqual((line.count("\n"), run.stdout), (1, b""), line)
+        self.assertEqual((line.count("\n"), output.getvalue()), (1, ""), line)
         self.assertEqual(sorted(os.listdir(self.folder)), before)
 
     def assert_is_the_page(self, file):
@@ -114,6 +124,33 @@ class Program(unittest.TestCase):
         run = self.run_it("captures", "-o", "page.png")
         self.assertEqual(run.returncode, 2)
         self.assertIn(b"'captures/9.png' is damaged or cut short", run.stderr)
+
+    @unittest.skipUnless("VELSCROLL" in os.environ, "there is no velscroll to compare with")
+    def test_does_what_velscroll_does(self):
+        self.add_another_page()
+        cases = [
+            ["captures"],
+            ["captures", "--engine", "phase-correlation", "--orientation", "vertical"],
+            ["captures", "--strict"],
+            ["captures", "-q", "--split", "100"],
+            ["captures", "none.png"],
+            ["captures", "--speed"],
+        ]
+        for arguments in cases:
+            with self.subTest(arguments):
+                theirs = self.outcome([os.environ["VELSCROLL"]], arguments)
+                ours = self.outcome([sys.executable, "-m", "velscrollingcapture"], arguments)
+                self.assertEqual(ours, theirs)
+
+    def outcome(self, program, arguments):
+        """Status, standard output, warnings, and the files that were written."""
+        run = subprocess.run([*program, *arguments, "-o", "page.png"], cwd=self.folder, capture_output=True,
+                             text=True)
+        warnings = [line.split(": ", 1)[1] for line in run.stderr.splitlines() if ": warning: " in line]
+        files = {path.name: path.read_bytes() for path in self.folder.glob("page*.png")}
+        for name in files:
+            os.remove(self.folder / name)
+        return run.returncode, run.stdout, warnings, files
 
     def test_ctrl_c_and_termination_leave_nothing(self):
         os.mkfifo(self.folder / "waiting.png")
