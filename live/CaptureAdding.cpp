@@ -42,7 +42,9 @@ void CaptureAdding::Finish() {
 
 RecordingStatus CaptureAdding::Status() const {
   const std::lock_guard<std::mutex> lock(mutex);
-  return status;
+  RecordingStatus told = status;
+  told.waiting = waiting.size();
+  return told;
 }
 
 void CaptureAdding::Rethrow() {
