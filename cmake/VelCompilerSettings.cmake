@@ -2,6 +2,9 @@
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_C_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
@@ -14,13 +17,9 @@ target_compile_options(vel_compiler_settings INTERFACE
   $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-sign-conversion>
   $<$<BOOL:${VEL_WARNINGS_AS_ERRORS}>:-Werror>)
 
-# Failed checks tell their source file. Ninja names it relative to a build folder inside of the source
-# folder; any other build would put its whole path into the library.
-cmake_path(IS_PREFIX PROJECT_SOURCE_DIR "${PROJECT_BINARY_DIR}" NORMALIZE builds_inside)
-if(NOT builds_inside OR NOT CMAKE_GENERATOR MATCHES Ninja)
-  target_compile_options(vel_compiler_settings INTERFACE
-    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
-endif()
+# Failed checks tell their source file, by its path in the project wherever that was built.
+target_compile_options(vel_compiler_settings INTERFACE
+  -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
 if(VEL_SANITIZERS)
   target_compile_options(vel_compiler_settings INTERFACE
@@ -42,3 +41,13 @@ if(VEL_HARDENING AND NOT VEL_SANITIZERS)
     target_link_options(vel_compiler_settings INTERFACE LINKER:-z,relro LINKER:-z,now)
   endif()
 endif()
+
+# Builds from nothing spend much of their time on the same headers. What a source forgets to include is
+# found by builds without this.
+option(VEL_PRECOMPILE_HEADERS "Parse the headers of OpenCV and GoogleTest once for many sources" OFF)
+function(vel_precompile_headers target)
+  if(VEL_PRECOMPILE_HEADERS)
+    list(TRANSFORM ARGN REPLACE "(.+)" "$<$<COMPILE_LANGUAGE:CXX>:<\\1$<ANGLE-R>>")
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()

@@ -1,3 +1,5 @@
+#include <cstdint>
+#include <numeric>
 #include <stdexcept>
 #include <utility>
 
@@ -49,7 +51,9 @@ class Mosaic::Composition {
 
   void Render(const cv::Rect& area, cv::Mat& pixels) const {
     pixels.create(area.size(), source.Type());
-    pixels = cv::Scalar();
+    if (!Covers(area)) {
+      pixels = cv::Scalar();
+    }
     for (const Layer& layer : layers) {
       layer.Render(area, pixels);
     }
@@ -68,6 +72,14 @@ class Mosaic::Composition {
   int Type() const { return source.Type(); }
 
  private:
+  /// Whether captures show all of an area.
+  bool Covers(const cv::Rect& area) const {
+    const std::int64_t shown = std::accumulate(
+        layers.begin(), layers.end(), std::int64_t{0},
+        [&](std::int64_t sum, const Layer& layer) { return sum + layer.ShownPixels(area); });
+    return shown == std::int64_t{area.width} * area.height;
+  }
+
   void AddLayers(const MosaicSettings& settings, const AnalysisProgress& progress) {
     const cv::Size panes =
         settings.fixedParts == FixedParts::Once ? FindFrozenPanes(source, layout) : cv::Size();

@@ -36,10 +36,12 @@ class Progress : public ScrollingProgressDelegate {
 
 std::optional<PlatformImage> Stitch(const std::vector<PlatformImage>& captures, int stopAt) {
   const auto progress = std::make_shared<Progress>(stopAt);
-  const auto capture = VelScrollingCapture::init();
-  capture->setProgressDelegate(progress);  // held weakly
+  const auto capture = VelScrollingCapture::initWithExactJoins(2);  // on two threads
+  capture->setProgressDelegate(progress);                           // held weakly
   for (const PlatformImage& image : captures) {
-    capture->addImageToAdapter(image);
+    if (capture->addCapture(image).state == CaptureOutcome::State::TooFast) {
+      std::cerr << "too fast: scroll back a little\n";
+    }
   }
   return capture->stitchAndReturnFinalImage();
 }

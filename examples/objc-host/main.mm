@@ -27,7 +27,8 @@
 @end
 
 NSBitmapImageRep* Stitch(NSArray* captures, Progress* progress) {
-  VelScrollingCapture* capture = [[[VelScrollingCapture alloc] init] autorelease];
+  VelScrollingCapture* capture =
+      [[[VelScrollingCapture alloc] initWithExactJoinsAndThreadCount:2] autorelease];
   capture.progressDelegate = progress;  // not retained
   for (NSUInteger i = 0; i < [captures count]; ++i)
     [capture addImageToAdapter:[captures objectAtIndex:i]];

@@ -1,5 +1,4 @@
 #include <atomic>
-#include <functional>
 #include <limits>
 #include <memory>
 #include <thread>
@@ -8,59 +7,20 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 #include <testkit/pages/ScrolledCaptures.h>
+#include <tests/frontend/CaptureObject.h>
 
 #include <VelScrollingCapture/frontend/VelScrollingCapture.h>
 
 namespace ScrollingCapture {
 namespace {
 
+using Testing::CaptureObject;
+using Testing::Delegate;
 using Testing::SameBits;
 using Testing::ScrolledCaptures;
 using Testing::ScrolledPage;
 
 constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
-
-/// Remembers the progress it is told, and goes on until it has been told `limit` times.
-class Delegate : public ScrollingProgressDelegate {
- public:
-  explicit Delegate(size_t limit = std::numeric_limits<size_t>::max()) : limit(limit) {}
-
-  void setCurrentProgress(int progress) override {
-    heard.push_back(progress);
-    if (onProgress) {
-      onProgress();
-    }
-  }
-  bool continueScrolling() override {
-    ++questions;
-    return heard.size() < limit;
-  }
-
-  std::vector<int> heard;
-  size_t questions = 0;
-  std::function<void()> onProgress;
-
- private:
-  size_t limit;
-};
-
-/// A capture object that does not outlive its test, stitched or not.
-class CaptureObject : public testing::Test {
- protected:
-  ~CaptureObject() override { capture->cleanupListener(); }
-
-  void AddAll(const std::vector<cv::Mat>& captures) {
-    for (const cv::Mat& matrix : captures) {
-      Add(matrix);
-    }
-  }
-  void Add(const cv::Mat& matrix) {
-    capture->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
-  }
-  size_t Count() { return capture->stitcherAdapter()->Count(); }
-
-  std::shared_ptr<VelScrollingCapture> capture = VelScrollingCapture::init();
-};
 
 TEST_F(CaptureObject, StartsWithAdapterAndListenerAndWithoutPreview) {
   EXPECT_NE(capture->stitcherAdapter(), nullptr);
@@ -391,107 +351,6 @@ TEST_F(CaptureObject, ReadsAndWritesItsAtomicPropertiesWhileItStitches) {
   other.join();
 }
 
-class ExactCaptureObject : public CaptureObject {
- protected:
-  ExactCaptureObject() {
-    capture->cleanupListener();
-    capture = VelScrollingCapture::initWithExactJoins(2);
-  }
-  CaptureOutcome::State Outcome(const cv::Mat& matrix) {
-    return capture->addCapture(PlatformImage::imageWithCVMat(matrix)).state;
-  }
-  /// What a window of 200 x 160 pixels shows at a row of a page.
-  cv::Mat At(int row) const { return page(cv::Rect(0, row, 200, 160)).clone(); }
-
-  const cv::Mat page = Testing::NoiseCapture({200, 900}, 5);
-};
-
-TEST_F(ExactCaptureObject, TellsAtOnceWhetherACaptureCouldBePlaced) {
-  using State = CaptureOutcome::State;
-  EXPECT_EQ(Outcome(At(0)), State::Placed);
-  EXPECT_EQ(Outcome(At(60)), State::Placed);
-  EXPECT_EQ(Outcome(At(60)), State::Repeated);
-  EXPECT_EQ(Outcome(At(400)), State::TooFast);
-  EXPECT_EQ(Outcome(At(150)), State::Placed) << "It joins what came before the last one";
-  EXPECT_EQ(Outcome(Testing::NoiseCapture({5, 5}, 1)), State::Unusable);
-  EXPECT_EQ(Count(), 4U);
-}
-
-TEST_F(ExactCaptureObject, RefusesAFirstCaptureWithoutPixels) {
-  EXPECT_EQ(capture->addCapture(std::nullopt).state, CaptureOutcome::State::Unusable);
-  EXPECT_EQ(Outcome(At(0)), CaptureOutcome::State::Placed);
-}
-
-TEST_F(ExactCaptureObject, StitchesEverythingSeenWithProgressAndEndsTheReference) {
-  const auto delegate = std::make_shared<Delegate>();
-  capture->setProgressDelegate(delegate);
-  for (const int row : {0, 60, 300, 200, 130}) {  // too fast, and back
-    Add(At(row));
-  }
-  const auto image = capture->stitchAndReturnFinalImage();
-  ASSERT_TRUE(image.has_value());
-  EXPECT_TRUE(SameBits(image->CVMat(), page.rowRange(0, 460).clone()));
-  EXPECT_EQ(delegate->heard.back(), 100);
-  EXPECT_EQ(capture->progressListener(), nullptr);
-  EXPECT_EQ(capture.use_count(), 1);
-}
-
-TEST_F(ExactCaptureObject, GivesTheLargestPartWhereCapturesAreMissing) {
-  for (const int row : {0, 400, 470}) {
-    Add(At(row));
-  }
-  const auto image = capture->stitchAndReturnFinalImage();
-  ASSERT_TRUE(image.has_value());
-  EXPECT_TRUE(SameBits(image->CVMat(), page.rowRange(400, 630).clone()));
-}
-
-TEST_F(ExactCaptureObject, GivesNothingWithoutCapturesOrWhenTheDelegateStopsIt) {
-  EXPECT_FALSE(capture->stitchAndReturnFinalImage().has_value());
-  const auto other = VelScrollingCapture::initWithExactJoins(0);
-  const auto delegate = std::make_shared<Delegate>(1);
-  other->setProgressDelegate(delegate);
-  for (const int row : {0, 60}) {
-    other->addImageToAdapter(PlatformImage::imageWithCVMat(At(row)));
-  }
-  EXPECT_FALSE(other->stitchAndReturnFinalImage().has_value());
-  EXPECT_EQ(other.use_count(), 1);
-}
-
-TEST_F(ExactCaptureObject, BeginsAnewWhenItsAdapterIsCleared) {
-  Add(At(0));
-  Add(At(60));
-  capture->stitcherAdapter()->Clear();
-  EXPECT_EQ(Outcome(At(500)), CaptureOutcome::State::Placed);
-  EXPECT_EQ(Outcome(At(560)), CaptureOutcome::State::Placed);
-  const auto image = capture->stitchAndReturnFinalImage();
-  ASSERT_TRUE(image.has_value());
-  EXPECT_TRUE(SameBits(image->CVMat(), page.rowRange(500, 720).clone()));
-}
-
-TEST(ProgressListener, RelaysToItsCaptureObject) {
-  const auto capture = VelScrollingCapture::init();
-  const auto delegate = std::make_shared<Delegate>(2);
-  capture->setProgressDelegate(delegate);
-  ProgressListener* const listener = capture->progressListener();
-  EXPECT_TRUE(listener->ProgressCallback(3));
-  EXPECT_FALSE(listener->ProgressCallback(4));
-  EXPECT_EQ(delegate->heard, (std::vector<int>{3, 4}));
-  EXPECT_FALSE(listener->StitchingError(IStitcherListener::BorderApplicationFailed, true));
-  EXPECT_FALSE(capture->errorDuringStitching());
-  listener->StitchingComplete(true);
-  EXPECT_EQ(capture->progressListener(), nullptr);
-}
-
-TEST(ProgressListener, MayDropTheLastReferenceInItsCompletionNotice) {
-  auto capture = VelScrollingCapture::init();
-  const std::weak_ptr<VelScrollingCapture> watch = capture;
-  ProgressListener* const listener = capture->progressListener();
-  capture.reset();
-  ASSERT_FALSE(watch.expired());
-  listener->StitchingComplete(false);
-  EXPECT_TRUE(watch.expired());
-}
-
 class ThreadCounts : public testing::TestWithParam<int> {};
 
 TEST_P(ThreadCounts, CountAsOneWhenLess) {
@@ -504,71 +363,6 @@ TEST_P(ThreadCounts, CountAsOneWhenLess) {
 
 INSTANTIATE_TEST_SUITE_P(CaptureObject, ThreadCounts,
                          testing::Values(0, -1, std::numeric_limits<int>::min()));
-
-struct Ending {
-  const char* name;
-  int captures;
-  size_t reports;
-};
-void PrintTo(const Ending& ending, std::ostream* stream) { *stream << ending.name; }
-
-class Ownership : public testing::TestWithParam<Ending> {};
-
-TEST_P(Ownership, EndsWithTheStitch) {
-  auto capture = VelScrollingCapture::initWithExpectConsistentTranslations(true, 2);
-  const auto delegate = std::make_shared<Delegate>(GetParam().reports);
-  capture->setProgressDelegate(delegate);
-  for (const cv::Mat& matrix : ScrolledCaptures(GetParam().captures)) {
-    capture->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
-  }
-  EXPECT_EQ(capture.use_count(), 2) << "The host's reference and the listener's";
-  capture->stitchAndReturnFinalImage();
-  EXPECT_EQ(capture.use_count(), 1);
-  const std::weak_ptr<VelScrollingCapture> watch = capture;
-  capture.reset();
-  EXPECT_TRUE(watch.expired());
-}
-
-TEST_P(Ownership, AllowsTheHostToLetGoDuringTheStitch) {
-  auto capture = VelScrollingCapture::init();
-  const std::weak_ptr<VelScrollingCapture> watch = capture;
-  const auto delegate = std::make_shared<Delegate>(GetParam().reports);
-  delegate->onProgress = [&capture] { capture.reset(); };
-  capture->setProgressDelegate(delegate);
-  for (const cv::Mat& matrix : ScrolledCaptures(GetParam().captures)) {
-    capture->addImageToAdapter(PlatformImage::imageWithCVMat(matrix));
-  }
-  VelScrollingCapture& held = *capture;
-  held.stitchAndReturnFinalImage();
-  capture.reset();
-  EXPECT_TRUE(watch.expired());
-}
-
-INSTANTIATE_TEST_SUITE_P(VelScrollingCapture, Ownership,
-                         testing::Values(Ending{"Stitched", 3, 1000}, Ending{"Cancelled", 3, 1},
-                                         Ending{"Failed", 0, 1000}, Ending{"OneCapture", 1, 1000}),
-                         [](const auto& test) { return test.param.name; });
-
-TEST(OwnershipWithoutAStitch, OutlastsBeingSetUpAgain) {
-  auto capture = VelScrollingCapture::init();
-  VelScrollingCapture* const object = capture.get();
-  const std::weak_ptr<VelScrollingCapture> watch = capture;
-  capture.reset();
-  object->setupStitcher();
-  ASSERT_FALSE(watch.expired()) << "The new listener holds the capture object as the old one did";
-  object->cleanupListener();
-  EXPECT_TRUE(watch.expired());
-}
-
-TEST(OwnershipWithoutAStitch, KeepsItselfAliveUntilTheListenerIsCleanedUp) {
-  auto capture = VelScrollingCapture::init();
-  VelScrollingCapture* const object = capture.get();
-  const std::weak_ptr<VelScrollingCapture> watch = capture;
-  capture.reset();
-  ASSERT_FALSE(watch.expired()) << "The listener holds the capture object that owns it";
-  object->cleanupListener();
-  EXPECT_TRUE(watch.expired());
-}
 
 }  // namespace
 }  // namespace ScrollingCapture

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <mutex>
 
@@ -53,28 +54,74 @@ std::vector<cv::Rect> Remaining(const CaptureLayout& layout, size_t capture, Hid
   return rest;
 }
 
-/// Marks the cells with pixels that differ, in a row of the picture.
-void MarkCells(const std::vector<std::uint8_t>& differs, int column,
-               std::vector<std::uint8_t>& cells) {
-  for (size_t i = 0; i < differs.size(); ++i) {
-    cells[(static_cast<size_t>(column) + i) / CellSize] |= differs[i];
-  }
+/// The sum of two ordered lists, without repeats.
+std::vector<int> Union(const std::vector<int>& first, const std::vector<int>& second) {
+  std::vector<int> all;
+  all.reserve(first.size() + second.size());
+  std::set_union(first.begin(), first.end(), second.begin(), second.end(), std::back_inserter(all));
+  all.shrink_to_fit();
+  return all;
 }
+
+/// The cells of one row of cells in which an area's pixels differ.
+class CellMarks {
+ public:
+  CellMarks(const cv::Rect& area, DisputedCells& disputed)
+      : area(area),
+        disputed(disputed),
+        marks(static_cast<size_t>(CellsOver(area.width) + 1)),
+        differs(static_cast<size_t>(area.width)) {}
+
+  /// Rows come from top to bottom.
+  void AddRow(const std::uint8_t* first, const std::uint8_t* second, size_t pixelBytes, int row) {
+    if (row / CellSize != cellRow) {
+      Flush();
+      cellRow = row / CellSize;
+    }
+    MarkDifferences(first, second, differs.size(), pixelBytes, differs.data());
+    const auto inCell = static_cast<size_t>(area.x % CellSize);
+    for (size_t i = 0; i < differs.size(); ++i) {
+      marks[(inCell + i) / CellSize] |= differs[i];
+    }
+    isMarked = true;
+  }
+
+  void Flush() {
+    if (!isMarked) {
+      return;
+    }
+    std::vector<int> columns;
+    for (size_t i = 0; i < marks.size(); ++i) {
+      if (marks[i] != 0) {
+        columns.push_back(area.x / CellSize + static_cast<int>(i));
+        marks[i] = 0;
+      }
+    }
+    std::vector<int>& row = disputed[cellRow];
+    row = Union(row, columns);
+    isMarked = false;
+  }
+
+ private:
+  const cv::Rect area;
+  DisputedCells& disputed;
+  int cellRow = 0;
+  bool isMarked = false;
+  std::vector<std::uint8_t> marks;
+  std::vector<std::uint8_t> differs;
+};
 
 /// Compares what two captures show of an area of the picture.
 void CompareArea(const cv::Mat& first, const cv::Mat& second, const cv::Rect& area,
-                 size_t cellColumns, DisputedCells& disputed) {
+                 DisputedCells& disputed) {
   const size_t rowBytes = static_cast<size_t>(area.width) * first.elemSize();
-  std::vector<std::uint8_t> differs(static_cast<size_t>(area.width));
+  CellMarks marks(area, disputed);
   for (int row = 0; row < area.height; ++row) {
     if (std::memcmp(first.ptr(row), second.ptr(row), rowBytes) != 0) {
-      MarkDifferences(first.ptr(row), second.ptr(row), differs.size(), first.elemSize(),
-                      differs.data());
-      std::vector<std::uint8_t>& cells = disputed[(area.y + row) / CellSize];
-      cells.resize(cellColumns);
-      MarkCells(differs, area.x, cells);
+      marks.AddRow(first.ptr(row), second.ptr(row), first.elemSize(), area.y + row);
     }
   }
+  marks.Flush();
 }
 
 /// Compares a capture with the captures that were the first to show what it shows.
@@ -83,7 +130,6 @@ DisputedCells CompareWithFirst(const CaptureSource& source, const CaptureLayout&
                                size_t capture) {
   DisputedCells disputed;
   const cv::Rect rect = layout.RectOf(capture);
-  const auto cellColumns = static_cast<size_t>(CellsOver(layout.PictureSize().width));
   std::shared_ptr<const cv::Mat> pixels;
   for (const size_t earlier : layout.CapturesIn(rect)) {
     if (earlier >= capture) {
@@ -98,20 +144,16 @@ DisputedCells CompareWithFirst(const CaptureSource& source, const CaptureLayout&
       pixels = pixels == nullptr ? source.Get(capture) : pixels;
       earlierPixels = earlierPixels == nullptr ? source.Get(earlier) : earlierPixels;
       CompareArea((*pixels)(common - layout.CornerOf(capture)),
-                  (*earlierPixels)(common - layout.CornerOf(earlier)), common, cellColumns,
-                  disputed);
+                  (*earlierPixels)(common - layout.CornerOf(earlier)), common, disputed);
     }
   }
   return disputed;
 }
 
 void AddAll(const DisputedCells& more, DisputedCells& all) {
-  for (const auto& [row, cells] : more) {
-    std::vector<std::uint8_t>& sum = all[row];
-    sum.resize(cells.size());
-    std::transform(
-        cells.begin(), cells.end(), sum.begin(), sum.begin(),
-        [](std::uint8_t left, std::uint8_t right) -> std::uint8_t { return left | right; });
+  for (const auto& [row, columns] : more) {
+    std::vector<int>& sum = all[row];
+    sum = Union(sum, columns);
   }
 }
 
@@ -152,12 +194,13 @@ Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout
 
 std::vector<bool> FindDisputedCaptures(const CaptureLayout& layout, const DisputedCells& disputed) {
   std::vector<bool> isDisputed(layout.Count());
-  for (const auto& [row, cells] : disputed) {
+  for (const auto& [row, columns] : disputed) {
     for (const size_t capture : layout.CapturesIn(RowsOfCells(layout.PictureSize(), row, 1))) {
-      const int column = layout.CornerOf(capture).x;
-      const auto first = cells.begin() + column / CellSize;
-      const auto last = cells.begin() + CellsOver(column + layout.CaptureSize().width);
-      isDisputed[capture] = isDisputed[capture] || std::find(first, last, 1) != last;
+      const int left = layout.CornerOf(capture).x;
+      const int right = left + (layout.CaptureSize().width - 1);
+      const auto first = std::lower_bound(columns.begin(), columns.end(), left / CellSize);
+      const bool isIn = first != columns.end() && *first <= right / CellSize;
+      isDisputed[capture] = isDisputed[capture] || isIn;
     }
   }
   return isDisputed;

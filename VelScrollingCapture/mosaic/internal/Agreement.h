@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <vector>
 
@@ -12,8 +11,8 @@
 
 namespace ScrollingCapture {
 
-/// Cells of the picture in which captures disagree, by row of cells; 1 for each such cell.
-using DisputedCells = std::map<int, std::vector<std::uint8_t>>;
+/// Cells of the picture in which captures disagree: their columns, in order, by row of cells.
+using DisputedCells = std::map<int, std::vector<int>>;
 
 /// Where the captures of a layout show the same.
 struct Agreement {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <limits>
 #include <stdexcept>
@@ -46,17 +47,12 @@ CaptureLayout::CaptureLayout(const cv::Size& captureSize, const std::vector<Plac
   pictureSize = {Narrowed(columns.Length() + captureSize.width),
                  Narrowed(rows.Length() + captureSize.height)};
   corners.reserve(places.size());
-  bucketColumns = pictureSize.width / captureSize.width + 1;
   for (const Place& place : places) {
     const cv::Point corner(place.column - columns.Lowest(), place.row - rows.Lowest());
-    buckets[BucketOf(corner.y / captureSize.height, corner.x / captureSize.width)].push_back(
+    buckets[{corner.y / captureSize.height, corner.x / captureSize.width}].push_back(
         corners.size());
     corners.push_back(corner);
   }
-}
-
-std::int64_t CaptureLayout::BucketOf(int bucketRow, int bucketColumn) const {
-  return std::int64_t{bucketRow} * bucketColumns + bucketColumn;
 }
 
 std::vector<size_t> CaptureLayout::CapturesIn(const cv::Rect& area) const {
@@ -65,18 +61,13 @@ std::vector<size_t> CaptureLayout::CapturesIn(const cv::Rect& area) const {
     return found;
   }
   const int firstRow = std::max(0, area.y / captureSize.height - 1);
-  const int lastRow = (area.y + area.height - 1) / captureSize.height;
+  const int lastRow = (area.y + (area.height - 1)) / captureSize.height;
   const int firstColumn = std::max(0, area.x / captureSize.width - 1);
-  const int lastColumn = (area.x + area.width - 1) / captureSize.width;
-  for (int row = firstRow; row <= lastRow; ++row) {
-    for (int column = firstColumn; column <= std::min(lastColumn, bucketColumns - 1); ++column) {
-      const auto bucket = buckets.find(BucketOf(row, column));
-      if (bucket == buckets.end()) {
-        continue;
-      }
-      std::copy_if(bucket->second.begin(), bucket->second.end(), std::back_inserter(found),
-                   [&](size_t capture) { return !(RectOf(capture) & area).empty(); });
-    }
+  const int lastColumn = (area.x + (area.width - 1)) / captureSize.width;
+  const auto end = buckets.upper_bound({lastRow, lastColumn});
+  for (auto bucket = buckets.lower_bound({firstRow, firstColumn}); bucket != end; ++bucket) {
+    std::copy_if(bucket->second.begin(), bucket->second.end(), std::back_inserter(found),
+                 [&](size_t capture) { return !(RectOf(capture) & area).empty(); });
   }
   std::sort(found.begin(), found.end());
   return found;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <unordered_map>
+#include <map>
+#include <utility>
 #include <vector>
 
 #include <opencv2/core.hpp>
@@ -30,14 +30,12 @@ class CaptureLayout {
   std::vector<size_t> CapturesIn(const cv::Rect& area) const;
 
  private:
-  std::int64_t BucketOf(int bucketRow, int bucketColumn) const;
-
   cv::Size captureSize;
   cv::Size pictureSize;
   std::vector<cv::Point> corners;
-  int bucketColumns = 1;
-  /// Captures by the part of the picture, as large as one capture, in which their corner lies.
-  std::unordered_map<std::int64_t, std::vector<size_t>> buckets;
+  /// Captures by the part of the picture, as large as one capture, in which their corner lies: its
+  /// row, then its column. Parts without a corner take up nothing, however far captures lie apart.
+  std::map<std::pair<int, int>, std::vector<size_t>> buckets;
 };
 
 }  // namespace ScrollingCapture

@@ -100,7 +100,7 @@ class CellJudge {
 
   /// How much a vote counts: the less, the more its capture is suspected to be covered.
   static float WeightOf(float suspicion) {
-    return std::clamp((SurelyCovered - suspicion) / (SurelyCovered - 0.25F), 0.0F, 1.0F);
+    return std::clamp((SurelyCovered - suspicion) / (SurelyCovered - HardlySuspect), 0.0F, 1.0F);
   }
 
   static bool AllEqual(const std::vector<Vote>& votes) {

@@ -11,10 +11,10 @@
 
 namespace ScrollingCapture {
 
-/// From this suspicion on a pixel counts as covered.
-inline constexpr float CoveredSuspicion = 0.5F;
+/// Up to this suspicion what a capture shows of a pixel counts in full.
+inline constexpr float HardlySuspect = 0.25F;
 
-/// From this suspicion on there is no doubt that it is.
+/// From this suspicion on there is no doubt that the pixel is covered.
 inline constexpr float SurelyCovered = 0.85F;
 
 /// Rows of a capture that lie in a band of the picture.

@@ -40,6 +40,18 @@ Layer::Layer(const CaptureSource& source, const std::vector<Place>& places, cons
   }
 }
 
+std::int64_t Layer::ShownPixels(const cv::Rect& area) const {
+  const cv::Rect wanted = (area & Area()) - corner;
+  std::int64_t pixels = 0;
+  for (const size_t capture : layout.CapturesIn(wanted)) {
+    for (const cv::Rect& shown : areas[capture]) {
+      const cv::Size common = (shown & wanted).size();
+      pixels += std::int64_t{common.width} * common.height;
+    }
+  }
+  return pixels;
+}
+
 void Layer::Render(const cv::Rect& area, cv::Mat& pixels) const {
   const cv::Rect shown = (area & Area()) - corner;
   if (shown.empty()) {

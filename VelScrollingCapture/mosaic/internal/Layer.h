@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -27,6 +28,9 @@ class Layer {
 
   /// The layer's part of the whole picture.
   cv::Rect Area() const { return {corner, layout.PictureSize()}; }
+
+  /// How many pixels of an area of the whole picture the layer's captures show.
+  std::int64_t ShownPixels(const cv::Rect& area) const;
 
   /// Writes what the layer has of an area of the whole picture, and nothing else.
   void Render(const cv::Rect& area, cv::Mat& pixels) const;

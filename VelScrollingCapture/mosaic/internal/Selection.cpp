@@ -76,16 +76,15 @@ class Selector {
     return strips;
   }
 
-  std::vector<CellDecision> DecideRow(int cellRow, const std::vector<std::uint8_t>& cells,
+  std::vector<CellDecision> DecideRow(int cellRow, const std::vector<int>& cellColumns,
                                       const std::vector<Strip>& strips) const {
     const cv::Rect rows = RowsOfCells(layout.PictureSize(), cellRow, 1);
     std::vector<CellDecision> decisions;
-    for (size_t i = 0; i < cells.size(); ++i) {
-      if (cells[i] != 0) {
-        const int column = static_cast<int>(i) * CellSize;
-        const cv::Rect area(column, rows.y, std::min(CellSize, rows.width - column), rows.height);
-        decisions.push_back(DecideCell(layout, suspicion, area, strips));
-      }
+    decisions.reserve(cellColumns.size());
+    for (const int cellColumn : cellColumns) {
+      const int column = cellColumn * CellSize;
+      const cv::Rect area(column, rows.y, std::min(CellSize, rows.width - column), rows.height);
+      decisions.push_back(DecideCell(layout, suspicion, area, strips));
     }
     return decisions;
   }

@@ -2,9 +2,9 @@
 #include <utility>
 
 #include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
+#include <VelScrollingCapture/seams/Layout.h>
 #include <VelScrollingCapture/session/internal/Coverage.h>
 #include <VelScrollingCapture/session/internal/PhaseCorrelationEngine.h>
-#include <VelScrollingCapture/session/internal/Placement.h>
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 
 namespace ScrollingCapture {
@@ -67,7 +67,8 @@ std::optional<SessionResult> PhaseCorrelationEngine::Stitch(IStitcherListener* l
 
 std::vector<CaptureInPicture> PhaseCorrelationEngine::CapturesInPicture(std::size_t count) const {
   const std::vector<Translation> translations = stitcher->GetTranslations();
-  const std::vector<Place> places = PlacesOf(translations);
+  // The size of the captures has no part in where they begin.
+  const std::vector<Place> places = LayoutOf(cv::Size(), translations).places;
   std::vector<CaptureInPicture> described(count);
   for (std::size_t i = 0; i < count; ++i) {
     described[i].place = places[i];
