@@ -4,17 +4,22 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
 #include <velscroll/arguments/Arguments.h>
+#include <velscroll/arguments/RecordArguments.h>
+#include <velscroll/record/RecordCommand.h>
 #include <velscroll/stitch/SpillFolder.h>
 #include <velscroll/stitch/StitchCommand.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Interruption.h>
 #include <velscroll/terminal/ProgressBar.h>
 #include <velscroll/terminal/Silence.h>
+
+#include <VelScrollingCapture/session/SpillFileLost.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -35,6 +40,10 @@ Failure Explain(const std::exception_ptr& exception) {
     std::rethrow_exception(exception);
   } catch (const Failure& failure) {
     return failure;
+  } catch (const SpillFileLost&) {
+    return Failed(
+        "a capture that was spilled to a file cannot be read back; leave the spill folder "
+        "alone, or choose another with --spill-folder");
   } catch (const std::bad_alloc&) {
     return NotEnoughMemory();
   } catch (const cv::Exception& error) {
@@ -63,14 +72,21 @@ Failure Explain(const std::exception_ptr& exception) {
   std::abort();
 }
 
+template <typename Asked>
+int RunCommand(const std::optional<Asked>& arguments, ExitStatus (*command)(const Asked&)) {
+  if (!arguments) {
+    return Done;
+  }
+  cv::setNumThreads(static_cast<int>(arguments->session.threadCount));
+  return command(*arguments);
+}
+
 int Run(int argc, char** argv) {
   try {
-    const std::optional<Arguments> arguments = ParseArguments(argc, argv);
-    if (arguments) {
-      cv::setNumThreads(static_cast<int>(arguments->session.threadCount));
-      return RunStitchCommand(*arguments);
-    }
-    return Done;
+    constexpr std::string_view Record = "record";
+    return argc > 1 && argv[1] == Record
+               ? RunCommand(ParseRecordArguments(argc - 1, argv + 1), RunRecordCommand)
+               : RunCommand(ParseArguments(argc, argv), RunStitchCommand);
   } catch (...) {
     return Complain(Explain(std::current_exception()));
   }

@@ -4,21 +4,14 @@
 #include <string>
 #include <vector>
 
-#include <velscroll/output/Outputs.h>
-#include <velscroll/terminal/Console.h>
-
-#include <VelScrollingCapture/session/SessionSettings.h>
+#include <velscroll/arguments/ResultArguments.h>
 
 namespace ScrollingCapture::Program {
 
 /// What the command line asks for.
-struct Arguments {
+struct Arguments : ResultArguments {
   std::vector<std::string> captures;  ///< files, folders and globs, as given
   std::string joins;                  ///< a report whose motions are taken; empty: none
-  bool strict = false;                ///< whether a join that is not sure is a failure
-  OutputSettings outputs;
-  SessionSettings session;
-  Loudness loudness = Loudness::All;
 };
 
 /// Reads the command line. Throws BadInput for wrong usage.

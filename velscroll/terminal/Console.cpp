@@ -12,6 +12,8 @@ Console::Console(Loudness loudness, bool usesStandardOutput)
 
 void Console::ShowProgress(const std::string& stage, int percent) { progress.Show(stage, percent); }
 
+void Console::ShowStatus(const std::string& line) { progress.ShowText(line); }
+
 void Console::Warn(const std::string& warning) {
   if (loudness != Loudness::Nothing) {
     progress.Hide();

@@ -24,6 +24,9 @@ class Console {
   /// Shows how far the work has come, see ProgressBar::Show.
   void ShowProgress(const std::string& stage, int percent);
 
+  /// Shows how things stand in one line, see ProgressBar::ShowText.
+  void ShowStatus(const std::string& line);
+
   /// One line on standard error.
   void Warn(const std::string& warning);
 

@@ -8,9 +8,17 @@ namespace ScrollingCapture::Program {
 namespace {
 
 std::atomic<bool> requested{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets the flag");
+std::atomic<bool> firstFinishes{false};
+std::atomic<bool> finishing{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets the flags");
 
-void Request(int /*signal*/) { requested = true; }
+void Request(int signal) {
+  if (!firstFinishes) {
+    requested = true;
+  } else if (finishing.exchange(true) && signal == SIGINT) {
+    requested = true;
+  }
+}
 
 void Listen(int signal) {
   struct sigaction inherited = {};
@@ -32,6 +40,10 @@ void ListenForInterruption() {
   Listen(SIGTERM);
   Listen(SIGHUP);
 }
+
+void LetFirstSignalFinish() { firstFinishes = true; }
+
+bool FinishRequested() { return finishing; }
 
 bool InterruptionRequested() { return requested; }
 

@@ -26,11 +26,13 @@ ProgressBar::ProgressBar(bool wanted) : visible(wanted && UserHasTerminal()) {}
 ProgressBar::~ProgressBar() { Hide(); }
 
 void ProgressBar::Show(const std::string& stage, int percent) {
-  if (!visible) {
-    return;
+  if (visible) {
+    ShowText(Line(stage, std::clamp(percent, 0, Whole)));
   }
-  const std::string line = Line(stage, std::clamp(percent, 0, Whole));
-  if (line != shown) {
+}
+
+void ProgressBar::ShowText(const std::string& line) {
+  if (visible && line != shown) {
     shown = line;
     const std::string text = ClearLine + line;
     TellUser(text.data(), text.size());

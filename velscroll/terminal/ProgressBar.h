@@ -20,6 +20,9 @@ class ProgressBar {
   /// @param percent how much of it is done, from 0 to 100
   void Show(const std::string& stage, int percent);
 
+  /// Shows a line of text in the place of the bar.
+  void ShowText(const std::string& line);
+
   /// Clears the line until the next Show.
   void Hide();
 

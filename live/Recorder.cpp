@@ -1,0 +1,130 @@
+#include <algorithm>
+#include <cstring>
+#include <thread>
+
+#include <live/Recorder.h>
+
+namespace ScrollingCapture::Live {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds LongestWait(50);
+constexpr milliseconds BetweenLooks(16);    // 60 times a second
+constexpr milliseconds UntilAtRest(50);     // a few frames of a screen
+constexpr milliseconds UntilScrolled(250);  // of quiet, after smooth scrolling
+constexpr milliseconds UntilUnmoved(600);   // also where something moves by itself
+constexpr milliseconds UntilStuck(10000);
+
+bool AreEqual(const cv::Mat& left, const cv::Mat& right) {
+  return left.size() == right.size() && left.isContinuous() && right.isContinuous() &&
+         std::memcmp(left.data, right.data, left.total() * left.elemSize()) == 0;
+}
+
+}  // namespace
+
+Recorder::Recorder(ICaptureSource& source, CaptureSession& session, IRecordingListener& listener,
+                   const MatchingSettings& settings)
+    : source(source),
+      listener(listener),
+      selection(session, settings,
+                [&listener](const cv::Mat& capture) { listener.CaptureKept(capture); }) {}
+
+RecordingEnd Recorder::Run() {
+  lastMotion = lastTurn = Clock::now();
+  try {
+    Loop();
+  } catch (const CaptureEnded& ended) {
+    End(RecordingEnd::Reason::SourceLost, ended.what());
+  }
+  if (!last.empty()) {
+    selection.Finish();
+  }
+  end.status = Status();
+  return end;
+}
+
+void Recorder::Loop() {
+  Look();
+  while (!hasEnded && listener.GoOn(Status())) {
+    if (source.WaitForChange(isUnsettled ? BetweenLooks : LongestWait)) {
+      Look();
+    } else if (isUnsettled && Clock::now() - lastChange >= UntilAtRest) {
+      LookAgainAtRest();
+    }
+    if (autoScroll && MayTurnWheel()) {
+      TurnWheel();
+    }
+  }
+}
+
+void Recorder::Look() {
+  std::this_thread::sleep_until(lastLook + BetweenLooks);
+  lastLook = Clock::now();
+  Frame frame = source.Grab();
+  hindrance = frame.hindrance;
+  if (frame.pixels.empty() || AreEqual(frame.pixels, last)) {
+    return;
+  }
+  last = frame.pixels;
+  isUnsettled = true;
+  lastChange = Clock::now();
+  const Place before = selection.Status().place;
+  selection.Take(last);
+  if (selection.Status().place != before) {
+    lastMotion = lastChange;
+    movedSinceTurn = true;
+  }
+}
+
+/// What was drawn after the last look, and not announced, is seen now.
+void Recorder::LookAgainAtRest() {
+  const Clock::time_point before = lastChange;
+  Look();
+  if (lastChange == before) {
+    selection.Settle();
+    isUnsettled = false;
+  }
+}
+
+bool Recorder::MayTurnWheel() const {
+  const Clock::time_point now = Clock::now();
+  const bool isQuiet = !isUnsettled && movedSinceTurn && now - lastChange >= UntilScrolled;
+  return isQuiet || now - lastMotion >= UntilUnmoved;
+}
+
+void Recorder::TurnWheel() {
+  selection.Settle();
+  if (turned) {
+    turn = autoScroll->Next(selection.Status());
+  }
+  if (!turn) {
+    const bool gaveUp = autoScroll->GaveUp();
+    End(gaveUp ? RecordingEnd::Reason::Stuck : RecordingEnd::Reason::Reached,
+        gaveUp ? "one step of the wheel scrolls further than what the window shows" : "");
+    return;
+  }
+  hindrance = source.Scroll(turn->direction, turn->steps);
+  turned = hindrance.empty();
+  movedSinceTurn = false;
+  lastMotion = Clock::now();
+  if (turned) {
+    lastTurn = lastMotion;
+  } else if (lastMotion - lastTurn > UntilStuck) {
+    End(RecordingEnd::Reason::Stuck, hindrance);
+  }
+}
+
+void Recorder::End(RecordingEnd::Reason reason, const std::string& line) {
+  hasEnded = true;
+  end.reason = reason;
+  end.line = line;
+}
+
+RecordingStatus Recorder::Status() const {
+  RecordingStatus status = selection.Status();
+  status.hindrance = hindrance;
+  return status;
+}
+
+}  // namespace ScrollingCapture::Live

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include <live/AutoScroll.h>
+#include <live/CaptureSelection.h>
+#include <live/ICaptureSource.h>
+#include <live/RecordingStatus.h>
+#include <opencv2/core.hpp>
+
+#include <VelScrollingCapture/session/CaptureSession.h>
+
+namespace ScrollingCapture::Live {
+
+/// Hears of a recording as it goes on.
+class IRecordingListener {
+ public:
+  virtual ~IRecordingListener() = default;
+
+  /// Called at least ten times a second.
+  /// @return false to end the recording
+  virtual bool GoOn(const RecordingStatus& status) = 0;
+
+  /// A capture has been added to the session.
+  /// @param pixels CV_8UC4, shared with the session: not to be changed
+  virtual void CaptureKept(const cv::Mat& pixels) = 0;
+};
+
+/// How a recording came to its end.
+struct RecordingEnd {
+  enum class Reason {
+    Asked,      ///< by the listener
+    Reached,    ///< the wheel moves nothing any more, or the limit is reached
+    Stuck,      ///< the wheel could not be turned, or moves too much
+    SourceLost  ///< see CaptureEnded
+  };
+
+  Reason reason = Reason::Asked;
+  std::string line;        ///< what the user should know of it; may be empty
+  RecordingStatus status;  ///< as it stood at the end
+};
+
+/// Brings what a source shows into a session, while a user, or AutoScroll, scrolls.
+///
+/// It looks whenever the source has changed, at most 60 times a second, takes what CaptureSelection
+/// chooses, and looks again when nothing has changed for a moment. All on the calling thread: when
+/// a look takes long, fewer are taken, and no queue can grow.
+class Recorder {
+ public:
+  /// All must outlive this.
+  /// @param session without captures
+  Recorder(ICaptureSource& source, CaptureSession& session, IRecordingListener& listener,
+           const MatchingSettings& settings);
+
+  /// From now on the recorder scrolls.
+  void ScrollBy(const AutoScroll& scroll) { autoScroll.emplace(scroll); }
+
+  /// Records until it is asked to end, or there is nothing more to see. What was captured so far is
+  /// then in the session, whatever the reason. Throws what CaptureSession::Add throws.
+  RecordingEnd Run();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void Loop();
+  void Look();
+  void LookAgainAtRest();
+  void TurnWheel();
+  bool MayTurnWheel() const;
+  void End(RecordingEnd::Reason reason, const std::string& line);
+  RecordingStatus Status() const;
+
+  ICaptureSource& source;
+  IRecordingListener& listener;
+  CaptureSelection selection;
+  std::optional<AutoScroll> autoScroll;
+  std::optional<AutoScroll::Turn> turn;  ///< the next or the last one
+  bool turned = true;                    ///< whether that one was done
+  std::string hindrance;
+  cv::Mat last;              ///< the frame that was taken last
+  bool isUnsettled = false;  ///< whether the last frame has not come to rest
+  Clock::time_point lastLook;
+  Clock::time_point lastChange;  ///< of anything
+  Clock::time_point lastMotion;  ///< of the content, or of the wheel
+  Clock::time_point lastTurn;    ///< of the wheel, as far as it succeeded
+  bool movedSinceTurn = false;
+  RecordingEnd end;
+  bool hasEnded = false;
+};
+
+}  // namespace ScrollingCapture::Live

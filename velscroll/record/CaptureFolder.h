@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include <opencv2/core.hpp>
+#include <velscroll/terminal/Console.h>
+
+namespace ScrollingCapture::Program {
+
+/// Keeps captures as PNG files in a folder: capture-0001.png, capture-0002.png, ...
+class CaptureFolder {
+ public:
+  /// Makes the folder unless it is there. Throws BadInput when that is not possible, or captures
+  /// are in it already.
+  /// @param folder  empty: nothing is kept
+  /// @param console hears once when captures cannot be kept any more; must outlive this
+  CaptureFolder(const std::string& folder, Console& console);
+
+  /// The path of a capture, or its name when nothing is kept.
+  /// @param index from 0
+  std::string NameOf(std::size_t index) const;
+
+  /// Keeps the next capture. One that cannot be written ends the keeping, but nothing else.
+  /// @param capture CV_8UC4: red, green, blue, opaque
+  void Keep(const cv::Mat& capture);
+
+  std::size_t Count() const { return count; }
+
+ private:
+  const std::string folder;
+  Console& console;
+  std::size_t count = 0;
+  bool keeps;
+};
+
+}  // namespace ScrollingCapture::Program

@@ -1,0 +1,153 @@
+#include <chrono>
+#include <optional>
+#include <thread>
+
+#include <live/Recorder.h>
+#include <live/x11/X11CaptureSource.h>
+#include <live/x11/XPicker.h>
+#include <live/x11/XScreens.h>
+#include <live/x11/XWindows.h>
+#include <velscroll/output/staging/StagedStandardOutput.h>
+#include <velscroll/record/CaptureFolder.h>
+#include <velscroll/record/Clipboard.h>
+#include <velscroll/record/RecordCommand.h>
+#include <velscroll/record/RecordEnding.h>
+#include <velscroll/record/StatusLine.h>
+#include <velscroll/stitch/PrivateSettings.h>
+#include <velscroll/stitch/Results.h>
+#include <velscroll/stitch/StageClock.h>
+#include <velscroll/terminal/Console.h>
+#include <velscroll/terminal/Interruption.h>
+
+namespace ScrollingCapture::Program {
+namespace {
+
+/// Shows how the recording stands, keeps captures, and ends it when the user asks.
+class Listener : public Live::IRecordingListener {
+ public:
+  Listener(Console& console, CaptureFolder& folder, RecordEnding& ending)
+      : console(console), folder(folder), ending(ending) {}
+
+  bool GoOn(const Live::RecordingStatus& status) override {
+    console.ShowStatus(StatusLine(status));
+    return !ending.IsAsked();
+  }
+
+  void CaptureKept(const cv::Mat& pixels) override { folder.Keep(pixels); }
+
+ private:
+  Console& console;
+  CaptureFolder& folder;
+  RecordEnding& ending;
+};
+
+Live::XChoice PickedByUser(Console& console) {
+  console.ShowStatus("click on a window, or drag a rectangle; Escape cancels");
+  const std::optional<Live::XChoice> picked =
+      Live::PickOnScreen([] { return !InterruptionRequested(); });
+  if (!picked) {
+    throw Cancelled();
+  }
+  return *picked;
+}
+
+Live::XChoice ChoiceOf(const RecordArguments& arguments, Console& console) {
+  const Live::XConnection connection;
+  if (Live::IsXWayland(connection)) {
+    console.Warn(
+        "this is a Wayland session: only windows that use X11 can be captured, see "
+        "docs/recording.md");
+  }
+  if (arguments.window) {
+    return {*arguments.window, {}};
+  }
+  if (!arguments.windowName.empty()) {
+    return {Live::FindWindow(connection, arguments.windowName), {}};
+  }
+  if (arguments.region) {
+    return {XCB_WINDOW_NONE, *arguments.region};
+  }
+  return PickedByUser(console);
+}
+
+void Wait(double seconds, Console& console) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds Moment(50);
+  const auto end = Clock::now() + std::chrono::duration<double>(seconds);
+  while (Clock::now() < end) {
+    StopIfInterrupted();
+    const auto left = std::chrono::ceil<std::chrono::seconds>(end - Clock::now());
+    console.ShowStatus("the recording begins in " + std::to_string(left.count()) + " s");
+    std::this_thread::sleep_for(Moment);
+  }
+}
+
+ReadFiles Describe(const CaptureFolder& folder) {
+  ReadFiles read;
+  for (std::size_t i = 0; i < folder.Count(); ++i) {
+    read.files.push_back({folder.NameOf(i), {}});
+  }
+  return read;
+}
+
+/// Throws Failed when nothing was captured.
+void TellEnd(const Live::RecordingEnd& end, Console& console) {
+  const std::string why = !end.line.empty() ? end.line : end.status.hindrance;
+  if (end.status.captures == 0) {
+    throw Failed("nothing was captured" + (why.empty() ? std::string() : ": " + why));
+  }
+  if (!end.line.empty()) {
+    console.Warn(end.line + "; what was captured until then is saved");
+  }
+}
+
+ReportContent RecordEverything(const RecordArguments& arguments, CaptureFolder& folder,
+                               Outputs& outputs, Console& console) {
+  const Live::XChoice choice = ChoiceOf(arguments, console);
+  Wait(arguments.delaySeconds, console);
+  Live::X11CaptureSource source(choice, arguments.showsPointer);
+  const PrivateSettings settings(arguments.session);
+  CaptureSession session(settings.Get());
+  RecordEnding ending(arguments.stopKey);
+  Listener listener(console, folder, ending);
+  Live::Recorder recorder(source, session, listener, {arguments.session.orientation, false});
+  if (arguments.autoScroll) {
+    recorder.ScrollBy({*arguments.autoScroll, arguments.limit, source.Region().size()});
+  }
+  StageClock clock;
+  TellEnd(recorder.Run(), console);
+  const double recording = clock.Lap();
+  ReportContent content = StitchAndStage(session, arguments.session, arguments.strict,
+                                         Describe(folder), outputs, console);
+  content.seconds.reading = recording;
+  return content;
+}
+
+std::optional<Clipboard> ClipboardOf(const RecordArguments& arguments) {
+  if (!arguments.toClipboard) {
+    return std::nullopt;
+  }
+  if (arguments.outputs.image == StagedStandardOutput::Argument) {
+    throw BadInput("--clipboard needs a file to put there; name one with -o FILE");
+  }
+  return Clipboard();
+}
+
+}  // namespace
+
+ExitStatus RunRecordCommand(const RecordArguments& arguments) try {
+  Outputs outputs(arguments.outputs);
+  const std::optional<Clipboard> clipboard = ClipboardOf(arguments);
+  Console console(arguments.loudness, !outputs.UseStandardOutput());
+  CaptureFolder folder(arguments.captureFolder, console);
+  const ReportContent content = RecordEverything(arguments, folder, outputs, console);
+  const ExitStatus status = ShowResults(content, outputs, console);
+  if (clipboard) {
+    clipboard->Put(content.parts.front().pieces.front());
+  }
+  return status;
+} catch (const Live::CaptureFailure& failure) {
+  throw BadInput(failure.what());
+}
+
+}  // namespace ScrollingCapture::Program
