@@ -38,7 +38,8 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  ${PROJECT_BINARY_DIR}/VelScrollingCapture ${PROJECT_BINARY_DIR}/VelScrollingCapture/frontend/appkit)
+  ${PROJECT_BINARY_DIR}/VelScrollingCapture ${PROJECT_BINARY_DIR}/VelScrollingCapture/frontend/appkit
+  ${PROJECT_BINARY_DIR}/c)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
@@ -75,6 +76,31 @@ if(VEL_BUILD_DESKTOP)
     DESCRIPTION "${about}\n\nThis package has the desktop program."
     DEPENDS runtime
     NEEDS libqt5svg5)
+endif()
+if(VEL_BUILD_C)
+  vel_add_package(c
+    NAME libvelscrollingcapturec${PROJECT_VERSION_MAJOR}
+    SECTION libs
+    SUMMARY "library for C that stitches scrolling screen captures"
+    DESCRIPTION "${about}\n\nThis package has the library's interface for C."
+    DEPENDS runtime
+    LIBRARY)
+  vel_add_package(c_development
+    NAME libvelscrollingcapturec-dev
+    SECTION libdevel
+    SUMMARY "library for C that stitches scrolling captures (development files)"
+    DESCRIPTION "${about}\n\nThis package has headers and pkg-config module of the interface for C."
+    DEPENDS c development)
+endif()
+if(VEL_BUILD_PYTHON)
+  math(EXPR next "${Python3_VERSION_MINOR} + 1")
+  vel_add_package(python
+    NAME python3-velscrollingcapture
+    SECTION python
+    SUMMARY "Python package that stitches scrolling screen captures"
+    DESCRIPTION "${about}\n\nThis package has the library's modules for Python."
+    DEPENDS runtime
+    NEEDS "python3 (>= 3.${Python3_VERSION_MINOR}~), python3 (<< 3.${next}), python3-numpy")
 endif()
 if(VEL_BUILD_APPKIT)
   vel_add_package(appkit

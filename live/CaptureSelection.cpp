@@ -6,8 +6,6 @@
 namespace ScrollingCapture::Live {
 namespace {
 
-constexpr int FirstPart = 1;
-
 Place MovedBy(const Place& place, const Translation& motion) {
   return {place.row - motion.GetRows(), place.column - motion.GetCols()};
 }
@@ -22,18 +20,16 @@ cv::Rect AreaAt(const Place& place, const cv::Size& size) {
 
 }  // namespace
 
-CaptureSelection::CaptureSelection(CaptureSession& session, const MatchingSettings& settings,
-                                   HearOfCapture hear)
-    : session(session), hear(std::move(hear)), tracker(settings), strayTracker(settings) {}
+CaptureSelection::CaptureSelection(const MatchingSettings& settings, Keeper keeper)
+    : keeper(std::move(keeper)), tracker(settings), strayTracker(settings) {}
 
 void CaptureSelection::Take(const cv::Mat& frame) {
   if (reference.pixels.empty()) {
-    Keep(frame, {});
+    Keep({frame, {}});
     return;
   }
   const std::optional<Translation> motion = tracker.MotionTo(frame);
   if (motion) {
-    stray.release();
     TakeMoved(frame, *motion);
   } else {
     TakeLost(frame);
@@ -42,9 +38,10 @@ void CaptureSelection::Take(const cv::Mat& frame) {
 
 /// Where the reference goes on, the frame's motion is told since the new one.
 void CaptureSelection::TakeMoved(const cv::Mat& frame, const Translation& motion) {
+  stray.release();
   const Place place = MovedBy(reference.place, motion);
   if (restsChanged && place != latest.place) {
-    Keep(latest.pixels, latest.place);
+    Keep(latest);
     Take(frame);
     return;
   }
@@ -54,17 +51,26 @@ void CaptureSelection::TakeMoved(const cv::Mat& frame, const Translation& motion
     return;
   }
   latest = {frame, place};
-  status.place = place;
+  latestIsKept = false;
   if (IsFar(motion)) {
     Follow(latest);
   }
 }
 
+/// Of a frame that cannot be followed it is only asked whether the next one can be followed from
+/// it. When that is not so either, the content may move along both axes.
 void CaptureSelection::TakeLost(const cv::Mat& frame) {
-  if (!stray.empty() && strayTracker.MotionTo(frame)) {
-    KeepStray();
-    Take(frame);
-    return;
+  if (!stray.empty()) {
+    if (strayTracker.MotionTo(frame)) {
+      KeepStray();
+      Take(frame);
+      return;
+    }
+    const std::optional<Translation> motion = tracker.AnyMotionTo(frame);
+    if (motion) {
+      TakeMoved(frame, *motion);
+      return;
+    }
   }
   stray = frame;
   strayTracker.Follow(stray);
@@ -72,7 +78,7 @@ void CaptureSelection::TakeLost(const cv::Mat& frame) {
 
 void CaptureSelection::Follow(const Placed& frame) {
   if (!IsSeen(frame.place)) {
-    Keep(frame.pixels, frame.place);
+    Keep(frame);
     return;
   }
   reference = frame;
@@ -82,68 +88,42 @@ void CaptureSelection::Follow(const Placed& frame) {
 void CaptureSelection::Settle() {
   if (!stray.empty()) {
     KeepStray();
-  } else if (!LatestIsKept() && latest.place != keptPlace) {
-    Keep(latest.pixels, latest.place);
+  } else if (!latestIsKept && latest.place != keptPlace) {
+    Keep(latest);
   }
-  restsChanged = !LatestIsKept();
-  if (status.place != restPlace) {
-    status.lastStep = MotionBetween(restPlace, status.place);
-    restPlace = status.place;
+  restsChanged = !latestIsKept;
+  if (latest.place != restPlace) {
+    lastStep = MotionBetween(restPlace, latest.place);
+    restPlace = latest.place;
   }
 }
 
 void CaptureSelection::Finish() {
   Settle();
   if (restsChanged) {
-    Keep(latest.pixels, latest.place);
+    Keep(latest);
   }
 }
 
+/// From here on the way is another one, whose places have nothing to do with those before.
 void CaptureSelection::KeepStray() {
-  KeepLatestIfNews();
-  Keep(std::exchange(stray, cv::Mat()), latest.place);
+  if (!latestIsKept && (restsChanged || !IsSeen(latest.place))) {
+    Keep(latest);
+  }
+  seen = {};
+  ++timesLost;
+  Keep({std::exchange(stray, cv::Mat()), latest.place});
 }
 
-void CaptureSelection::KeepLatestIfNews() {
-  if (!LatestIsKept() && (restsChanged || !IsSeen(latest.place))) {
-    Keep(latest.pixels, latest.place);
-  }
-}
-
-/// Adds a capture, and follows it from then on.
-/// @param expected its place, where the session does not tell a better one
-void CaptureSelection::Keep(const cv::Mat& frame, const Place& expected) {
-  latest = {frame, expected};
-  const CaptureOutcome outcome = session.Add(frame);
-  if (outcome.placed) {
-    Note(*outcome.placed);
-    ++status.captures;
-    status.doubtful += outcome.state == CaptureOutcome::State::Doubtful ? 1 : 0;
-    hear(frame);
-  }
+void CaptureSelection::Keep(const Placed& frame) {
+  reference = frame;
+  latest = frame;
+  tracker.Follow(frame.pixels);
   restsChanged = false;
-  keptPixels = latest.pixels.data;
-  keptPlace = latest.place;
-  reference = latest;
-  tracker.Follow(reference.pixels);
-  status.place = latest.place;
-}
-
-void CaptureSelection::Note(const PlacedCapture& placed) {
-  if (placed.part != part) {
-    seen = {};
-  }
-  if (part == FirstPart && placed.part != FirstPart) {
-    status.lastJoined = keptPlace;
-  }
-  part = placed.part;
-  status.tooFast = part != FirstPart;
-  latest.place = placed.place;
-  const cv::Rect area = AreaAt(latest.place, latest.pixels.size());
-  seen.Add(area);
-  if (!status.tooFast) {
-    status.seen |= area;
-  }
+  latestIsKept = true;
+  keptPlace = frame.place;
+  seen.Add(AreaAt(frame.place, frame.pixels.size()));
+  keeper(frame.pixels);
 }
 
 bool CaptureSelection::IsFar(const Translation& motion) const {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int Sampling = 8;
 constexpr int StripsInFrame = 8;
-constexpr int NarrowestStrip = 160;
+constexpr int NarrowestStrip = 96;
 
 /// How many of the sampled pixels differ, column by column.
 std::vector<int> ChangesOfColumns(const cv::Mat& before, const cv::Mat& now) {

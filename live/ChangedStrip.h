@@ -10,9 +10,9 @@ enum class StripAxis {
   Level,    ///< as wide as the frame
 };
 
-/// The strip, an eighth of the frame, in which two frames differ most: enough to see how the
-/// content moved along the strip, at a fraction of the time. Every few rows or columns are looked
-/// at.
+/// The strip in which two frames differ most: an eighth of a large frame, more of a small one. That
+/// is mostly enough to see how the content moved along the strip, at a fraction of the time. Every
+/// few rows or columns are looked at.
 /// @param before,now CV_8UC4 of equal size
 /// @return the strip; empty when no difference was met
 cv::Rect ChangedStrip(const cv::Mat& before, const cv::Mat& now, StripAxis axis);

@@ -1,19 +1,19 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 #include <live/ChangedStrip.h>
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/core/Translation.h>
 #include <VelScrollingCapture/matching/MatchingSettings.h>
-#include <VelScrollingCapture/matching/PreparedCapture.h>
 
 namespace ScrollingCapture::Live {
 
-/// Follows how far the content has moved since a frame, quickly enough for every frame that a
-/// screen shows: it matches the strip that has changed most, not the whole frames. Good for
-/// choosing captures; what is chosen has to be proven.
+/// Follows how far the content has moved since a frame, in the strip that has changed most. Good
+/// for choosing captures; what is chosen has to be proven.
 class FrameTracker {
  public:
   explicit FrameTracker(const MatchingSettings& settings);
@@ -22,19 +22,24 @@ class FrameTracker {
   /// @param frame CV_8UC4; its pixels are shared
   void Follow(const cv::Mat& frame);
 
-  /// How far the content has moved since the followed frame.
+  /// How far the content has moved since the followed frame, along one axis. Quick enough for every
+  /// frame that a screen shows, whatever comes out.
   /// @param frame of the same size
-  /// @return nothing when one motion cannot be told from others, or nothing is in common
+  /// @return nothing when that cannot be told
   std::optional<Translation> MotionTo(const cv::Mat& frame);
 
+  /// The same along both axes at once, in the middle of the frames. Quick only when something comes
+  /// out.
+  std::optional<Translation> AnyMotionTo(const cv::Mat& frame) const;
+
  private:
-  std::optional<Translation> MotionWithin(const cv::Rect& changed, const cv::Mat& frame);
+  std::optional<int> LinesMovedBy(const cv::Rect& changed, const cv::Mat& frame);
 
   const MatchingSettings settings;
   StripAxis axis;  ///< along which motion was seen last
   cv::Mat followed;
-  cv::Rect strip;            ///< of which the followed frame is prepared
-  PreparedCapture prepared;  ///< of the followed frame's strip
+  cv::Rect strip;                    ///< of which the lines are known
+  std::vector<std::uint64_t> lines;  ///< of the followed frame
 };
 
 }  // namespace ScrollingCapture::Live

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
 #include <thread>
+#include <utility>
 
 #include <live/Recorder.h>
 
@@ -27,8 +28,8 @@ Recorder::Recorder(ICaptureSource& source, CaptureSession& session, IRecordingLi
                    const MatchingSettings& settings)
     : source(source),
       listener(listener),
-      selection(session, settings,
-                [&listener](const cv::Mat& capture) { listener.CaptureKept(capture); }) {}
+      adding(session, [&listener](const cv::Mat& capture) { listener.CaptureKept(capture); }),
+      selection(settings, [this](const cv::Mat& capture) { adding.Add(capture); }) {}
 
 RecordingEnd Recorder::Run() {
   lastMotion = lastTurn = Clock::now();
@@ -39,6 +40,7 @@ RecordingEnd Recorder::Run() {
   }
   if (!last.empty()) {
     selection.Finish();
+    adding.Finish();
   }
   end.status = Status();
   return end;
@@ -69,12 +71,17 @@ void Recorder::Look() {
   last = frame.pixels;
   isUnsettled = true;
   lastChange = Clock::now();
-  const Place before = selection.Status().place;
   selection.Take(last);
-  if (selection.Status().place != before) {
+  if (WayHasChanged()) {
     lastMotion = lastChange;
     movedSinceTurn = true;
   }
+}
+
+bool Recorder::WayHasChanged() {
+  const Place before = std::exchange(lastPlace, selection.WhereNow());
+  const std::size_t lostBefore = std::exchange(timesLost, selection.TimesLost());
+  return lastPlace != before || timesLost != lostBefore;
 }
 
 /// What was drawn after the last look, and not announced, is seen now.
@@ -96,7 +103,8 @@ bool Recorder::MayTurnWheel() const {
 void Recorder::TurnWheel() {
   selection.Settle();
   if (turned) {
-    turn = autoScroll->Next(selection.Status());
+    adding.Finish();
+    turn = autoScroll->Next(adding.Status());
   }
   if (!turn) {
     const bool gaveUp = autoScroll->GaveUp();
@@ -122,7 +130,8 @@ void Recorder::End(RecordingEnd::Reason reason, const std::string& line) {
 }
 
 RecordingStatus Recorder::Status() const {
-  RecordingStatus status = selection.Status();
+  RecordingStatus status = adding.Status();
+  status.lastStep = selection.LastStep();
   status.hindrance = hindrance;
   return status;
 }

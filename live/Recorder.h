@@ -5,6 +5,7 @@
 #include <string>
 
 #include <live/AutoScroll.h>
+#include <live/CaptureAdding.h>
 #include <live/CaptureSelection.h>
 #include <live/ICaptureSource.h>
 #include <live/RecordingStatus.h>
@@ -23,7 +24,8 @@ class IRecordingListener {
   /// @return false to end the recording
   virtual bool GoOn(const RecordingStatus& status) = 0;
 
-  /// A capture has been added to the session.
+  /// A capture has been added to the session. Called on the thread that adds them, so that the
+  /// session's preview may be asked for.
   /// @param pixels CV_8UC4, shared with the session: not to be changed
   virtual void CaptureKept(const cv::Mat& pixels) = 0;
 };
@@ -44,9 +46,9 @@ struct RecordingEnd {
 
 /// Brings what a source shows into a session, while a user, or AutoScroll, scrolls.
 ///
-/// It looks whenever the source has changed, at most 60 times a second, takes what CaptureSelection
-/// chooses, and looks again when nothing has changed for a moment. All on the calling thread: when
-/// a look takes long, fewer are taken, and no queue can grow.
+/// It looks whenever the source has changed, at most 60 times a second, and again when nothing has
+/// changed for a moment. What CaptureSelection chooses is joined on another thread meanwhile. No
+/// queue of frames can grow: when a look takes long, fewer are taken.
 class Recorder {
  public:
   /// All must outlive this.
@@ -67,6 +69,7 @@ class Recorder {
   void Loop();
   void Look();
   void LookAgainAtRest();
+  bool WayHasChanged();
   void TurnWheel();
   bool MayTurnWheel() const;
   void End(RecordingEnd::Reason reason, const std::string& line);
@@ -74,6 +77,7 @@ class Recorder {
 
   ICaptureSource& source;
   IRecordingListener& listener;
+  CaptureAdding adding;
   CaptureSelection selection;
   std::optional<AutoScroll> autoScroll;
   std::optional<AutoScroll::Turn> turn;  ///< the next or the last one
@@ -86,6 +90,8 @@ class Recorder {
   Clock::time_point lastMotion;  ///< of the content, or of the wheel
   Clock::time_point lastTurn;    ///< of the wheel, as far as it succeeded
   bool movedSinceTurn = false;
+  Place lastPlace;            ///< by which motion is noticed
+  std::size_t timesLost = 0;  ///< the same
   RecordingEnd end;
   bool hasEnded = false;
 };

@@ -15,7 +15,7 @@ struct RecordingStatus {
   std::size_t captures = 0;  ///< how many have been kept
   cv::Rect seen;             ///< of the picture so far, relative to the first capture, in pixels
   Translation lastStep;      ///< how far the content moved when it last did
-  Place place;               ///< where in the content the window is, relative to the first capture
+  Place place;               ///< of the last capture, relative to the first one that it joins
 
   /// Whether nothing joins what the window shows to what was seen first: it was scrolled too fast,
   /// and has to go back.

@@ -7,6 +7,10 @@
 #include <string_view>
 #include <system_error>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
 #include <velscroll/arguments/Arguments.h>
@@ -32,6 +36,15 @@ int Complain(const Failure& failure) {
 
 Failure NotEnoughMemory() {
   return Failed("not enough memory; use fewer --threads or stitch fewer captures at a time");
+}
+
+/// Lets the memory of captures go back to the system as soon as they are released. Otherwise the C
+/// library comes to keep it, in pieces, and --memory-limit says little about the process.
+void ReleaseLargeBlocksAtOnce() {
+#ifdef __GLIBC__
+  constexpr int LargeBlock = 1 << 20;
+  mallopt(M_MMAP_THRESHOLD, LargeBlock);
+#endif
 }
 
 /// What an exception means to the user.
@@ -100,6 +113,8 @@ int main(int argc, char** argv) {
   std::set_terminate(EndAfterWorkerFailure);
   std::signal(SIGXFSZ, SIG_IGN);  // writing then fails like on a full disk
   cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
+  OwnStandardError();
+  ReleaseLargeBlocksAtOnce();
   ListenForInterruption();
   return Run(argc, argv);
 }

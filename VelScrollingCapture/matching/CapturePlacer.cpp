@@ -15,7 +15,7 @@ namespace {
 /// So many remembered anchors have to agree on a place before captures there are looked at.
 constexpr int LeastVotes = 6;
 
-/// So many places, and captures at each, are looked at.
+/// So many places, and captures at each, are looked at in vain.
 constexpr std::size_t MostPlaces = 3;
 constexpr std::size_t MostCapturesOfPlace = 2;
 
@@ -66,7 +66,7 @@ class CapturePlacer::Implementation {
 
   void Place(std::size_t index, const PreparedCapture& capture) {
     Require(index, capture);
-    Place(index, capture, index == 0 ? PairMatch() : MatchWith(index - 1, index, capture));
+    Place(index, capture, index == 0 ? PairMatch() : MatchWithLast(index, capture));
   }
 
   void PlaceAt(std::size_t index, const PreparedCapture& capture, const cv::Point& motion) {
@@ -155,11 +155,21 @@ class CapturePlacer::Implementation {
     return {pixels, index + 1 == records.size() ? last : PreparedCapture(*pixels)};
   }
 
-  PairMatch MatchWith(std::size_t other, std::size_t index, const PreparedCapture& capture) const {
-    const Earlier earlier = Read(other);
+  PairMatch MatchWithLast(std::size_t index, const PreparedCapture& capture) const {
+    const Earlier earlier = Read(index - 1);
     const auto pixels = captures.GetImageAt(index);
     return StudyPair({*earlier.pixels, earlier.prepared.Anchors()}, {*pixels, capture.Anchors()},
                      settings);
+  }
+
+  /// Matches a capture with another one, when its place is known but for proof.
+  PairMatch MatchAt(const PartPlace& place, std::size_t other, std::size_t index,
+                    const PreparedCapture& capture) const {
+    const Earlier earlier = Read(other);
+    const auto pixels = captures.GetImageAt(index);
+    return StudyExpectedMotion({*earlier.pixels, earlier.prepared.Anchors()},
+                               {*pixels, capture.Anchors()},
+                               parts.Resolve(records[other].place).place - place.place, settings);
   }
 
   /// Where the capture lies: as its pair says, or else as what was seen earlier says.
@@ -189,8 +199,9 @@ class CapturePlacer::Implementation {
   /// Proves the capture against those that lie where it would lie itself.
   std::optional<Record> FindAt(const SeenAnchors::Vote& vote, std::size_t index,
                                const PreparedCapture& capture) const {
-    for (const std::size_t other : CapturesAt({vote.part, vote.place}, capture.Anchors().size)) {
-      PairMatch match = MatchWith(other, index, capture);
+    const PartPlace place = {vote.part, vote.place};
+    for (const std::size_t other : CapturesAt(place, capture.Anchors().size)) {
+      PairMatch match = MatchAt(place, other, index, capture);
       if (IsSure(match.join.verdict)) {
         return JoinedTo(other, std::move(match));
       }
@@ -233,14 +244,16 @@ class CapturePlacer::Implementation {
     if (!parts.AreSeveral()) {
       return;
     }
+    std::size_t failures = 0;
     for (const SeenAnchors::Vote& vote : seen.PlacesOf(capture.Anchors())) {
-      const PartPlace place = parts.Resolve(placed);
-      if (vote.votes < LeastVotes) {
+      if (vote.votes < LeastVotes || failures == MostPlaces) {
         return;
       }
-      if (parts.Resolve({vote.part, vote.place}).part != place.part) {
+      if (parts.Resolve({vote.part, vote.place}).part != parts.Resolve(placed).part) {
         if (const std::optional<Record> other = FindAt(vote, index, capture)) {
           parts.Join(other->place, placed);
+        } else {
+          ++failures;
         }
       }
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -22,6 +23,9 @@ enum class Verdict {
   None,
 };
 
+/// No join lists more alternatives than this.
+constexpr std::size_t MostAlternatives = 1024;
+
 /// How a capture is joined to what was seen before it. A value type.
 struct Join {
   Verdict verdict = Verdict::None;  ///< How sure the motion is.
@@ -35,7 +39,8 @@ struct Join {
   /// How many of the compared pixels are equal.
   std::int64_t equal = 0;
 
-  /// The other motions that explain the pixels as well, the smallest first. Empty unless doubtful.
+  /// The other motions that explain the pixels as well, the smallest first; of more than
+  /// MostAlternatives, the smallest ones. Empty unless doubtful.
   std::vector<Translation> alternatives;
 };
 

@@ -18,6 +18,8 @@
 #include <VelScrollingCapture/stitching/BasicStitcher.h>
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
 
+#include "MatchingPictures.h"
+
 namespace ScrollingCapture {
 namespace {
 
@@ -150,6 +152,14 @@ cv::Mat DrawPreviews(const std::vector<cv::Mat>& captures) {
   return SideBySide(panels);
 }
 
+/// What the cells say about the right motion, and about one that is wrong by a line of text.
+cv::Mat DrawProofs(const cv::Mat& earlier, const cv::Mat& later) {
+  constexpr int Height = 360;
+  const cv::Point motion = MotionOfMostVotes(earlier, later);
+  return SideBySide({WithHeight(DrawProof(earlier, later, motion), Height),
+                     WithHeight(DrawProof(earlier, later, motion + cv::Point(0, 26)), Height)});
+}
+
 void DrawAll(const std::string& samples, const std::string& output) {
   constexpr int SharesHeight = 420;
   const std::vector<cv::Mat> article = ReadSample(samples + "/article");
@@ -158,6 +168,9 @@ void DrawAll(const std::string& samples, const std::string& output) {
   Write(output + "/seams.png",
         SideBySide({DrawShares(article, SharesHeight), DrawShares(map, SharesHeight)}));
   Write(output + "/preview.png", DrawPreviews(article));
+  const std::vector<cv::Mat> toolbar = ReadSample(samples + "/toolbar");
+  Write(output + "/votes.png", SideBySide({WithHeight(DrawVotes(toolbar[0], toolbar[1]), 360)}));
+  Write(output + "/proof.png", DrawProofs(toolbar[0], toolbar[1]));
 }
 
 }  // namespace

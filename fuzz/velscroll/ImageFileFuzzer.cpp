@@ -8,6 +8,7 @@
 #include <testkit/SpillTesting.h>
 #include <testkit/TemporaryFolder.h>
 #include <velscroll/input/ImageFile.h>
+#include <velscroll/terminal/Silence.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -42,6 +43,7 @@ void ReadAny(const std::string& bytes) {
 }  // namespace ScrollingCapture::Fuzzing
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, size_t count) {
+  ScrollingCapture::Program::OwnStandardError();
   ScrollingCapture::Fuzzing::ReadAny({reinterpret_cast<const char*>(bytes), count});
   return 0;
 }

@@ -15,6 +15,7 @@
 #include <testkit/TemporaryFolder.h>
 #include <velscroll/arguments/Arguments.h>
 #include <velscroll/stitch/StitchCommand.h>
+#include <velscroll/terminal/Silence.h>
 
 namespace ScrollingCapture::Fuzzing {
 namespace {
@@ -138,6 +139,7 @@ void RunAny(FuzzedDataProvider& data) {
 }  // namespace ScrollingCapture::Fuzzing
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, size_t count) {
+  ScrollingCapture::Program::OwnStandardError();
   FuzzedDataProvider data(bytes, count);
   ScrollingCapture::Fuzzing::RunAny(data);
   return 0;

@@ -172,6 +172,38 @@ TEST(CapturePlacer, RefusesAbsurdPrescriptionsAndTakesFarOnes) {
   EXPECT_EQ(placed.join.compared, 0);
 }
 
+/// Counts how often captures are read.
+class CountingProvider : public BasicImageProvider {
+ public:
+  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
+    ++reads;
+    return BasicImageProvider::GetImageAt(index);
+  }
+
+  int reads = 0;
+};
+
+TEST(CapturePlacer, LooksAtFewCapturesOfAnotherPartThatIsMuchAlike) {
+  // Pictures that are shown above and below, in another order: each one speaks for a place.
+  cv::Mat page = DrawArticle({TravelWindow.width, 3000}, 5);
+  for (int i = 0; i < 14; ++i) {
+    const cv::Mat picture = DrawPhoto({100, 40}, static_cast<std::uint64_t>(i) + 6);
+    Lay(picture, page, {20 * i, 20 + 45 * i});
+    Lay(picture, page, {20 * i, 2020 + 45 * (5 * i % 14)});
+  }
+  const std::vector<cv::Mat> captures =
+      CapturesAt(page, {0, 100, 200, 300, 2000, 2100, 2200, 2300});
+  CountingProvider provider;
+  CapturePlacer placer(provider, {});
+  std::size_t index = 0;
+  for (cv::Mat capture : captures) {
+    provider.Add(capture);
+    placer.Place(index++, CapturePlacer::Prepare(capture));
+  }
+  EXPECT_EQ(placer.At(index - 1).part, 2);
+  EXPECT_LE(provider.reads, 80);
+}
+
 TEST(CapturePlacer, RefusesCapturesOutOfOrderAndOfAnotherFormat) {
   const std::vector<cv::Mat> captures = CapturesAt(Page(), {0, 150});
   const auto provider = ProviderOf(captures);

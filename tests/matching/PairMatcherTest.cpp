@@ -1,4 +1,7 @@
+#include <array>
 #include <stdexcept>
+#include <string>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -150,6 +153,89 @@ TEST(PairMatcher, ToleratesNoise) {
   EXPECT_EQ(join.verdict, Verdict::Likely);
 }
 
+enum class Header { None, OfOneColour, Textured };
+
+using SmallWindow = std::tuple<cv::Size, Header>;
+
+cv::Mat DrawNoise(const cv::Size& size, std::uint64_t seed) {
+  cv::RNG random(seed);
+  cv::Mat noise(size, CV_8UC4);
+  random.fill(noise, cv::RNG::UNIFORM, 0, 256);
+  cv::Mat alpha(size, CV_8UC1, cv::Scalar(255));
+  cv::insertChannel(alpha, noise, 3);
+  return noise;
+}
+
+void LayHeader(Header header, int rows, cv::Mat& capture) {
+  if (header == Header::OfOneColour) {
+    capture.rowRange(0, rows).setTo(cv::Scalar(40, 60, 90, 255));
+  } else if (header == Header::Textured) {
+    Lay(DrawNoise({capture.cols, rows}, 9), capture, {0, 0});
+  }
+}
+
+std::string NameOf(const testing::TestParamInfo<SmallWindow>& test) {
+  const auto& [size, header] = test.param;
+  constexpr std::array Names = {"Bare", "UnderAPlainHeader", "UnderATexturedHeader"};
+  return std::to_string(size.width) + "By" + std::to_string(size.height) +
+         Names.at(static_cast<std::size_t>(header));
+}
+
+class PairMatcherSmallWindows : public testing::TestWithParam<SmallWindow> {};
+
+TEST_P(PairMatcherSmallWindows, JoinStepsOfAQuarter) {
+  const auto [size, header] = GetParam();
+  const int quarter = size.height / 4;
+  for (const cv::Mat& page : {DrawNoise({160, 200}, 7), DrawPhoto({160, 200}, 8)}) {
+    for (const int from : {0, 3, 5}) {
+      cv::Mat first = Window(page, size, {0, from});
+      cv::Mat second = Window(page, size, {0, from + quarter});
+      LayHeader(header, quarter, first);
+      LayHeader(header, quarter, second);
+      const Join join = Match(first, second);
+      EXPECT_EQ(join.motion, Translation(-quarter, 0));
+      EXPECT_LE(join.verdict, Verdict::Likely);
+    }
+  }
+}
+
+TEST_P(PairMatcherSmallWindows, AreNotJoinedToOthers) {
+  const auto [size, header] = GetParam();
+  cv::Mat first = Window(DrawNoise({160, 200}, 7), size, {0, 0});
+  cv::Mat second = Window(DrawNoise({160, 200}, 17), size, {0, 0});
+  LayHeader(header, size.height / 4, first);
+  LayHeader(header, size.height / 4, second);
+  EXPECT_GE(Match(first, second).verdict, Verdict::Doubtful);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, PairMatcherSmallWindows,
+    testing::Combine(testing::Values(cv::Size(48, 48), cv::Size(64, 48), cv::Size(48, 96),
+                                     cv::Size(80, 64), cv::Size(96, 80), cv::Size(120, 80),
+                                     cv::Size(160, 120)),
+                     testing::Values(Header::None, Header::OfOneColour, Header::Textured)),
+    NameOf);
+
+TEST(PairMatcher, DoubtsBlankOverlapsAndListsTheAlternatives) {
+  const cv::Mat page = DrawPhoto({640, 1200}, 19);
+  page.rowRange(300, 800).setTo(cv::Scalar(255, 255, 255, 255));
+  const Join join = MatchWindows(page, {0, 100}, {0, 400});
+  EXPECT_EQ(join.verdict, Verdict::Doubtful);
+  EXPECT_EQ(join.motion, Translation(-200, 0));
+  EXPECT_EQ(join.equal, join.compared);
+  EXPECT_THAT(join.alternatives, testing::Contains(Translation(-300, 0)));
+  EXPECT_THAT(join.alternatives, testing::Not(testing::Contains(Translation(-200, 0))));
+}
+
+TEST(PairMatcher, TakesTheStepBeforeWhereTheOverlapIsBlank) {
+  const cv::Mat page = DrawPhoto({640, 1200}, 19);
+  page.rowRange(300, 800).setTo(cv::Scalar(255, 255, 255, 255));
+  const Join join = MatchPair(Window(page, Size, {0, 100}), Window(page, Size, {0, 400}), {},
+                              Translation(-300, 0));
+  EXPECT_EQ(join.motion, Translation(-300, 0));
+  EXPECT_THAT(join.alternatives, testing::Contains(Translation(-200, 0)));
+}
+
 TEST(PairMatcher, TakesRepeatedCapturesForUnmoved) {
   const cv::Mat page = DrawArticle({640, 900}, 15);
   cv::Mat second = Window(page, Size, {0, 100});
@@ -157,6 +243,16 @@ TEST(PairMatcher, TakesRepeatedCapturesForUnmoved) {
   const Join join = Match(Window(page, Size, {0, 100}), second);
   EXPECT_EQ(join.motion, Translation());
   EXPECT_EQ(join.verdict, Verdict::Likely);
+}
+
+TEST(PairMatcher, ProvesThatACaptureRepeatsTheOneBeforeEvenWhereRowsAreMuchAlike) {
+  for (const cv::Mat& page : {DrawLog({640, 900}, 17), DrawArticle({640, 900}, 17)}) {
+    cv::Mat capture = Window(page, Size, {0, 100});
+    Lay(DrawPhoto({120, 100}, 1), capture, {400, 150});
+    const Join join = Match(capture, capture);
+    EXPECT_EQ(join.motion, Translation());
+    EXPECT_EQ(join.verdict, Verdict::Proven);
+  }
 }
 
 TEST(PairMatcher, DoubtsEqualRowsAndListsTheAlternatives) {

@@ -59,6 +59,24 @@ TEST_F(Joins, InDoubtAreTakenAndToldWithTheAlternatives) {
   EXPECT_EQ((join.at("rows").get<int>() + 30) % 16, 0);
 }
 
+TEST_F(Joins, InDoubtAreToldWithTheNearestAlternativesOnly) {
+  page.rowRange(40, 240).setTo(cv::Scalar::all(255));
+  WriteCapture("1.png", 0);
+  WriteCapture("2.png", 60);
+  const Testing::ProgramResult result = Stitch({"1.png", "2.png"});
+  EXPECT_EQ(result.status, 0);
+  const json join = WrittenReport().at("captures").at(1).at("join");
+  ASSERT_EQ(join.at("verdict"), "doubtful");
+  const std::size_t alternatives = join.at("alternatives").size();
+  ASSERT_GT(alternatives, 3);
+  const int rows = join.at("rows").get<int>();
+  const auto motion = [](int moved) { return std::to_string(moved) + " rows, 0 columns"; };
+  EXPECT_THAT(
+      result.standardError,
+      HasSubstr("but these explain both as well: " + motion(rows - 1) + "; " + motion(rows - 2) +
+                "; " + motion(rows - 3) + "; and " + std::to_string(alternatives - 3) + " more\n"));
+}
+
 TEST_F(Joins, ThatAreMissingLeaveThePictureInParts) {
   WriteTwoParts();
   const Testing::ProgramResult result = Stitch({"1.png", "2.png", "3.png", "4.png"});

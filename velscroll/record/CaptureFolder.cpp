@@ -31,9 +31,8 @@ void Write(const cv::Mat& capture, const std::string& path) {
 
 }  // namespace
 
-CaptureFolder::CaptureFolder(const std::string& folder, Console& console)
-    : folder(folder), console(console), keeps(!folder.empty()) {
-  if (!keeps) {
+CaptureFolder::CaptureFolder(const std::string& folder) : folder(folder) {
+  if (folder.empty()) {
     return;
   }
   MakeFolder(folder);
@@ -52,14 +51,13 @@ std::string CaptureFolder::NameOf(std::size_t index) const {
 
 void CaptureFolder::Keep(const cv::Mat& capture) {
   const std::string path = NameOf(count++);
-  if (!keeps) {
+  if (folder.empty() || !trouble.empty()) {
     return;
   }
   try {
     Write(capture, path);
   } catch (const Failure& failure) {
-    keeps = false;
-    console.Warn(std::string(failure.what()) + "; no further captures are kept");
+    trouble = failure.what();
   }
 }
 

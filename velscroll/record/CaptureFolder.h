@@ -4,7 +4,6 @@
 #include <string>
 
 #include <opencv2/core.hpp>
-#include <velscroll/terminal/Console.h>
 
 namespace ScrollingCapture::Program {
 
@@ -13,9 +12,8 @@ class CaptureFolder {
  public:
   /// Makes the folder unless it is there. Throws BadInput when that is not possible, or captures
   /// are in it already.
-  /// @param folder  empty: nothing is kept
-  /// @param console hears once when captures cannot be kept any more; must outlive this
-  CaptureFolder(const std::string& folder, Console& console);
+  /// @param folder empty: nothing is kept
+  explicit CaptureFolder(const std::string& folder);
 
   /// The path of a capture, or its name when nothing is kept.
   /// @param index from 0
@@ -27,11 +25,13 @@ class CaptureFolder {
 
   std::size_t Count() const { return count; }
 
+  /// Why captures were not kept any more, in words; empty when all were.
+  const std::string& Trouble() const { return trouble; }
+
  private:
   const std::string folder;
-  Console& console;
   std::size_t count = 0;
-  bool keeps;
+  std::string trouble;
 };
 
 }  // namespace ScrollingCapture::Program

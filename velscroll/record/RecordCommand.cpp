@@ -116,6 +116,9 @@ ReportContent RecordEverything(const RecordArguments& arguments, CaptureFolder& 
   }
   StageClock clock;
   TellEnd(recorder.Run(), console);
+  if (!folder.Trouble().empty()) {
+    console.Warn(folder.Trouble() + "; not all captures are in the folder of --keep-captures");
+  }
   const double recording = clock.Lap();
   ReportContent content = StitchAndStage(session, arguments.session, arguments.strict,
                                          Describe(folder), outputs, console);
@@ -139,7 +142,7 @@ ExitStatus RunRecordCommand(const RecordArguments& arguments) try {
   Outputs outputs(arguments.outputs);
   const std::optional<Clipboard> clipboard = ClipboardOf(arguments);
   Console console(arguments.loudness, !outputs.UseStandardOutput());
-  CaptureFolder folder(arguments.captureFolder, console);
+  CaptureFolder folder(arguments.captureFolder);
   const ReportContent content = RecordEverything(arguments, folder, outputs, console);
   const ExitStatus status = ShowResults(content, outputs, console);
   if (clipboard) {

@@ -1,10 +1,17 @@
 #include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <string>
+#include <vector>
 
 #include <velscroll/report/ReportedCapture.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
 namespace {
+
+/// A warning names so many alternatives; the report has them all.
+constexpr std::size_t MostNamedAlternatives = 3;
 
 ReportedCapture Describe(const std::string& file, const CaptureInPicture& placed, bool isFirst,
                          std::size_t partsBefore) {
@@ -36,11 +43,28 @@ std::string MotionText(const Translation& motion) {
          " columns";
 }
 
-std::string DoubtAbout(const std::string& previous, const ReportedCapture& capture) {
-  std::string others;
-  for (const Translation& alternative : capture.join->alternatives) {
-    others += (others.empty() ? "" : "; ") + MotionText(alternative);
+/// The nearest of a join's alternatives, and how many more there are.
+std::string AlternativesText(const Join& join) {
+  const auto distance = [&join](const Translation& motion) {
+    return std::abs(motion.GetRows() - join.motion.GetRows()) +
+           std::abs(motion.GetCols() - join.motion.GetCols());
+  };
+  std::vector<Translation> others = join.alternatives;
+  std::stable_sort(others.begin(), others.end(), [&](const auto& left, const auto& right) {
+    return distance(left) < distance(right);
+  });
+  std::string text;
+  for (std::size_t i = 0; i < std::min(others.size(), MostNamedAlternatives); ++i) {
+    text += (text.empty() ? "" : "; ") + MotionText(others[i]);
   }
+  if (others.size() > MostNamedAlternatives) {
+    text += "; and " + std::to_string(others.size() - MostNamedAlternatives) + " more";
+  }
+  return text;
+}
+
+std::string DoubtAbout(const std::string& previous, const ReportedCapture& capture) {
+  const std::string others = AlternativesText(*capture.join);
   return "it is in doubt how " + Quoted(capture.file) + " joins " + Quoted(previous) +
          ": a motion of " + MotionText(capture.join->motion) + " was taken" +
          (others.empty() ? "" : ", but these explain both as well: " + others);
@@ -62,6 +86,17 @@ std::string WarningAbout(const std::string& previous, const ReportedCapture& cap
 }
 
 }  // namespace
+
+Join JoinOfRepeat(const cv::Mat& kept, const cv::Mat& repeat) {
+  const auto pixels = [](const cv::Mat& capture) {
+    return cv::Mat(capture.size(), CV_32SC1, capture.data, capture.step);
+  };
+  Join join;
+  join.compared = static_cast<std::int64_t>(kept.total());
+  join.equal = cv::countNonZero(pixels(kept) == pixels(repeat));
+  join.verdict = join.equal == join.compared ? Verdict::Proven : Verdict::Likely;
+  return join;
+}
 
 std::vector<ReportedCapture> DescribeCaptures(const std::vector<CaptureFile>& files,
                                               const std::vector<CaptureInPicture>& placed) {

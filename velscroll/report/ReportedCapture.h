@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <opencv2/core.hpp>
+
 #include <VelScrollingCapture/core/Place.h>
 #include <VelScrollingCapture/matching/Join.h>
 #include <VelScrollingCapture/session/SessionResult.h>
@@ -41,6 +43,10 @@ struct ReportedCapture {
   /// Whether it was laid by a motion that the pixels contradict.
   bool contradicted = false;
 };
+
+/// How alike a capture and the one that it repeats are.
+/// @param kept,repeat CV_8UC4, of equal size
+Join JoinOfRepeat(const cv::Mat& kept, const cv::Mat& repeat);
 
 /// Puts together what is known of every file after a stitch.
 /// @param files  the files in the order they were read; the first one is no repeat

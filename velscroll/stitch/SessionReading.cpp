@@ -8,17 +8,6 @@
 namespace ScrollingCapture::Program {
 namespace {
 
-Join JoinOfRepeat(const cv::Mat& kept, const cv::Mat& repeat) {
-  const auto pixels = [](const cv::Mat& capture) {
-    return cv::Mat(capture.size(), CV_32SC1, capture.data, capture.step);
-  };
-  Join join;
-  join.compared = static_cast<std::int64_t>(kept.total());
-  join.equal = cv::countNonZero(pixels(kept) == pixels(repeat));
-  join.verdict = join.equal == join.compared ? Verdict::Proven : Verdict::Likely;
-  return join;
-}
-
 bool Overlaps(const Translation& motion, const cv::Size& size) {
   return std::abs(motion.GetRows()) < size.height && std::abs(motion.GetCols()) < size.width;
 }

@@ -17,6 +17,7 @@ const FileDescriptor& Original() {
   return original;
 }
 
+bool isOwn = false;
 std::mutex mutex;
 int silences = 0;
 
@@ -28,9 +29,11 @@ void SendStandardErrorTo(int target) {
 
 }  // namespace
 
+void OwnStandardError() { isOwn = true; }
+
 Silence::Silence() {
   const std::lock_guard<std::mutex> lock(mutex);
-  if (++silences > 1 || !Original().IsOpen()) {
+  if (++silences > 1 || !isOwn || !Original().IsOpen()) {
     return;
   }
   const FileDescriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
@@ -41,7 +44,7 @@ Silence::Silence() {
 
 Silence::~Silence() {
   const std::lock_guard<std::mutex> lock(mutex);
-  if (--silences == 0 && Original().IsOpen()) {
+  if (--silences == 0 && isOwn && Original().IsOpen()) {
     SendStandardErrorTo(Original().Number());
   }
 }

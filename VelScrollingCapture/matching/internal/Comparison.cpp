@@ -47,13 +47,17 @@ SCROLLING_CAPTURE_WIDE_TARGET void CountEqualWidely(const CellRow& row, std::uin
 /// Two captures under one motion.
 class Comparer {
  public:
-  Comparer(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion, Vectors vectors)
+  Comparer(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
+           const cv::Rect& content, Vectors vectors)
       : earlier(earlier),
         later(later),
         motion(motion),
         countEqual(vectors == Vectors::Widest && HasWideVectors() ? CountEqualWidely
                                                                   : CountEqualPlainly) {
     result.overlap = OverlapOf(later.size(), motion);
+    if (!result.overlap.empty()) {
+      result.overlap &= content & (content + motion);
+    }
     result.unequal = cv::Mat::zeros(CellsOf(later.size()), CV_8UC1);
   }
 
@@ -146,8 +150,13 @@ cv::Rect OverlapOf(const cv::Size& capture, const cv::Point& motion) {
 }
 
 Comparison Compare(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
+                   const cv::Rect& content, Vectors vectors) {
+  return Comparer(earlier, later, motion, content, vectors).Compare();
+}
+
+Comparison Compare(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
                    Vectors vectors) {
-  return Comparer(earlier, later, motion, vectors).Compare();
+  return Compare(earlier, later, motion, {{0, 0}, later.size()}, vectors);
 }
 
 }  // namespace ScrollingCapture

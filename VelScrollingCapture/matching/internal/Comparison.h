@@ -28,6 +28,11 @@ struct Comparison {
 
 /// Compares every pixel that both captures show when the content moved so.
 /// @param earlier,later pixel keys (CV_32SC1) of captures of equal size
+/// @param content where in the captures content moves; nothing else is compared
+Comparison Compare(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
+                   const cv::Rect& content, Vectors vectors);
+
+/// The same for all of the captures.
 Comparison Compare(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
                    Vectors vectors);
 

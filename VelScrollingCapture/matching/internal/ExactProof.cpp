@@ -6,8 +6,9 @@
 namespace ScrollingCapture {
 namespace {
 
-/// The least number of cells that say anything at all.
+/// The least number of cells that say anything at all: so many, or this part of a small capture.
 constexpr int LeastUnique = 12;
+constexpr int LeastPartUnique = 6;
 
 /// A contradiction may outweigh what is unique so many times, when what agrees outweighs it.
 constexpr int MostTilesAgainst = 3;
@@ -30,6 +31,12 @@ constexpr int LeastWin = 4;
 /// Bars at an edge take at most one of so many parts of a window.
 constexpr int EdgeParts = 6;
 
+/// A bar takes at most this share of a window.
+constexpr double LargestBar = 0.4;
+
+/// Captures of fewer cells along one side are small.
+constexpr int SmallSide = 20;
+
 constexpr int MostTileCells = 4;
 
 /// Tiles are squares of so many cells a side, fewer in small captures.
@@ -51,15 +58,56 @@ bool IsMarkedInEarlier(const cv::Mat& marks, const cv::Rect& pixels) {
   return false;
 }
 
+/// The cells that a patch bears witness for: the one in its middle, or all that lie within it in
+/// small captures, where no part of the content has many patches.
+cv::Rect CellsWithin(const cv::Point& place, const cv::Size& cells) {
+  if (std::min(cells.width, cells.height) >= SmallSide) {
+    return {CentreOf(place) / CellSide, cv::Size(1, 1)};
+  }
+  const cv::Point first = (place + cv::Point(CellSide - 1, CellSide - 1)) / CellSide;
+  const cv::Point end = (place + cv::Point(PatchSide, PatchSide)) / CellSide;
+  return {first, end};
+}
+
 cv::Mat UniqueCells(const std::vector<Match>& matches, const cv::Point& motion,
                     const cv::Size& cells) {
   cv::Mat agreeing = cv::Mat::zeros(cells, CV_8UC1);
   for (const Match& match : matches) {
     if (match.motion == motion) {
-      agreeing.at<unsigned char>(CentreOf(match.place) / CellSide) = 1;
+      agreeing(CellsWithin(match.place, cells)).setTo(1);
     }
   }
   return agreeing;
+}
+
+int LeastUniqueOf(const cv::Size& cells) {
+  return std::min(LeastUnique, cells.area() / LeastPartUnique);
+}
+
+bool IsOfOneColour(const int* pixels, int count) {
+  return std::all_of(pixels, pixels + count,
+                     [colour = *pixels](int pixel) { return pixel == colour; });
+}
+
+/// How many rows from one end on stand still although no anchor can say so, since they are of one
+/// colour or fewer than a patch has.
+int RowsOfBar(const cv::Mat& earlier, const cv::Mat& later, bool fromBelow) {
+  const int most = static_cast<int>(later.rows * LargestBar);
+  int plain = 0;
+  int rows = 0;
+  for (; rows < most; ++rows) {
+    const int row = fromBelow ? later.rows - 1 - rows : rows;
+    const int* const pixels = later.ptr<int>(row);
+    if (!std::equal(pixels, pixels + later.cols, earlier.ptr<int>(row))) {
+      break;
+    }
+    plain += static_cast<int>(plain == rows && IsOfOneColour(pixels, later.cols));
+  }
+  return rows - plain < PatchSide ? rows : plain;
+}
+
+cv::Range RowsBetweenBars(const cv::Mat& earlier, const cv::Mat& later) {
+  return {RowsOfBar(earlier, later, false), later.rows - RowsOfBar(earlier, later, true)};
 }
 
 /// The cells of the overlap that disagree although nothing stands still there.
@@ -142,7 +190,8 @@ cv::Rect InteriorOf(const cv::Mat& cells) {
 }  // namespace
 
 bool Finding::IsPlausible(bool isDominant) const {
-  if (unique < LeastUnique || standing > MostExcuses * std::min(unique, witnesses)) {
+  if (unique < LeastUniqueOf(comparison.unequal.size()) ||
+      standing > MostExcuses * std::min(unique, witnesses)) {
     return false;
   }
   if (tilesUnique >= tilesAgainstUnique) {
@@ -169,11 +218,32 @@ const cv::Mat& ExactProof::Detailed() const {
   return detailed;
 }
 
+cv::Rect ExactProof::ContentFor(const cv::Point& motion) const {
+  cv::Rect content({0, 0}, later.size());
+  if (motion.x == 0 && motion.y != 0) {
+    if (!contentRows) {
+      contentRows = RowsBetweenBars(earlier, later);
+    }
+    content.y = contentRows->start;
+    content.height = contentRows->size();
+  } else if (motion.y == 0 && motion.x != 0) {
+    if (!contentColumns) {
+      contentColumns = RowsBetweenBars(earlier.t(), later.t());
+    }
+    content.x = contentColumns->start;
+    content.width = contentColumns->size();
+  }
+  return content;
+}
+
 Finding ExactProof::Examine(const cv::Point& motion) const {
+  return Examine(motion, FindStandingParts(matches, motion, later.size()));
+}
+
+Finding ExactProof::Examine(const cv::Point& motion, const StandingParts& parts) const {
   Finding finding;
   finding.motion = motion;
-  finding.comparison = Compare(earlier, later, motion, Vectors::Widest);
-  const StandingParts parts = FindStandingParts(matches, motion, later.size());
+  finding.comparison = Compare(earlier, later, motion, ContentFor(motion), Vectors::Widest);
   finding.witnesses = parts.witnesses;
   const cv::Mat contradicting =
       ContradictingCells(finding.comparison, motion, parts, finding.standing);
@@ -196,7 +266,8 @@ Finding ExactProof::Examine(const cv::Point& motion) const {
 
 bool ExactProof::IsUniqueInside(const cv::Point& motion) const {
   const cv::Mat unique = UniqueCells(matches, motion, CellsOf(later.size()));
-  return cv::countNonZero(unique(InteriorOf(unique))) >= LeastUnique;
+  const cv::Rect interior = InteriorOf(unique);
+  return cv::countNonZero(unique.rowRange(interior.y, interior.br().y)) >= LeastUnique;
 }
 
 bool ExactProof::StandsStill() const {

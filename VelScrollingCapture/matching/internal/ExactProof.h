@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/matching/internal/Comparison.h>
+#include <VelScrollingCapture/matching/internal/StandingParts.h>
 #include <VelScrollingCapture/matching/internal/Votes.h>
 
 namespace ScrollingCapture {
@@ -46,7 +48,10 @@ class ExactProof {
 
   Finding Examine(const cv::Point& motion) const;
 
-  /// Whether anything that is unique lies away from the edges of the window, where bars are.
+  /// The same, when it is known what stands still.
+  Finding Examine(const cv::Point& motion, const StandingParts& parts) const;
+
+  /// Whether anything that is unique lies away from the upper and lower edge, where bars are.
   bool IsUniqueInside(const cv::Point& motion) const;
 
   /// Whether nothing moved: what agrees is not only bars at the window's edges.
@@ -57,11 +62,16 @@ class ExactProof {
 
  private:
   const cv::Mat& Detailed() const;
+  cv::Rect ContentFor(const cv::Point& motion) const;
 
   const cv::Mat& earlier;
   const cv::Mat& later;
   const std::vector<Match>& matches;
-  mutable cv::Mat detailed;  ///< the cells that have detail, once they are asked for
+
+  // Once they are asked for:
+  mutable cv::Mat detailed;  ///< the cells that have detail
+  mutable std::optional<cv::Range> contentRows;
+  mutable std::optional<cv::Range> contentColumns;
 };
 
 }  // namespace ScrollingCapture

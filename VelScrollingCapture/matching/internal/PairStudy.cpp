@@ -6,6 +6,7 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include <VelScrollingCapture/matching/internal/BlankOverlap.h>
 #include <VelScrollingCapture/matching/internal/PairStudy.h>
 #include <VelScrollingCapture/matching/internal/Periods.h>
 #include <VelScrollingCapture/matching/internal/PixelKeys.h>
@@ -89,20 +90,49 @@ class PairStudyRun {
     return found;
   }
 
-  PairMatch Run() {
-    if (std::optional<PairMatch> exact = ByUniqueAnchors()) {
+  PairMatch RunExpecting(const cv::Point& motion) {
+    if (std::optional<PairMatch> exact = ByAnchors()) {
       return *std::move(exact);
     }
-    if (std::optional<PairMatch> repeated = ByRepeatedAnchors()) {
-      return *std::move(repeated);
+    const cv::Mat earlierGrey = GreyOf(earlier.pixels);
+    const cv::Mat laterGrey = GreyOf(later.pixels);
+    const TolerantProof tolerant(earlierGrey, laterGrey);
+    return tolerant.Examine(motion).IsPlausible(IsSupported(motion))
+               ? ByCorrelation(earlierGrey, laterGrey)
+               : PairMatch();
+  }
+
+  PairMatch Run() {
+    if (std::optional<PairMatch> exact = ByAnchors()) {
+      return *std::move(exact);
     }
-    return ByCorrelation();
+    PairMatch found = ByCorrelation(GreyOf(earlier.pixels), GreyOf(later.pixels));
+    return found.join.verdict == Verdict::None ? ByBlankOverlap() : found;
   }
 
  private:
-  PairMatch ByCorrelation() const {
-    const cv::Mat earlierGrey = GreyOf(earlier.pixels);
-    const cv::Mat laterGrey = GreyOf(later.pixels);
+  std::optional<PairMatch> ByAnchors() {
+    if (std::optional<PairMatch> exact = ByUniqueAnchors()) {
+      return exact;
+    }
+    return ByRepeatedAnchors();
+  }
+
+  PairMatch ByBlankOverlap() const {
+    const std::vector<cv::Point> motions =
+        MotionsOfBlankOverlap(earlierKeys, laterKeys, settings.orientation);
+    return motions.empty() ? PairMatch() : InDoubt(motions);
+  }
+
+  /// @param motions the smallest first
+  PairMatch InDoubt(const std::vector<cv::Point>& motions) const {
+    PairMatch match;
+    match.join.verdict = Verdict::Doubtful;
+    SetMotions(motions.front(), {motions.begin() + 1, motions.end()}, match.join);
+    return match;
+  }
+
+  PairMatch ByCorrelation(const cv::Mat& earlierGrey, const cv::Mat& laterGrey) const {
     TolerantSearch search(earlierGrey, laterGrey, settings.orientation,
                           [this](const cv::Point& motion) { return IsSupported(motion); });
     std::vector<cv::Point> proposed;
@@ -122,6 +152,7 @@ class PairStudyRun {
   /// Fills in a join under a motion, whose rivals come in any order.
   void SetMotions(const cv::Point& motion, std::vector<cv::Point> rivals, Join& join) const {
     std::sort(rivals.begin(), rivals.end(), IsSmaller);
+    rivals.resize(std::min(rivals.size(), MostAlternatives));
     const Comparison comparison = Compare(earlierKeys, laterKeys, motion, Vectors::Widest);
     join.motion = ToTranslation(motion);
     join.compared = comparison.Compared();
@@ -239,10 +270,11 @@ class PairStudyRun {
     if (!MayBePeriodic(motion)) {
       return;
     }
+    const StandingParts parts = FindStandingParts(matches, motion, later.pixels.size());
     for (const cv::Point& period : PeriodsOf(later.pixels)) {
       for (const int times : {-2, -1, 1, 2}) {
         const cv::Point rival = motion + times * period;
-        if (IsAllowed(rival, settings.orientation) && MayRepeat(rival)) {
+        if (IsAllowed(rival, settings.orientation) && MayRepeat(rival, parts)) {
           rivals.push_back(rival);
         }
       }
@@ -263,12 +295,12 @@ class PairStudyRun {
     return repeated * 4 > anchors.size();
   }
 
-  bool MayRepeat(const cv::Point& rival) const {
-    const Finding finding = proof.Examine(rival);
+  bool MayRepeat(const cv::Point& rival, const StandingParts& parts) const {
+    const Finding finding = proof.Examine(rival, parts);
     if (finding.IsPossible()) {
       return true;
     }
-    if (finding.contradicting + finding.standing <= finding.agreeing || !MayBeLossy(later.pixels)) {
+    if (finding.contradicting <= finding.agreeing || !MayBeLossy(later.pixels)) {
       return false;
     }
     const cv::Mat earlierGrey = GreyOf(earlier.pixels);
@@ -332,11 +364,11 @@ class PairStudyRun {
     std::transform(survivors.begin(), survivors.end(), motions.begin(),
                    [](const Finding& finding) { return finding.motion; });
     std::sort(motions.begin(), motions.end(), IsSmaller);
-    PairMatch match;
-    const bool isOnly = survivors.size() == 1 && survivors.front().contradicting == 0 &&
-                        survivors.front().unique >= LeastWitnesses;
-    match.join.verdict = isOnly ? Verdict::Likely : Verdict::Doubtful;
-    SetMotions(motions.front(), {motions.begin() + 1, motions.end()}, match.join);
+    PairMatch match = InDoubt(motions);
+    if (survivors.size() == 1 && survivors.front().contradicting == 0 &&
+        survivors.front().unique >= LeastWitnesses) {
+      match.join.verdict = Verdict::Likely;
+    }
     return match;
   }
 
@@ -355,6 +387,11 @@ class PairStudyRun {
 PairMatch StudyPair(const AnchoredCapture& earlier, const AnchoredCapture& later,
                     const MatchingSettings& settings) {
   return PairStudyRun(earlier, later, settings).Run();
+}
+
+PairMatch StudyExpectedMotion(const AnchoredCapture& earlier, const AnchoredCapture& later,
+                              const cv::Point& expected, const MatchingSettings& settings) {
+  return PairStudyRun(earlier, later, settings).RunExpecting(expected);
 }
 
 PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& later,

@@ -32,6 +32,11 @@ struct PairMatch {
 PairMatch StudyPair(const AnchoredCapture& earlier, const AnchoredCapture& later,
                     const MatchingSettings& settings);
 
+/// The same, when the captures are thought to have moved so. Where no pixels agree, only that is
+/// looked into: a motion anywhere takes long to find.
+PairMatch StudyExpectedMotion(const AnchoredCapture& earlier, const AnchoredCapture& later,
+                              const cv::Point& expected, const MatchingSettings& settings);
+
 /// Asks the same about one motion only, whoever proposed it.
 PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& later,
                       const cv::Point& motion, const MatchingSettings& settings);

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t InitialSlots = 4096;
 
 /// The picture's squares have so many pixels a side.
-constexpr int SquareSide = 32;
+constexpr int SquareSide = 64;
 
 /// Each square may have so many times as many anchors as one picture of it gives.
 constexpr int Renewals = 2;
@@ -24,7 +24,8 @@ constexpr int Free = -1;
 
 /// How many zero bits a remembered anchor's hashes have: those of an anchor, and further ones.
 int ZeroBitsOf(const CaptureAnchors& capture) {
-  return SelectingZeroBits(capture.size, CV_MAT_CN(capture.type)) >= 4 ? 7 : 6;
+  const int selecting = SelectingZeroBits(capture.size, CV_MAT_CN(capture.type));
+  return std::clamp(selecting + 3, 6, 8);
 }
 
 int FurtherZeroBits(const CaptureAnchors& capture) {
@@ -128,7 +129,7 @@ void SeenAnchors::Note(std::uint32_t hash, int part, const cv::Point& place, int
   if (count < room) {
     ++count;
     seen = {hash, place.y, place.x, part};
-    if (++used * 2 > slots.size()) {
+    if (++used * 4 > slots.size() * 3) {
       Grow();
     }
   }

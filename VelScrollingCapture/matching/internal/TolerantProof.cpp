@@ -115,7 +115,7 @@ bool TolerantFinding::IsPlausible(bool isSupported) const {
 bool TolerantFinding::HardlyContradicts() const {
   // Tiles that agree under (0, 0) as well count here: content that repeats itself does so.
   const double tiles = explained / double{MostResidue};
-  return tiles >= leastTiles && tilesAgainst * 4 <= tiles;
+  return tiles >= leastTiles && tilesUnlike * 4 <= tiles;
 }
 
 bool TolerantFinding::Outclasses(const TolerantFinding& rival) const {
@@ -181,6 +181,7 @@ TolerantFinding TolerantProof::Examine(const cv::Point& motion) const {
       const bool standsStill = motion != cv::Point() &&
                                (Agrees(still.at<float>(row, column)) ||
                                 (residue != Silent && Agrees(At(still, tile - motion, tileSide))));
+      finding.tilesUnlike += static_cast<int>(residue != Silent && !Agrees(residue));
       if (standsStill) {
         finding.residues.at<float>(row, column) = Silent;
       }

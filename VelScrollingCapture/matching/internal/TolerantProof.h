@@ -13,7 +13,8 @@ struct TolerantFinding {
   double explained = 0;  ///< the variance that is explained without jitter, summed up over tiles
   int tilesFor = 0;
   int tilesAgainst = 0;
-  int innerFor = 0;  ///< of those, the tiles that are not near the capture's edge
+  int tilesUnlike = 0;  ///< those that disagree, whether they stand still or not
+  int innerFor = 0;     ///< of those, the tiles that are not near the capture's edge
   int innerAgainst = 0;
   int leastTiles = 0;  ///< how many tiles say anything at all
   int tilesExact = 0;  ///< of those for the motion, the tiles that agree in every pixel

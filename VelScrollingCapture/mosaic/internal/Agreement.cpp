@@ -59,6 +59,7 @@ std::vector<int> Union(const std::vector<int>& first, const std::vector<int>& se
   std::vector<int> all;
   all.reserve(first.size() + second.size());
   std::set_union(first.begin(), first.end(), second.begin(), second.end(), std::back_inserter(all));
+  all.shrink_to_fit();
   return all;
 }
 

@@ -22,7 +22,7 @@ class EvidenceGatherer {
     }
     for (cv::Mat* counts : {&evidence.firstMoved, &evidence.firstPlain, &evidence.secondMoved,
                             &evidence.secondPlain}) {
-      *counts = cv::Mat::zeros(cells, CV_32S);
+      *counts = cv::Mat::zeros(cells, CV_8U);
     }
   }
 
@@ -37,6 +37,7 @@ class EvidenceGatherer {
       AddRow(row, secondRow);
     }
     CloseCells();
+    evidence.contradictions.shrink_to_fit();
     return std::move(evidence);
   }
 
@@ -53,21 +54,22 @@ class EvidenceGatherer {
                     firstMoves.data());
     MarkDifferences(first.ptr(secondRow, secondColumn), second.ptr(secondRow, secondColumn), count,
                     bytes, secondMoves.data());
-    AddAgreement(firstMoves, column, evidence.firstMoved.ptr<int>(firstCellRow),
-                 evidence.firstPlain.ptr<int>(firstCellRow));
-    AddAgreement(secondMoves, secondColumn, evidence.secondMoved.ptr<int>(secondCellRow),
-                 evidence.secondPlain.ptr<int>(secondCellRow));
+    AddAgreement(firstMoves, column, evidence.firstMoved.ptr(firstCellRow),
+                 evidence.firstPlain.ptr(firstCellRow));
+    AddAgreement(secondMoves, secondColumn, evidence.secondMoved.ptr(secondCellRow),
+                 evidence.secondPlain.ptr(secondCellRow));
     if (disagree) {
       AddContradictions(firstKinds.ptr(row, column), secondKinds.ptr(secondRow, secondColumn));
     }
   }
 
-  void AddAgreement(const std::vector<std::uint8_t>& moves, int column, int* moved,
-                    int* plain) const {
+  void AddAgreement(const std::vector<std::uint8_t>& moves, int column, std::uint8_t* moved,
+                    std::uint8_t* plain) const {
     for (size_t i = 0; i < moves.size(); ++i) {
       const int cell = (column + static_cast<int>(i)) / CellSize;
-      moved[cell] += (1 - contradicts[i]) & moves[i];
-      plain[cell] += (1 - contradicts[i]) & (1 - moves[i]);
+      if (contradicts[i] == 0) {
+        ++(moves[i] != 0 ? moved : plain)[cell];
+      }
     }
   }
 

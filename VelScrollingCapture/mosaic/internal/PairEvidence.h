@@ -31,7 +31,7 @@ struct Contradiction {
 /// What the overlap of a pair says.
 struct PairEvidence {
   std::vector<Contradiction> contradictions;
-  /// Pixels a cell (CV_32S) at which both agree. Moved ones would contradict each other if they
+  /// Pixels a cell (CV_8U) at which both agree. Moved ones would contradict each other if they
   /// stood still; the others would agree then as well.
   cv::Mat firstMoved, firstPlain, secondMoved, secondPlain;
 };

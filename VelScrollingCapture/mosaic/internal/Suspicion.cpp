@@ -20,6 +20,9 @@ namespace {
 constexpr size_t StretchLength = 16;
 constexpr size_t StretchMargin = 8;
 
+/// Of how many captures of a stretch the pixels' kinds are looked at together; a byte a pixel each.
+constexpr size_t GroupLength = 4;
+
 /// Cells of which this share stands still are taken to stand still, in eighths.
 constexpr int StandingEighths = 7;
 
@@ -85,19 +88,44 @@ class StretchSearch {
   std::vector<cv::Mat> Find() {
     kinds.resize(stretch.Count());
     evidence.standsWithNext.resize(stretch.Count());
-    ParallelFor(stretch.Count(), threadCount, [&](size_t i) { LookAt(i); });
     for (size_t i = 0; i < stretch.Count(); ++i) {
       for (const size_t partner : LaterPartners(layout, stretch.begin + i, stretch.end)) {
         evidence.pairs.push_back({i, partner - stretch.begin});
       }
     }
     evidence.found.resize(evidence.pairs.size());
-    ParallelFor(evidence.pairs.size(), threadCount, [&](size_t i) { Compare(i); });
-    kinds.clear();
+    for (size_t begin = 0; begin < stretch.Count(); begin += GroupLength) {
+      CompareGroup(begin, std::min(begin + GroupLength, stretch.Count()));
+    }
     return FindBlame(evidence, CellsOver(layout.CaptureSize()), threadCount);
   }
 
  private:
+  /// Compares some captures with their later partners. Later groups need these no more.
+  void CompareGroup(size_t begin, size_t end) {
+    const auto firstPair = FirstPairFrom(begin);
+    const auto lastPair = FirstPairFrom(end);
+    size_t needed = end;
+    for (auto pair = firstPair; pair != lastPair; ++pair) {
+      needed = std::max(needed, pair->second + 1);
+    }
+    if (needed > lookedAt) {
+      ParallelFor(needed - lookedAt, threadCount, [&](size_t i) { LookAt(lookedAt + i); });
+      lookedAt = needed;
+    }
+    const auto first = static_cast<size_t>(firstPair - evidence.pairs.begin());
+    ParallelFor(static_cast<size_t>(lastPair - firstPair), threadCount,
+                [&](size_t i) { Compare(first + i); });
+    std::fill(kinds.begin() + static_cast<std::ptrdiff_t>(begin),
+              kinds.begin() + static_cast<std::ptrdiff_t>(end), cv::Mat());
+  }
+
+  std::vector<CapturePair>::const_iterator FirstPairFrom(size_t capture) const {
+    return std::lower_bound(
+        evidence.pairs.begin(), evidence.pairs.end(), capture,
+        [](const CapturePair& pair, size_t wanted) { return pair.first < wanted; });
+  }
+
   void LookAt(size_t i) {
     const size_t capture = stretch.begin + i;
     kinds[i] = FindPixelKinds(source, layout, capture);
@@ -117,7 +145,8 @@ class StretchSearch {
   const CaptureLayout& layout;
   const Stretch stretch;
   const unsigned threadCount;
-  std::vector<cv::Mat> kinds;
+  std::vector<cv::Mat> kinds;  ///< of the captures at work; empty for others
+  size_t lookedAt = 0;         ///< captures whose kinds have been found
   SequenceEvidence evidence;
 };
 

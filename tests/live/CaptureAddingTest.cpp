@@ -1,0 +1,68 @@
+#include <atomic>
+#include <stdexcept>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <live/CaptureAdding.h>
+#include <testkit/MatrixTesting.h>
+
+namespace ScrollingCapture::Live {
+namespace {
+
+using Testing::NoiseCapture;
+
+class Adding : public ::testing::Test {
+ protected:
+  cv::Mat At(int row) const { return page({0, row, 200, 160}).clone(); }
+
+  const cv::Mat page = NoiseCapture({200, 1000}, 9);
+  CaptureSession session{SessionSettings()};
+  std::vector<cv::Mat> heard;
+  CaptureAdding adding{session, [this](const cv::Mat& capture) { heard.push_back(capture); }};
+};
+
+TEST_F(Adding, HandsCapturesToTheSessionInTheirOrder) {
+  for (const int row : {0, 50, 100}) {
+    adding.Add(At(row));
+  }
+  adding.Finish();
+  ASSERT_EQ(heard.size(), 3U);
+  EXPECT_TRUE(Testing::SameBits(heard[1], At(50)));
+  const RecordingStatus status = adding.Status();
+  EXPECT_EQ(status.captures, 3U);
+  EXPECT_EQ(status.seen, cv::Rect(0, 0, 200, 260));
+  EXPECT_EQ(status.place, (Place{100, 0}));
+}
+
+TEST_F(Adding, CountsNoRepeats) {
+  adding.Add(At(0));
+  adding.Add(At(0));
+  adding.Finish();
+  EXPECT_EQ(adding.Status().captures, 1U);
+  EXPECT_EQ(heard.size(), 1U);
+}
+
+TEST_F(Adding, SaysTooFastUntilItIsBackAtWhatWasSeen) {
+  adding.Add(At(0));
+  adding.Add(At(60));
+  adding.Add(At(400));
+  adding.Finish();
+  EXPECT_TRUE(adding.Status().tooFast);
+  EXPECT_EQ(adding.Status().lastJoined, (Place{60, 0}));
+  EXPECT_EQ(adding.Status().seen, cv::Rect(0, 0, 200, 220));
+  adding.Add(At(130));
+  adding.Finish();
+  EXPECT_FALSE(adding.Status().tooFast);
+  EXPECT_EQ(adding.Status().place, (Place{130, 0}));
+}
+
+TEST(AddingThatFails, IsToldToTheCaller) {
+  CaptureSession session{SessionSettings()};
+  CaptureAdding adding(session, [](const cv::Mat&) { throw std::runtime_error("full"); });
+  adding.Add(NoiseCapture({200, 160}, 1));
+  EXPECT_THROW(adding.Finish(), std::runtime_error);
+  EXPECT_THROW(adding.Add(NoiseCapture({200, 160}, 2)), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace ScrollingCapture::Live

@@ -1,0 +1,141 @@
+#include <functional>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <live/Recorder.h>
+#include <testkit/MatrixTesting.h>
+#include <testkit/pages/Page.h>
+
+#include "ScriptedSource.h"
+
+namespace ScrollingCapture::Live {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using Testing::SameBits;
+using Testing::ScriptedSource;
+
+const cv::Size Window(400, 300);
+
+/// Ends when it is asked to; else never.
+class Listener : public IRecordingListener {
+ public:
+  bool GoOn(const RecordingStatus& status) override {
+    statuses.push_back(status);
+    return !isDone || !isDone();
+  }
+  void CaptureKept(const cv::Mat& /*pixels*/) override { ++kept; }
+
+  std::function<bool()> isDone;
+  std::vector<RecordingStatus> statuses;
+  std::size_t kept = 0;
+};
+
+class Recording : public ::testing::Test {
+ protected:
+  RecordingEnd Run() { return recorder.Run(); }
+
+  void EndAfterScript() {
+    listener.isDone = [this] { return source.IsDone(); };
+  }
+
+  void ExpectRows(int first, int last) {
+    const auto result = session.Stitch(nullptr);
+    ASSERT_EQ(result->parts.size(), 1U);
+    const auto& part = *result->parts[0];
+    EXPECT_TRUE(
+        SameBits(part.Area({{}, part.Size()}).clone(), source.page.rowRange(first, last).clone()));
+  }
+
+  ScriptedSource source{Testing::TextPage({400, 2400}), Window};
+  CaptureSession session{SessionSettings()};
+  Listener listener;
+  Recorder recorder{source, session, listener, MatchingSettings()};
+};
+
+TEST_F(Recording, KeepsWhatAUserScrollsOver) {
+  for (int row = 0; row <= 500; row += 25) {
+    source.Go({0, row});
+  }
+  EndAfterScript();
+  const RecordingEnd end = Run();
+  EXPECT_EQ(end.reason, RecordingEnd::Reason::Asked);
+  EXPECT_EQ(end.line, "");
+  EXPECT_EQ(end.status.captures, listener.kept);
+  ExpectRows(0, 800);
+}
+
+TEST_F(Recording, TellsTheStepWhenTheContentHasComeToRest) {
+  source.Go({0, 120});
+  source.Rest();
+  EndAfterScript();
+  Run();
+  EXPECT_EQ(listener.statuses.back().lastStep, Translation(-120, 0));
+}
+
+TEST_F(Recording, KeepsWhatWasCapturedWhenTheWindowGoes) {
+  source.Go({0, 100});
+  source.Go({0, 180});
+  source.Then(
+      [] { throw CaptureEnded(CaptureEnded::Reason::WindowClosed, "the window was closed"); });
+  const RecordingEnd end = Run();
+  EXPECT_EQ(end.reason, RecordingEnd::Reason::SourceLost);
+  EXPECT_EQ(end.line, "the window was closed");
+  ExpectRows(0, 480);
+}
+
+TEST_F(Recording, GoesOnWhenTheWindowIsSeenAgain) {
+  source.Go({0, 100});
+  source.Then([this] { source.hindrance = "covered"; });
+  source.Rest();
+  source.Then([this] { source.hindrance.clear(); });
+  source.Go({0, 200});
+  EndAfterScript();
+  Run();
+  EXPECT_TRUE(
+      std::any_of(listener.statuses.begin(), listener.statuses.end(),
+                  [](const RecordingStatus& status) { return status.hindrance == "covered"; }));
+  ExpectRows(0, 500);
+}
+
+TEST_F(Recording, OfNothingEndsWithoutCaptures) {
+  source.hindrance = "covered";
+  EndAfterScript();
+  const RecordingEnd end = Run();
+  EXPECT_EQ(end.status.captures, 0U);
+  EXPECT_EQ(end.status.hindrance, "covered");
+}
+
+TEST_F(Recording, ScrollsToTheEndByItself) {
+  recorder.ScrollBy({ScrollDirection::Down, 0, Window});
+  const RecordingEnd end = Run();
+  EXPECT_EQ(end.reason, RecordingEnd::Reason::Reached);
+  ExpectRows(0, 2400);
+}
+
+TEST_F(Recording, ScrollsNoFurtherThanTheLimit) {
+  recorder.ScrollBy({ScrollDirection::Down, 700, Window});
+  const RecordingEnd end = Run();
+  EXPECT_EQ(end.reason, RecordingEnd::Reason::Reached);
+  EXPECT_GE(end.status.seen.height, 700);
+  EXPECT_LE(end.status.seen.height, 900);
+}
+
+TEST_F(Recording, TurnsTheWheelAgainOnceNothingIsInItsWay) {
+  source.obstacle = "another window";
+  source.Rest();
+  source.Rest();
+  source.Rest();
+  source.Then([this] { source.obstacle.clear(); });
+  recorder.ScrollBy({ScrollDirection::Down, 500, Window});
+  const RecordingEnd end = Run();
+  EXPECT_EQ(end.reason, RecordingEnd::Reason::Reached);
+  EXPECT_TRUE(std::any_of(
+      listener.statuses.begin(), listener.statuses.end(),
+      [](const RecordingStatus& status) { return status.hindrance == "another window"; }));
+}
+
+}  // namespace
+}  // namespace ScrollingCapture::Live
