@@ -8,6 +8,10 @@ namespace {
 constexpr std::size_t MostWaiting = 16;
 constexpr int FirstPart = 1;
 
+cv::Rect AreaAt(const Place& place, const cv::Size& size) {
+  return {{place.column, place.row}, size};
+}
+
 }  // namespace
 
 CaptureAdding::CaptureAdding(CaptureSession& session, HearOfCapture hear)
@@ -38,7 +42,9 @@ void CaptureAdding::Finish() {
 
 RecordingStatus CaptureAdding::Status() const {
   const std::lock_guard<std::mutex> lock(mutex);
-  return status;
+  RecordingStatus told = status;
+  told.waiting = waiting.size();
+  return told;
 }
 
 void CaptureAdding::Rethrow() {
@@ -78,17 +84,29 @@ void CaptureAdding::AddOne(const cv::Mat& capture) {
 
 void CaptureAdding::Note(const cv::Mat& capture, const CaptureOutcome& outcome) {
   const std::lock_guard<std::mutex> lock(mutex);
-  const bool wasJoined = !status.tooFast;
-  const Place& place = outcome.placed->place;
   ++status.captures;
   status.doubtful += outcome.state == CaptureOutcome::State::Doubtful ? 1 : 0;
-  status.tooFast = outcome.placed->part != FirstPart;
+  MoveTo(*outcome.placed);
+  seenInPart |= AreaAt(status.place, capture.size());
+  status.tooFast = part != FirstPart;
   if (!status.tooFast) {
-    status.seen |= cv::Rect({place.column, place.row}, capture.size());
-  } else if (wasJoined) {
-    status.lastJoined = status.place;
+    status.seen |= seenInPart;
   }
-  status.place = place;
+}
+
+/// Where the part is another one, the capture has begun it, or joins the part before to it: the
+/// motion then tells where that one lies.
+void CaptureAdding::MoveTo(const PlacedCapture& placed) {
+  const Place before = std::exchange(status.place, placed.place);
+  const int partBefore = std::exchange(part, placed.part);
+  if (part < partBefore) {
+    const Translation& motion = placed.join.motion;
+    seenInPart += cv::Point(placed.place.column + motion.GetCols() - before.column,
+                            placed.place.row + motion.GetRows() - before.row);
+  } else if (part > partBefore) {
+    seenInPart = {};
+    status.lastJoined = partBefore == FirstPart ? before : status.lastJoined;
+  }
 }
 
 }  // namespace ScrollingCapture::Live

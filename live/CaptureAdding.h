@@ -43,6 +43,7 @@ class CaptureAdding {
   void Work();
   void AddOne(const cv::Mat& capture);
   void Note(const cv::Mat& capture, const CaptureOutcome& outcome);
+  void MoveTo(const PlacedCapture& placed);
   void Rethrow();
 
   CaptureSession& session;
@@ -53,6 +54,8 @@ class CaptureAdding {
   std::exception_ptr failure;
   bool isEnding = false;
   RecordingStatus status;
+  int part = 1;         ///< of the last capture
+  cv::Rect seenInPart;  ///< by the captures since its part began
   std::thread worker;
 };
 

@@ -62,7 +62,8 @@ void Recorder::Loop() {
 
 void Recorder::Look() {
   std::this_thread::sleep_until(lastLook + BetweenLooks);
-  lastLook = Clock::now();
+  lastLook =
+      std::max(lastLook + BetweenLooks, Clock::now() - BetweenLooks);  // late once, not for good
   Frame frame = source.Grab();
   hindrance = frame.hindrance;
   if (frame.pixels.empty() || AreEqual(frame.pixels, last)) {

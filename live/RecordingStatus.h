@@ -13,6 +13,7 @@ namespace ScrollingCapture::Live {
 /// How a recording stands.
 struct RecordingStatus {
   std::size_t captures = 0;  ///< how many have been kept
+  std::size_t waiting = 0;   ///< how many wait to be joined
   cv::Rect seen;             ///< of the picture so far, relative to the first capture, in pixels
   Translation lastStep;      ///< how far the content moved when it last did
   Place place;               ///< of the last capture, relative to the first one that it joins

@@ -20,8 +20,7 @@ std::array<cv::Rect, 4> SidesOf(const cv::Rect& area) {
 }
 
 /// The pointer goes through the windows then, to what is below.
-void LetPointerThrough(const XConnection& connection,
-                       const std::array<xcb_window_t, 4>& windows) {
+void LetPointerThrough(const XConnection& connection, const std::array<xcb_window_t, 4>& windows) {
   if (!connection.Has(xcb_xfixes_id) ||
       !connection.Ask(xcb_xfixes_query_version, xcb_xfixes_query_version_reply,
                       std::uint32_t{XCB_XFIXES_MAJOR_VERSION},
@@ -31,8 +30,7 @@ void LetPointerThrough(const XConnection& connection,
   const xcb_xfixes_region_t nothing = xcb_generate_id(connection.Get());
   xcb_xfixes_create_region(connection.Get(), nothing, 0, nullptr);
   for (const xcb_window_t window : windows) {
-    xcb_xfixes_set_window_shape_region(connection.Get(), window, XCB_SHAPE_SK_INPUT, 0, 0,
-                                       nothing);
+    xcb_xfixes_set_window_shape_region(connection.Get(), window, XCB_SHAPE_SK_INPUT, 0, 0, nothing);
   }
   xcb_xfixes_destroy_region(connection.Get(), nothing);
 }

@@ -147,11 +147,8 @@ class Picker {
   std::optional<cv::Point> pressed;
 };
 
-}  // namespace
-
-std::optional<XChoice> PickOnScreen(const std::function<bool()>& goOn) {
+std::optional<XChoice> Pick(const XConnection& connection, const std::function<bool()>& goOn) {
   constexpr std::chrono::milliseconds Moment(20);
-  const XConnection connection;
   const XGrabbedInput input(connection);
   Picker picker(connection);
   while (goOn() && !connection.IsLost()) {
@@ -163,6 +160,16 @@ std::optional<XChoice> PickOnScreen(const std::function<bool()>& goOn) {
     std::this_thread::sleep_for(Moment);
   }
   return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<XChoice> PickOnScreen(const std::function<bool()>& goOn) {
+  constexpr std::chrono::milliseconds UntilDrawnAgain(200);  // what was below the outline
+  const XConnection connection;
+  const std::optional<XChoice> choice = Pick(connection, goOn);
+  std::this_thread::sleep_for(UntilDrawnAgain);
+  return choice;
 }
 
 }  // namespace ScrollingCapture::Live

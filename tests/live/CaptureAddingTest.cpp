@@ -50,10 +50,13 @@ TEST_F(Adding, SaysTooFastUntilItIsBackAtWhatWasSeen) {
   EXPECT_TRUE(adding.Status().tooFast);
   EXPECT_EQ(adding.Status().lastJoined, (Place{60, 0}));
   EXPECT_EQ(adding.Status().seen, cv::Rect(0, 0, 200, 220));
-  adding.Add(At(130));
+  for (const int row : {300, 200, 130}) {
+    adding.Add(At(row));
+  }
   adding.Finish();
   EXPECT_FALSE(adding.Status().tooFast);
   EXPECT_EQ(adding.Status().place, (Place{130, 0}));
+  EXPECT_EQ(adding.Status().seen, cv::Rect(0, 0, 200, 560));
 }
 
 TEST(AddingThatFails, IsToldToTheCaller) {

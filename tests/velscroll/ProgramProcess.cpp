@@ -55,6 +55,14 @@ void Become(const std::vector<std::string>& arguments, const ProgramSetting& set
   }
 }
 
+/// Makes a terminal the one that this process is controlled by.
+void BeControlledBy(const std::string& terminal) {
+  setsid();
+  const int keys = open(terminal.c_str(), O_RDWR);
+  dup2(keys, STDIN_FILENO);
+  close(keys);
+}
+
 int OpenTerminal() {
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
   if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
@@ -74,6 +82,9 @@ ProgramProcess::ProgramProcess(const std::vector<std::string>& arguments,
   }
   process = fork();
   if (process == 0) {
+    if (setting.isControlled) {
+      BeControlledBy(errorPath);
+    }
     Redirect(STDOUT_FILENO, outputs.Prefix() + "output");
     Redirect(STDERR_FILENO, errorPath);
     Become(arguments, setting);
@@ -92,6 +103,12 @@ ProgramProcess::~ProgramProcess() {
 }
 
 void ProgramProcess::Signal(int signal) const { kill(process, signal); }
+
+void ProgramProcess::Type(const std::string& text) const {
+  if (write(terminal, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+    throw std::runtime_error("Could not type.");
+  }
+}
 
 bool ProgramProcess::WaitForOnTerminal(const std::string& text) {
   while (terminalText.find(text) == std::string::npos) {

@@ -21,6 +21,7 @@ struct ProgramResult {
 struct ProgramSetting {
   std::string folder;                   ///< the current folder
   bool hasTerminal = false;             ///< whether standard error is a terminal
+  bool isControlled = false;            ///< whether that terminal is also where keys are typed
   bool ignoresInterrupt = false;        ///< whether it inherits Ctrl-C as ignored
   std::optional<rlim_t> fileSizeLimit;  ///< in bytes; writing beyond it fails
   std::optional<rlim_t> memoryLimit;    ///< of the address space, in bytes
@@ -37,6 +38,9 @@ class ProgramProcess {
   ~ProgramProcess();
 
   void Signal(int signal) const;
+
+  /// Types into the terminal.
+  void Type(const std::string& text) const;
 
   /// Waits until the terminal shows the text, or the program has ended.
   /// @return whether it did
