@@ -15,7 +15,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds BetweenPreviews(200);
 constexpr std::uint64_t BytesInMemory = std::uint64_t{512} << 20;
 
 SessionSettings Settings(const RecordingStore& store) {
@@ -117,19 +116,22 @@ bool Recording::GoOn(const Live::RecordingStatus& status) {
     toldWarning = warning;
     errand.post([this, size, warning] { emit progressed(size, warning); });
   }
-  if (isPreviewOld && Clock::now() - lastPreview >= BetweenPreviews) {
-    showPreview();
-  }
   return errand.goesOn() && !isFinishing && !(key && key());
 }
 
-void Recording::CaptureKept(const cv::Mat& /*pixels*/) { isPreviewOld = true; }
+void Recording::CaptureKept(const cv::Mat& /*pixels*/) {
+  if (Clock::now() >= nextPreview) {
+    showPreview();
+  }
+}
 
+/// Previews of long pages take their time: no more than a part of the time is spent on them.
 void Recording::showPreview() {
+  constexpr int PartsOfTime = 5;
+  const Clock::time_point start = Clock::now();
   const QImage preview = ImageOf(session->Preview());
   errand.post([this, preview] { emit grown(preview); });
-  isPreviewOld = false;
-  lastPreview = Clock::now();
+  nextPreview = start + PartsOfTime * (Clock::now() - start);
 }
 
 bool Recording::ProgressCallback(int progress) {

@@ -61,7 +61,7 @@ class Recording : public QObject, private Live::IRecordingListener, private ISti
  private:
   using Clock = std::chrono::steady_clock;
 
-  // On the recording's thread.
+  // On threads of the recording.
   void work();
   void waitForBegin() const;
   Live::RecordingEnd record(Live::ICaptureSource& source);
@@ -82,8 +82,7 @@ class Recording : public QObject, private Live::IRecordingListener, private ISti
   std::shared_ptr<RecordingStore> store;
   std::unique_ptr<CaptureSession> session;  ///< goes before the files of its captures
   Live::RecordingStatus lastStatus;
-  bool isPreviewOld = false;
-  Clock::time_point lastPreview;
+  Clock::time_point nextPreview;
   QString toldSize;
   QString toldWarning;
   Errand errand;  ///< goes first, since it uses the others

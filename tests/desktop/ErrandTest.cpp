@@ -17,6 +17,8 @@ struct FailureCase {
   const char* line;
 };
 
+void PrintTo(const FailureCase& tested, std::ostream* out) { *out << tested.name; }
+
 class ErrandFailureTest : public testing::TestWithParam<FailureCase> {};
 
 TEST_P(ErrandFailureTest, IsToldInOneLine) {

@@ -7,28 +7,11 @@
 #include <velscroll/terminal/Failure.h>
 
 #include "FakeWindow.h"
+#include "ShownWindows.h"
 #include "Waiting.h"
 
 namespace ScrollingCapture::Desktop {
 namespace {
-
-/// The window of a kind that is on the screen.
-template <typename Window>
-Window* Shown() {
-  for (QWidget* const widget : QApplication::topLevelWidgets()) {
-    auto* const window = qobject_cast<Window*>(widget);
-    if (window != nullptr && window->isVisible()) {
-      return window;
-    }
-  }
-  return nullptr;
-}
-
-template <typename Window>
-Window* WaitFor() {
-  WaitUntil([] { return Shown<Window>() != nullptr; });
-  return Shown<Window>();
-}
 
 void Click(QWidget& window, const char* button) {
   QTest::mouseClick(window.findChild<QPushButton*>(button), Qt::LeftButton);

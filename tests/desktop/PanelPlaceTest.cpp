@@ -11,6 +11,8 @@ struct PlaceCase {
   std::optional<QPoint> place;
 };
 
+void PrintTo(const PlaceCase& tested, std::ostream* out) { *out << tested.name; }
+
 class PanelPlaceTest : public testing::TestWithParam<PlaceCase> {};
 
 const QSize PanelSize(200, 300);

@@ -2,11 +2,14 @@
 #include <QApplication>
 
 #include <gtest/gtest.h>
+#include <testkit/TemporaryFolder.h>
 
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
+  const ScrollingCapture::Testing::TemporaryFolder session;
+  qputenv("XDG_RUNTIME_DIR", session.Path().c_str());
   testing::InitGoogleTest(&argc, argv);
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
