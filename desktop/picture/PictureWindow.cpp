@@ -43,7 +43,7 @@ PictureWindow::PictureWindow(const Recorded& recorded, const ClosingQuestion& qu
       progress(new QProgressBar),
       stopButton(new QToolButton),
       dragHandle(new DragHandle) {
-  setWindowTitle(tr("Scrolling capture") + "[*]");
+  setWindowTitle(tr("Picture") + "[*]");
   setCentralWidget(pictureView);
   addActions();
   addPartChoice();
