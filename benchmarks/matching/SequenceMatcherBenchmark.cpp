@@ -1,5 +1,3 @@
-#include <chrono>
-
 #include <benchmark/benchmark.h>
 #include <testkit/pages/Scenes.h>
 
@@ -35,28 +33,6 @@ void Sizes(benchmark::internal::Benchmark* benchmark) {
 
 BENCHMARK_CAPTURE(MatchWith, one, 1U)->Name("BM_MatchThreads/reference")->Apply(Sizes);
 BENCHMARK_CAPTURE(MatchWith, two, 2U)->Name("BM_MatchThreads/two")->Apply(Sizes);
-
-/// The time and the memory for a capture must not depend on how many there are.
-void BM_MatchSequence(benchmark::State& state) {
-  const int count = static_cast<int>(state.range(0));
-  BasicImageProvider captures = ScrolledCaptures({640, 480}, count);
-  double seconds = 0;
-  for (auto _ : state) {
-    const auto start = std::chrono::steady_clock::now();
-    benchmark::DoNotOptimize(MatchSequence(captures, nullptr, {{}, 1, 0, 100}));
-    seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    state.SetIterationTime(seconds);
-  }
-  state.counters["msPerCapture"] = 1000 * seconds / count;
-}
-
-BENCHMARK(BM_MatchSequence)
-    ->ArgName("captures")
-    ->Arg(10)
-    ->Arg(100)
-    ->Arg(1000)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace ScrollingCapture

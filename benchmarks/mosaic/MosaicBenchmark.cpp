@@ -50,21 +50,33 @@ void BM_Compose_Copy(benchmark::State& state) {
   }
 }
 
-/// The analysis and the whole picture.
+/// The whole picture, once the captures have been analysed.
 void BM_Compose_Library(benchmark::State& state) {
   const DrawnScene scene = SceneOf(state);
   BasicImageProvider captures;
   Testing::AddAll(captures, scene.Captures());
+  const Mosaic mosaic(captures, scene.Places());
   for (auto _ : state) {
-    const Mosaic mosaic(captures, scene.Places());
     cv::Mat picture;
     mosaic.Render({{}, mosaic.Size()}, picture);
     benchmark::DoNotOptimize(picture);
   }
 }
 
+/// The analysis that comes before.
+void BM_Compose_Analysis(benchmark::State& state) {
+  const DrawnScene scene = SceneOf(state);
+  BasicImageProvider captures;
+  Testing::AddAll(captures, scene.Captures());
+  for (auto _ : state) {
+    const Mosaic mosaic(captures, scene.Places());
+    benchmark::DoNotOptimize(mosaic.Size());
+  }
+}
+
 BENCHMARK(BM_Compose_Copy)->Name("BM_Compose/reference")->Apply(Sizes);
 BENCHMARK(BM_Compose_Library)->Name("BM_Compose/library")->Apply(Sizes);
+BENCHMARK(BM_Compose_Analysis)->Name("BM_Compose/analysis")->Apply(Sizes);
 
 /// A longer and longer page with a header: time and memory for a capture must not depend on how
 /// many there are.

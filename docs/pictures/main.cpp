@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -19,6 +20,7 @@
 #include <VelScrollingCapture/storage/BasicImageProvider.h>
 
 #include "MatchingPictures.h"
+#include "MosaicPictures.h"
 
 namespace ScrollingCapture {
 namespace {
@@ -27,15 +29,17 @@ const cv::Scalar Paper(255, 255, 255, 255);
 const cv::Scalar Mark(220, 40, 40, 255);
 constexpr int Gap = 16;
 
+cv::Mat ReadImage(const std::string& file) {
+  cv::Mat image;
+  cv::cvtColor(cv::imread(file, cv::IMREAD_COLOR), image, cv::COLOR_BGR2RGBA);
+  return image;
+}
+
 std::vector<cv::Mat> ReadSample(const std::string& folder) {
   std::vector<std::string> files;
   cv::glob(folder + "/captures/*.png", files);
   std::vector<cv::Mat> captures;
-  for (const std::string& file : files) {
-    cv::Mat capture;
-    cv::cvtColor(cv::imread(file, cv::IMREAD_COLOR), capture, cv::COLOR_BGR2RGBA);
-    captures.push_back(capture);
-  }
+  std::transform(files.begin(), files.end(), std::back_inserter(captures), ReadImage);
   return captures;
 }
 
@@ -160,6 +164,17 @@ cv::Mat DrawProofs(const cv::Mat& earlier, const cv::Mat& later) {
                      WithHeight(DrawProof(earlier, later, motion + cv::Point(0, 26)), Height)});
 }
 
+void DrawMosaic(const cv::Mat& page, const std::string& output) {
+  constexpr int Width = 300;
+  const auto small = [](const cv::Mat& image) {
+    return WithHeight(image, image.rows * Width / image.cols);
+  };
+  const MosaicPictures pictures(page);
+  Write(output + "/mosaic.png",
+        SideBySide({small(pictures.capture), small(pictures.overlay), small(pictures.mosaic)}));
+  Write(output + "/mosaic-shares.png", SideBySide({small(pictures.shares)}));
+}
+
 void DrawAll(const std::string& samples, const std::string& output) {
   constexpr int SharesHeight = 420;
   const std::vector<cv::Mat> article = ReadSample(samples + "/article");
@@ -171,6 +186,7 @@ void DrawAll(const std::string& samples, const std::string& output) {
   const std::vector<cv::Mat> toolbar = ReadSample(samples + "/toolbar");
   Write(output + "/votes.png", SideBySide({WithHeight(DrawVotes(toolbar[0], toolbar[1]), 360)}));
   Write(output + "/proof.png", DrawProofs(toolbar[0], toolbar[1]));
+  DrawMosaic(ReadImage(samples + "/article/truth.png"), output);
 }
 
 }  // namespace

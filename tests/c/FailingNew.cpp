@@ -4,6 +4,8 @@
 #include <new>
 #include <utility>
 
+#include <VelScrollingCapture/core/Export.h>
+
 namespace ScrollingCapture::Testing {
 namespace {
 
@@ -38,6 +40,12 @@ WorkingNew::WorkingNew() : suspended(std::exchange(passing, Never)) {}
 WorkingNew::~WorkingNew() { passing = suspended; }
 
 }  // namespace ScrollingCapture::Testing
+
+// OpenCV forgets the pixels of a matrix whose administration it cannot allocate.
+// NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
+extern "C" VEL_EXPORT const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:cv::Mat::create"; }
+// NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)
 
 // The whole program's: the library's are among them.
 void* operator new(size_t size) {

@@ -98,6 +98,39 @@ TEST_F(HandleBetweenThreads, GivesItsMessageWholeOrIsBusy) {
       });
 }
 
+/// Two threads that wait for each other.
+struct Rendezvous {
+  std::atomic<bool> hasBegun = false;
+  std::atomic<bool> isFreed = false;
+};
+
+int32_t AwaitFreeing(int32_t /*percent*/, void* user) {
+  auto& rendezvous = *static_cast<Rendezvous*>(user);
+  rendezvous.hasBegun = true;
+  while (!rendezvous.isFreed) {
+    std::this_thread::yield();
+  }
+  return 0;
+}
+
+TEST_F(HandleBetweenThreads, MayBeFreedWhileTheOtherIsAtWork) {
+  auto session = Testing::MakeSession();
+  Testing::AddAll(session.get(), SomeCaptures());
+  Rendezvous rendezvous;
+  vel_stitched* stitched = nullptr;
+  std::thread other([&, atWork = session.get()] {
+    EXPECT_EQ(vel_session_stitch(atWork, AwaitFreeing, &rendezvous, &stitched), VEL_OK);
+  });
+  while (!rendezvous.hasBegun) {
+    std::this_thread::yield();
+  }
+  session.reset();
+  rendezvous.isFreed = true;
+  other.join();
+  EXPECT_EQ(Testing::SizeOf(Testing::PartOf(stitched).get()), cv::Size(100, 400));
+  vel_stitched_free(stitched);
+}
+
 /// What a callback does with the handle that is at work.
 struct Meddling {
   vel_session* session;

@@ -8,10 +8,11 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <opencv2/imgcodecs.hpp>
 #include <testkit/pages/Scenes.h>
 
 #include <VelScrollingCapture/matching/PairMatcher.h>
+
+#include "Jpeg.h"
 
 namespace ScrollingCapture {
 namespace {
@@ -37,15 +38,6 @@ std::vector<Subject> Subjects() {
           {"photo", DrawPhoto(page, 52)},
           {"log", DrawLog(page, 53)},
           {"equal rows", DrawEqualRows(page, 27)}};
-}
-
-cv::Mat ThroughJpeg(const cv::Mat& capture, int quality) {
-  cv::Mat image;
-  cv::cvtColor(capture, image, cv::COLOR_RGBA2BGR);
-  std::vector<unsigned char> file;
-  cv::imencode(".jpg", image, file, {cv::IMWRITE_JPEG_QUALITY, quality});
-  cv::cvtColor(cv::imdecode(file, cv::IMREAD_COLOR), image, cv::COLOR_BGR2RGBA);
-  return image;
 }
 
 /// Verdicts with the right motion, and verdicts with a wrong one.

@@ -21,13 +21,16 @@ DrawnScene BarScene() {
   return scene;
 }
 
-cv::Mat ComposeOn(IImageProvider& provider, unsigned threads) {
-  MosaicSettings settings;
-  settings.threadCount = threads;
-  const Mosaic mosaic(provider, BarScene().Places(), settings);
+cv::Mat RenderAll(const Mosaic& mosaic) {
   cv::Mat picture;
   mosaic.Render({{}, mosaic.Size()}, picture);
   return picture;
+}
+
+cv::Mat ComposeOn(IImageProvider& provider, unsigned threads) {
+  MosaicSettings settings;
+  settings.threadCount = threads;
+  return RenderAll(Mosaic(provider, BarScene().Places(), settings));
 }
 
 class MosaicMemoryTest : public testing::TestWithParam<FailingAllocator::Failures> {};
@@ -50,6 +53,19 @@ TEST_P(MosaicMemoryTest, EveryMissingMatrixPassesToTheCallerAndNothingLeaks) {
   EXPECT_GT(attempts, 20U);
 }
 
+TEST_P(MosaicMemoryTest, RenderingThatLacksMemoryCanBeTriedAgain) {
+  BasicImageProvider provider;
+  Testing::AddAll(provider, BarScene().Captures());
+  const Mosaic mosaic(provider, BarScene().Places());
+  const cv::Mat expected = RenderAll(mosaic);
+  Testing::ForEachFailingAllocation(GetParam(), [&](Testing::MemoryFault& fault) {
+    cv::Mat picture;
+    fault.HitsDuring([&] { picture = RenderAll(mosaic); });
+    EXPECT_EQ(fault.HasHit(), fault.HasThrown());
+    EXPECT_EQ(0, DifferentPixels(expected, RenderAll(mosaic)));
+  });
+}
+
 INSTANTIATE_TEST_SUITE_P(Faults, MosaicMemoryTest, testing::ValuesIn(Testing::AllFailures),
                          Testing::NameOfFailures);
 
@@ -68,15 +84,18 @@ class LosingProvider : public BasicImageProvider {
 
   size_t Requests() const { return requests; }
 
+  /// So many further requests are answered.
+  void Allow(size_t further) { passing = requests + further; }
+
  private:
-  const size_t passing;
+  size_t passing;
   std::mutex lock;
   size_t requests = 0;
 };
 
-class LostCaptureTest : public testing::TestWithParam<unsigned> {};
+class LostCaptureThreadsTest : public testing::TestWithParam<unsigned> {};
 
-TEST_P(LostCaptureTest, PassesTheProvidersExceptionToTheCaller) {
+TEST_P(LostCaptureThreadsTest, PassesTheProvidersExceptionToTheCaller) {
   LosingProvider complete(1000000);
   Testing::AddAll(complete, BarScene().Captures());
   ComposeOn(complete, GetParam());
@@ -87,7 +106,20 @@ TEST_P(LostCaptureTest, PassesTheProvidersExceptionToTheCaller) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Threads, LostCaptureTest, testing::Values(1U, 3U));
+TEST(LostCaptureTest, RenderingPassesTheExceptionOnAndCanBeTriedAgain) {
+  LosingProvider provider(1000000);
+  Testing::AddAll(provider, BarScene().Captures());
+  const Mosaic mosaic(provider, BarScene().Places());
+  const cv::Mat expected = RenderAll(mosaic);
+  for (size_t passing = 0; passing < BarScene().Places().size(); ++passing) {
+    provider.Allow(passing);
+    EXPECT_THROW(RenderAll(mosaic), std::runtime_error);
+    provider.Allow(1000000);
+    EXPECT_EQ(0, DifferentPixels(expected, RenderAll(mosaic)));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Threads, LostCaptureThreadsTest, testing::Values(1U, 3U));
 
 }  // namespace
 }  // namespace ScrollingCapture

@@ -29,7 +29,7 @@ class CtrlC(unittest.TestCase):
         self.assertLess(time.monotonic() - started, whole * 0.7)
 
     def test_stops_a_detection(self):
-        captures = captures_of(page(1600, 800), 800, 40)
+        captures = captures_of(page(1200, 600), 600, 30)
 
         def make_work():
             session = vel.Session(engine="phase-correlation", threads=1)
@@ -40,7 +40,7 @@ class CtrlC(unittest.TestCase):
         self.assert_stops_early(make_work)
 
     def test_stops_saving_and_leaves_nothing_half_written(self):
-        result = vel.stitch(captures_of(page(6000, 1200), 2000, 1000), threads=1)
+        result = vel.stitch(captures_of(page(3000, 1200), 2000, 1000), threads=1)
         with tempfile.TemporaryDirectory() as folder:
             file = os.path.join(folder, "page.png")
             self.assert_stops_early(lambda: lambda: result.save(file, png_level=6))

@@ -1,6 +1,8 @@
 """Sessions: settings, outcomes, previews and results."""
 
+import contextlib
 import os
+import resource
 import tempfile
 import threading
 import unittest
@@ -210,6 +212,30 @@ class Results(unittest.TestCase):
                     os.close(copy)
             output.seek(0)
             self.assertEqual(output.read(), b"")
+
+
+class Memory(unittest.TestCase):
+    @contextlib.contextmanager
+    def only(self, more_bytes):
+        """Lets the process have no more memory than that in addition."""
+        limits = resource.getrlimit(resource.RLIMIT_AS)
+        with open("/proc/self/statm") as file:
+            pages = int(file.read().split()[0])
+        resource.setrlimit(resource.RLIMIT_AS, (pages * resource.getpagesize() + more_bytes, limits[1]))
+        try:
+            yield
+        finally:
+            resource.setrlimit(resource.RLIMIT_AS, limits)
+
+    def test_session_goes_on_after_a_capture_for_which_there_was_none(self):
+        picture = page(5000, 3000)
+        captures = captures_of(picture, 4000, 1000)
+        session = vel.Session()
+        session.add(captures[0])
+        with self.only(16 << 20), self.assertRaises(MemoryError):
+            session.add(captures[1])
+        session.add(captures[1])
+        np.testing.assert_array_equal(session.result().picture, picture)
 
 
 class Threads(unittest.TestCase):

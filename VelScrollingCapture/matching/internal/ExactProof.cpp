@@ -22,6 +22,11 @@ constexpr int ManyUnique = 48;
 /// Below this share of what agrees, a contradiction is small.
 constexpr int SmallContradiction = 8;
 
+/// A rival explains as much as a motion when it contradicts itself hardly more and agrees hardly
+/// less, for its overlap.
+constexpr double MostRivalContradiction = 1.5;
+constexpr double LeastRivalAgreement = 0.75;
+
 /// So many cells may be excused for each one that is seen to stand still, or to move.
 constexpr int MostExcuses = 32;
 
@@ -194,12 +199,19 @@ bool Finding::IsPlausible(bool isDominant) const {
       standing > MostExcuses * std::min(unique, witnesses)) {
     return false;
   }
-  if (tilesUnique >= tilesAgainstUnique) {
+  if (IsWitnessed()) {
     return true;
   }
   const bool isUniqueEnough = tilesUnique * MostTilesAgainst >= tilesAgainst || isDominant;
   return (isUniqueEnough && tilesAgreeing >= 2 * tilesAgainst) ||
          (isDominant && unique >= ManyUnique && 2 * tilesAgreeing >= tilesAgainst);
+}
+
+bool Finding::IsNoBetterThan(const Finding& rival) const {
+  const double share = static_cast<double>(rival.comparison.Compared()) /
+                       static_cast<double>(std::max<std::int64_t>(1, comparison.Compared()));
+  return rival.contradicting <= MostRivalContradiction * share * contradicting &&
+         rival.agreeing >= LeastRivalAgreement * share * agreeing;
 }
 
 bool Finding::IsClean() const { return contradicting * SmallContradiction <= unique; }

@@ -32,6 +32,12 @@ struct Finding {
   /// @param isDominant whether hardly any anchor votes for another one
   bool IsPlausible(bool isDominant) const;
 
+  /// Whether what is unique outweighs what disagrees.
+  bool IsWitnessed() const { return tilesUnique >= tilesAgainstUnique; }
+
+  /// Whether another motion leaves about as much unexplained.
+  bool IsNoBetterThan(const Finding& rival) const;
+
   /// Whether what disagrees is small beside what agrees.
   bool IsClean() const;
 

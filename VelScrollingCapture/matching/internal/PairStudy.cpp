@@ -139,9 +139,12 @@ class PairStudyRun {
     for (std::size_t i = 0; i < std::min(counted.size(), MostCandidates / 2); ++i) {
       proposed.push_back(counted[i].motion);
     }
-    const std::optional<FoundMotion> found = search.Run(proposed);
+    std::optional<FoundMotion> found = search.Run(proposed);
     if (!found) {
       return {};
+    }
+    if (found->isExact) {
+      AddRivalsByPeriod(proof.Examine(found->motion), found->rivals);
     }
     PairMatch match;
     match.join.verdict = found->rivals.empty() ? Verdict::Likely : Verdict::Doubtful;
@@ -152,6 +155,7 @@ class PairStudyRun {
   /// Fills in a join under a motion, whose rivals come in any order.
   void SetMotions(const cv::Point& motion, std::vector<cv::Point> rivals, Join& join) const {
     std::sort(rivals.begin(), rivals.end(), IsSmaller);
+    rivals.erase(std::unique(rivals.begin(), rivals.end()), rivals.end());
     rivals.resize(std::min(rivals.size(), MostAlternatives));
     const Comparison comparison = Compare(earlierKeys, laterKeys, motion, Vectors::Widest);
     join.motion = ToTranslation(motion);
@@ -221,7 +225,7 @@ class PairStudyRun {
   /// Whether no neighbour of a motion explains more, noise aside: blocks of lossy files may agree
   /// under a motion close to the right one.
   bool IsSharp(const Finding& finding) const {
-    if (finding.tilesUnique >= finding.tilesAgainstUnique) {
+    if (finding.IsWitnessed()) {
       return true;
     }
     const cv::Mat earlierGrey = GreyOf(earlier.pixels);
@@ -249,14 +253,14 @@ class PairStudyRun {
         rivals.push_back(rival);
       }
     }
-    AddRivalsByPeriod(finding.motion, rivals);
+    AddRivalsByPeriod(finding, rivals);
     return Accept(finding, rivals, isDrawnAnew);
   }
 
   /// Bars at the edges stand still in any case: alone they say nothing about the content.
   PairMatch AcceptStill(const Finding& finding) const {
     std::vector<cv::Point> rivals;
-    AddRivalsByPeriod({}, rivals);
+    AddRivalsByPeriod(finding, rivals);
     PairMatch match = Accept(finding, rivals, false);
     if (!proof.IsUniqueInside({})) {
       match.join.verdict = Verdict::Doubtful;
@@ -265,8 +269,11 @@ class PairStudyRun {
   }
 
   /// Where content repeats itself, the next repetitions may explain the captures as well: to the
-  /// pixel, or (when lossy files make unlike what was alike) but for noise.
-  void AddRivalsByPeriod(const cv::Point& motion, std::vector<cv::Point>& rivals) const {
+  /// pixel, or (when lossy files make unlike what was alike) but for noise. And what is no better
+  /// than its repetitions although it has to be believed for what is not unique is in doubt: the
+  /// digits of numbered rows come again after ten rows, in other numbers.
+  void AddRivalsByPeriod(const Finding& found, std::vector<cv::Point>& rivals) const {
+    const cv::Point& motion = found.motion;
     if (!MayBePeriodic(motion)) {
       return;
     }
@@ -274,7 +281,7 @@ class PairStudyRun {
     for (const cv::Point& period : PeriodsOf(later.pixels)) {
       for (const int times : {-2, -1, 1, 2}) {
         const cv::Point rival = motion + times * period;
-        if (IsAllowed(rival, settings.orientation) && MayRepeat(rival, parts)) {
+        if (IsAllowed(rival, settings.orientation) && MayRepeat(found, rival, parts)) {
           rivals.push_back(rival);
         }
       }
@@ -295,9 +302,9 @@ class PairStudyRun {
     return repeated * 4 > anchors.size();
   }
 
-  bool MayRepeat(const cv::Point& rival, const StandingParts& parts) const {
+  bool MayRepeat(const Finding& found, const cv::Point& rival, const StandingParts& parts) const {
     const Finding finding = proof.Examine(rival, parts);
-    if (finding.IsPossible()) {
+    if (finding.IsPossible() || (!found.IsWitnessed() && found.IsNoBetterThan(finding))) {
       return true;
     }
     if (finding.contradicting <= finding.agreeing || !MayBeLossy(later.pixels)) {

@@ -32,8 +32,9 @@ bool IsMarked(const cv::Mat& line) { return cv::countNonZero(line) > 0; }
 
 /// Marks the lines from an edge on as far as something stands there and nothing moves.
 /// @param lineAt gives the cells of the line at some distance from the edge
+/// @return how many lines it marked
 template <typename LineAt>
-void MarkBar(Sightings& seen, int lines, LineAt lineAt) {
+int MarkBar(Sightings& seen, int lines, LineAt lineAt) {
   int last = -1;
   const int most = static_cast<int>(lines * LargestBar);
   for (int line = 0; line < most && line <= last + BarReach; ++line) {
@@ -47,14 +48,37 @@ void MarkBar(Sightings& seen, int lines, LineAt lineAt) {
   for (int line = 0; line <= last; ++line) {
     lineAt(seen.standing, line).setTo(Marked);
   }
+  return last + 1;
 }
 
+/// Marks a panel at the left or right, as far up and down as anything stands there.
+/// @param columns those that the panel may take
+/// @param lineAt as for MarkBar
+template <typename LineAt>
+void MarkPanel(const Sightings& seen, const cv::Range& columns, LineAt lineAt) {
+  const cv::Mat part = seen.standing.colRange(columns);
+  if (part.empty() || !IsMarked(part)) {
+    return;
+  }
+  const cv::Rect standing = cv::boundingRect(part);
+  const cv::Range rows(standing.y, standing.br().y);
+  Sightings beside = {seen.standing.rowRange(rows), seen.moving.rowRange(rows)};
+  MarkBar(beside, seen.standing.cols, lineAt);
+}
+
+/// What stands in a bar above or below is no sign of a panel at the side.
 void MarkBars(Sightings& seen) {
   const cv::Size cells = seen.standing.size();
-  MarkBar(seen, cells.height, [](cv::Mat& mat, int line) { return mat.row(line); });
-  MarkBar(seen, cells.height, [](cv::Mat& mat, int line) { return mat.row(mat.rows - 1 - line); });
-  MarkBar(seen, cells.width, [](cv::Mat& mat, int line) { return mat.col(line); });
-  MarkBar(seen, cells.width, [](cv::Mat& mat, int line) { return mat.col(mat.cols - 1 - line); });
+  const int above =
+      MarkBar(seen, cells.height, [](cv::Mat& mat, int line) { return mat.row(line); });
+  const int below = MarkBar(seen, cells.height,
+                            [](cv::Mat& mat, int line) { return mat.row(mat.rows - 1 - line); });
+  const Sightings between = {seen.standing.rowRange(above, cells.height - below),
+                             seen.moving.rowRange(above, cells.height - below)};
+  const int most = static_cast<int>(cells.width * LargestBar);
+  MarkPanel(between, {0, most}, [](cv::Mat& mat, int line) { return mat.col(line); });
+  MarkPanel(between, {cells.width - most, cells.width},
+            [](cv::Mat& mat, int line) { return mat.col(mat.cols - 1 - line); });
 }
 
 /// Fills the bounding boxes of what stands close together.

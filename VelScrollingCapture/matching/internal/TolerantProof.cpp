@@ -106,7 +106,7 @@ bool TolerantFinding::IsPlausible(bool isSupported) const {
   if (motion == cv::Point() && 2 * innerFor < innerAgainst) {
     return false;
   }
-  if (tilesExact * 2 > tilesFor) {
+  if (IsExact()) {
     return isSupported && tilesAgainst * 4 <= tilesFor;
   }
   return tilesFor < ManyTiles ? tilesFor >= 3 * tilesAgainst : tilesFor >= tilesAgainst;

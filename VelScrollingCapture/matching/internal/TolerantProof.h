@@ -23,6 +23,9 @@ struct TolerantFinding {
   /// @param isSupported whether many anchors vote for it as well
   bool IsPlausible(bool isSupported) const;
 
+  /// Whether most of what agrees does so in every pixel.
+  bool IsExact() const { return tilesExact * 2 > tilesFor; }
+
   /// Whether little speaks against the motion.
   bool HardlyContradicts() const;
 

@@ -15,6 +15,7 @@ namespace ScrollingCapture {
 struct FoundMotion {
   cv::Point motion;
   std::vector<cv::Point> rivals;
+  bool isExact;  ///< whether most of what agrees does so in every pixel
 };
 
 /// Looks for the motion of captures that do not agree to the pixel.
