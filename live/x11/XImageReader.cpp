@@ -56,7 +56,7 @@ bool XImageReader::Share(std::size_t bytes) {
   constexpr int Private = 0600;
   const int memory = ::shmget(IPC_PRIVATE, bytes, IPC_CREAT | Private);
   void* const mapped = memory < 0 ? nullptr : ::shmat(memory, nullptr, 0);
-  mayShare = memory >= 0 && mapped != reinterpret_cast<void*>(-1);
+  mayShare = memory >= 0 && reinterpret_cast<std::intptr_t>(mapped) != -1;
   if (mayShare) {
     shared = static_cast<std::uint32_t*>(mapped);
     segment = xcb_generate_id(connection.Get());

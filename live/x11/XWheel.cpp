@@ -78,7 +78,7 @@ std::string XWheel::Turn(xcb_window_t window, const cv::Point& place, ScrollDire
     return "another program holds the pointer; close its menu";
   }
   MovePointer(connection, place);
-  const std::string obstacle = WhyNot(window);
+  std::string obstacle = WhyNot(window);
   for (int i = 0; obstacle.empty() && i < steps; ++i) {
     Press(ButtonOf(direction));
   }

@@ -116,6 +116,7 @@ ReportContent RecordEverything(const RecordArguments& arguments, CaptureFolder& 
   }
   StageClock clock;
   TellEnd(recorder.Run(), console);
+  WarnOfFullDisk(session, console);
   if (!folder.Trouble().empty()) {
     console.Warn(folder.Trouble() + "; not all captures are in the folder of --keep-captures");
   }

@@ -40,7 +40,7 @@ class Reader {
     if (!repeats) {
       kept = capture.pixels;
     }
-    WarnOfFullDisk();
+    warned = warned || WarnOfFullDisk(session, console);
     console.ShowProgress("Reading",
                          static_cast<int>(100 * read.files.size() / captures.paths.size()));
   }
@@ -55,16 +55,6 @@ class Reader {
     }
   }
 
-  void WarnOfFullDisk() {
-    if (!warned && session.ExceedsMemoryLimit()) {
-      warned = true;
-      console.Warn(
-          "captures stay in memory beyond --memory-limit, since they cannot be written to the "
-          "spill "
-          "folder; make room or choose another with --spill-folder");
-    }
-  }
-
   CaptureSession& session;
   const CaptureFiles& captures;
   Console& console;
@@ -73,6 +63,16 @@ class Reader {
 };
 
 }  // namespace
+
+bool WarnOfFullDisk(const CaptureSession& session, Console& console) {
+  if (!session.ExceedsMemoryLimit()) {
+    return false;
+  }
+  console.Warn(
+      "captures stay in memory beyond --memory-limit, since they cannot be written to the spill "
+      "folder; make room or choose another with --spill-folder");
+  return true;
+}
 
 ReadFiles ReadInto(CaptureSession& session, const CaptureFiles& captures, unsigned int threads,
                    Console& console) {

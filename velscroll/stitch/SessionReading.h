@@ -33,4 +33,8 @@ struct ReadFiles {
 ReadFiles ReadInto(CaptureSession& session, const CaptureFiles& captures, unsigned int threads,
                    Console& console);
 
+/// Warns when captures have to stay in memory that were to be spilled.
+/// @return whether that is so
+bool WarnOfFullDisk(const CaptureSession& session, Console& console);
+
 }  // namespace ScrollingCapture::Program
