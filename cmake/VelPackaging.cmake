@@ -68,6 +68,15 @@ if(VEL_BUILD_PROGRAM)
     DESCRIPTION "${about}\n\nThis package has the command-line program."
     DEPENDS runtime)
 endif()
+if(VEL_BUILD_DESKTOP)
+  vel_add_package(desktop
+    NAME velscroll-desktop
+    SECTION graphics
+    SUMMARY "captures a window while it scrolls, as one picture"
+    DESCRIPTION "${about}\n\nThis package has the desktop program."
+    DEPENDS runtime
+    NEEDS libqt5svg5)
+endif()
 if(VEL_BUILD_C)
   vel_add_package(c
     NAME libvelscrollingcapturec${PROJECT_VERSION_MAJOR}

@@ -1,0 +1,70 @@
+#include <exception>
+
+#include <desktop/work/Errand.h>
+#include <desktop/work/Explanation.h>
+#include <velscroll/terminal/Failure.h>
+
+namespace ScrollingCapture::Desktop {
+
+Errand::~Errand() {
+  stop();
+  if (thread.joinable()) {
+    thread.join();
+  }
+}
+
+void Errand::start(const std::function<void()>& work) {
+  isAskedToStop = false;
+  busy = true;
+  try {
+    thread = std::thread([this, work] { run(work); });
+  } catch (const std::exception&) {
+    const QString line = Explain(std::current_exception());
+    post([this, line] { finish(End::Failed, line); });
+  }
+}
+
+void Errand::requireGoingOn() const {
+  if (!goesOn()) {
+    throw Program::Cancelled();
+  }
+}
+
+void Errand::post(const std::function<void()>& deed) {
+  QMetaObject::invokeMethod(this, deed, Qt::QueuedConnection);
+}
+
+/// An exception on its way out of the thread would end the process.
+void Errand::run(const std::function<void()>& work) {
+  End end = End::Done;
+  QString line;
+  try {
+    work();
+  } catch (const Program::Cancelled&) {
+    end = End::Stopped;
+  } catch (...) {
+    end = End::Failed;
+    line = Explain(std::current_exception());
+  }
+  post([this, end, line] { finish(end, line); });
+}
+
+void Errand::finish(End end, const QString& line) {
+  if (thread.joinable()) {
+    thread.join();
+  }
+  busy = false;
+  switch (end) {
+    case End::Done:
+      emit done();
+      break;
+    case End::Stopped:
+      emit stopped();
+      break;
+    case End::Failed:
+      emit failed(line);
+      break;
+  }
+}
+
+}  // namespace ScrollingCapture::Desktop
