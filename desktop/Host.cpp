@@ -95,7 +95,7 @@ void Host::beginBeside(const QRect& region) {
   connect(recording, &Recording::stitching, panel.get(), &Panel::showStitching);
   if (placePanel(region)) {
     panel->show();
-    begin({});
+    begin();
   } else {
     beginBlind();
   }
@@ -122,7 +122,8 @@ void Host::beginBlind() {
                               "finish the recording.")
                                .arg(platform.finishKey);
     if (questions.beforeRecordingBlind(notice)) {
-      begin(key);
+      recording->listenTo(key);
+      begin();
     } else {
       recording->discard();
     }
@@ -133,10 +134,7 @@ void Host::beginBlind() {
   }
 }
 
-void Host::begin(const KeyWasPressed& key) {
-  QTimer::singleShot(SettlingMilliseconds, recording,
-                     [running = recording, key] { running->begin(key); });
-}
+void Host::begin() { QTimer::singleShot(SettlingMilliseconds, recording, &Recording::begin); }
 
 void Host::showPicture(const Recorded& recorded) {
   dropRecording();

@@ -30,7 +30,7 @@ class Host : public QObject {
   Q_OBJECT
 
  public:
-  Host(Platform platform, Questions questions, QObject* parent = nullptr);
+  Host(Platform offered, Questions asked, QObject* parent = nullptr);
   ~Host() override;
 
   /// Lets the user begin. Must not be called while something is recorded.
@@ -53,7 +53,7 @@ class Host : public QObject {
   void beginBeside(const QRect& region);
   bool placePanel(const QRect& region);
   void beginBlind();
-  void begin(const KeyWasPressed& key);
+  void begin();
   void showPicture(const Recorded& recorded);
   void endRecording(int status, const QString& line);
   void dropRecording();
