@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -64,6 +65,7 @@ class Host : public QObject {
   std::unique_ptr<StartWindow> startWindow;  ///< once it was shown
   std::unique_ptr<Panel> panel;              ///< while something is recorded
   Recording* recording = nullptr;            ///< likewise
+  QTimer settling;                           ///< before the recording begins
   int openPictures = 0;
 };
 
