@@ -40,6 +40,14 @@ void CaptureAdding::Finish() {
   Rethrow();
 }
 
+bool CaptureAdding::FinishWithin(std::chrono::milliseconds timeout) {
+  std::unique_lock<std::mutex> lock(mutex);
+  const bool isDone =
+      changed.wait_for(lock, timeout, [this] { return waiting.empty() || failure; });
+  Rethrow();
+  return isDone;
+}
+
 RecordingStatus CaptureAdding::Status() const {
   const std::lock_guard<std::mutex> lock(mutex);
   RecordingStatus told = status;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -34,6 +35,10 @@ class CaptureAdding {
 
   /// Waits until all have been added. Throws what adding one threw.
   void Finish();
+
+  /// The same, but not longer than that.
+  /// @return whether all have been added
+  bool FinishWithin(std::chrono::milliseconds timeout);
 
   /// How many captures the session has taken, where the last one lies, what they show, and whether
   /// they join. The rest of it is not told here.

@@ -34,13 +34,13 @@ std::unordered_map<std::uint64_t, int> PlacesOf(const std::vector<std::uint64_t>
 /// How many lines speak for each motion; that of no motion is in the middle.
 std::vector<int> VotesOf(const std::vector<std::uint64_t>& before,
                          const std::vector<std::uint64_t>& now) {
-  const auto count = static_cast<int>(now.size());
   const auto placesBefore = PlacesOf(before);
   std::vector<int> votes(2 * now.size());
+  const auto still = votes.begin() + static_cast<std::ptrdiff_t>(now.size());
   for (const auto& [number, place] : PlacesOf(now)) {
     const auto found = placesBefore.find(number);
     if (place != SeveralTimes && found != placesBefore.end() && found->second != SeveralTimes) {
-      ++votes[static_cast<std::size_t>(place - found->second + count)];
+      ++still[place - found->second];
     }
   }
   return votes;

@@ -40,10 +40,17 @@ RecordingEnd Recorder::Run() {
   }
   if (!last.empty()) {
     selection.Finish();
-    adding.Finish();
+    WaitForJoins();
   }
   end.status = Status();
   return end;
+}
+
+/// Nobody can end this but by an exception.
+void Recorder::WaitForJoins() {
+  while (!adding.FinishWithin(LongestWait)) {
+    listener.GoOn(Status());
+  }
 }
 
 void Recorder::Loop() {
@@ -104,7 +111,7 @@ bool Recorder::MayTurnWheel() const {
 void Recorder::TurnWheel() {
   selection.Settle();
   if (turned) {
-    adding.Finish();
+    WaitForJoins();
     turn = autoScroll->Next(adding.Status());
   }
   if (!turn) {

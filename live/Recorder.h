@@ -20,7 +20,8 @@ class IRecordingListener {
  public:
   virtual ~IRecordingListener() = default;
 
-  /// Called at least ten times a second.
+  /// Called at least ten times a second, also while the last captures are joined. What it throws
+  /// ends the recording, and passes to the caller of Run.
   /// @return false to end the recording
   virtual bool GoOn(const RecordingStatus& status) = 0;
 
@@ -67,6 +68,7 @@ class Recorder {
   using Clock = std::chrono::steady_clock;
 
   void Loop();
+  void WaitForJoins();
   void Look();
   void LookAgainAtRest();
   bool WayHasChanged();

@@ -36,6 +36,12 @@ std::size_t StatedSize(const Struct* given, const char* name) {
   return size;
 }
 
+/// Whether all of some bytes, of which there is at least one, are zeros: the first one is, and each
+/// equals the next.
+inline bool AreZero(const unsigned char* bytes, std::size_t count) {
+  return bytes[0] == 0 && std::memcmp(bytes, bytes + 1, count - 1) == 0;
+}
+
 /// What a caller hands over, and what it lacks as in `defaults`. Throws InvalidArgument when it has
 /// something set that this version does not know.
 /// @param name what the structure is called
@@ -44,8 +50,7 @@ Struct Taken(const Struct* given, Struct defaults, const char* name) {
   const std::size_t size = StatedSize(given, name);
   std::memcpy(&defaults, given, std::min(size, sizeof(Struct)));
   const auto* const bytes = reinterpret_cast<const unsigned char*>(given);
-  if (size > sizeof(Struct) && std::any_of(bytes + sizeof(Struct), bytes + size,
-                                           [](unsigned char byte) { return byte != 0; })) {
+  if (size > sizeof(Struct) && !AreZero(bytes + sizeof(Struct), size - sizeof(Struct))) {
     throw InvalidArgument(std::string(name) +
                           " has a field set that this version of the library does not know");
   }

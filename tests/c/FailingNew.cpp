@@ -26,8 +26,8 @@ void* Allocate(size_t size) noexcept {
 
 }  // namespace
 
-FailingNew::FailingNew(size_t after) {
-  passing = after;
+FailingNew::FailingNew(size_t passing) {
+  Testing::passing = passing;
   hasFailed = false;
 }
 

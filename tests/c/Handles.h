@@ -89,13 +89,15 @@ inline cv::Mat Whole(vel_picture* picture) {
 inline std::string MessageOf(vel_session* handle) {
   std::string text(VEL_MESSAGE_SIZE, '\0');
   EXPECT_EQ(vel_session_message(handle, text.data(), text.size()), VEL_OK);
-  return text.c_str();
+  text.resize(text.find('\0'));
+  return text;
 }
 
 inline std::string MessageOf(vel_picture* handle) {
   std::string text(VEL_MESSAGE_SIZE, '\0');
   EXPECT_EQ(vel_picture_message(handle, text.data(), text.size()), VEL_OK);
-  return text.c_str();
+  text.resize(text.find('\0'));
+  return text;
 }
 
 /// What a window shows that scrolls down a page of noise by `step` rows.

@@ -52,7 +52,8 @@ class PictureFiles : public testing::Test {
   std::string Message() const {
     std::string text(VEL_MESSAGE_SIZE, '\0');
     EXPECT_EQ(vel_stitched_message(stitched.get(), text.data(), text.size()), VEL_OK);
-    return text.c_str();
+    text.resize(text.find('\0'));
+    return text;
   }
 
   const Testing::TemporaryFolder folder;

@@ -1,5 +1,7 @@
 #include <atomic>
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -32,6 +34,21 @@ TEST_F(Adding, HandsCapturesToTheSessionInTheirOrder) {
   EXPECT_EQ(status.captures, 3U);
   EXPECT_EQ(status.seen, cv::Rect(0, 0, 200, 260));
   EXPECT_EQ(status.place, (Place{100, 0}));
+}
+
+TEST(AddingThatTakesLong, IsNotWaitedForLonger) {
+  std::atomic<bool> goOn{false};
+  CaptureSession session{SessionSettings()};
+  CaptureAdding adding(session, [&goOn](const cv::Mat&) {
+    while (!goOn) {
+      std::this_thread::yield();
+    }
+  });
+  adding.Add(NoiseCapture({200, 160}, 1));
+  EXPECT_FALSE(adding.FinishWithin(std::chrono::milliseconds(1)));
+  goOn = true;
+  adding.Finish();
+  EXPECT_TRUE(adding.FinishWithin(std::chrono::milliseconds(1)));
 }
 
 TEST_F(Adding, CountsNoRepeats) {

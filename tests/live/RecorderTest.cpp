@@ -1,4 +1,5 @@
 #include <functional>
+#include <stdexcept>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -106,6 +107,11 @@ TEST_F(Recording, OfNothingEndsWithoutCaptures) {
   const RecordingEnd end = Run();
   EXPECT_EQ(end.status.captures, 0U);
   EXPECT_EQ(end.status.hindrance, "covered");
+}
+
+TEST_F(Recording, EndsByWhatTheListenerThrows) {
+  listener.isDone = []() -> bool { throw std::runtime_error("enough"); };
+  EXPECT_THROW(Run(), std::runtime_error);
 }
 
 TEST_F(Recording, ScrollsToTheEndByItself) {

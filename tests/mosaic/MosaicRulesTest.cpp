@@ -228,7 +228,9 @@ TEST_P(OwnPartTest, LeavesTheRestAlone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Parts, OwnPartTest,
-                         testing::Values(cv::Rect(30, 250, 20, 20), cv::Rect(100, 40, 60, 60)));
+                         testing::Values(cv::Rect(30, 250, 20, 20), cv::Rect(100, 40, 60, 60),
+                                         cv::Rect(90, 210, 130, 80), cv::Rect(54, 277, 84, 141),
+                                         cv::Rect(86, 386, 156, 120)));
 
 TEST(MosaicRulesTest, ParallaxLeavesTheRestAlone) {
   const cv::Rect band(0, 220, 260, 60);

@@ -1,4 +1,4 @@
-#include <array>
+#include <algorithm>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -22,10 +22,11 @@ bool IsSet(const char* variable) {
 }
 
 bool IsInstalled(const std::string& tool) {
-  const char* const path = std::getenv("PATH");
-  std::istringstream folders(path == nullptr ? "" : path);
+  const char* const all = std::getenv("PATH");
+  std::istringstream folders(all == nullptr ? "" : all);
   for (std::string folder; std::getline(folders, folder, ':');) {
-    if (::access((folder + "/" + tool).c_str(), X_OK) == 0) {
+    const std::string path = folder.append("/").append(tool);
+    if (::access(path.c_str(), X_OK) == 0) {
       return true;
     }
   }
@@ -50,10 +51,9 @@ std::string MediaTypeOf(const std::string& path) {
 /// Runs a program that reads a file and says nothing.
 /// @return whether it succeeded
 bool Feed(std::vector<std::string> words, const std::string& file) {
-  std::vector<char*> pointers;
-  for (std::string& word : words) {
-    pointers.push_back(word.data());
-  }
+  std::vector<char*> pointers(words.size());
+  std::transform(words.begin(), words.end(), pointers.begin(),
+                 [](std::string& word) { return word.data(); });
   pointers.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);

@@ -29,6 +29,7 @@ class Listener : public Live::IRecordingListener {
       : console(console), folder(folder), ending(ending) {}
 
   bool GoOn(const Live::RecordingStatus& status) override {
+    StopIfInterrupted();
     console.ShowStatus(StatusLine(status));
     return !ending.IsAsked();
   }

@@ -77,9 +77,10 @@ bool SeenAnchors::IsRemembered(std::uint32_t hash, const CaptureAnchors& capture
 }
 
 std::size_t SeenAnchors::SlotOf(std::uint32_t hash) const {
-  std::size_t slot = Mixed(hash) >> 3 & (slots.size() - 1);
+  // The upper bits decide: the lower ones are those that anchors are chosen by.
+  auto slot = static_cast<std::size_t>(std::uint64_t{Mixed(hash)} * slots.size() >> 32U);
   while (slots[slot].part != Free && slots[slot].hash != hash) {
-    slot = (slot + 1) & (slots.size() - 1);
+    slot = slot + 1 < slots.size() ? slot + 1 : 0;
   }
   return slot;
 }
@@ -136,8 +137,9 @@ void SeenAnchors::Note(std::uint32_t hash, int part, const cv::Point& place, int
 }
 
 void SeenAnchors::Grow() {
-  std::vector<Sighting> smaller(slots.size() * 2, Sighting{0, 0, 0, Free});
-  std::vector<bool> smallerRepeated(slots.size() * 2);
+  const std::size_t larger = slots.size() + slots.size() / 4;
+  std::vector<Sighting> smaller(larger, Sighting{0, 0, 0, Free});
+  std::vector<bool> smallerRepeated(larger);
   smaller.swap(slots);
   smallerRepeated.swap(repeated);
   for (std::size_t i = 0; i < smaller.size(); ++i) {

@@ -16,7 +16,7 @@ namespace ScrollingCapture {
 ///
 /// Of a capture's anchors a part is remembered, chosen by content again; and of each square of the
 /// picture only so many, whatever it has shown: videos and the like give new anchors for ever. That
-/// makes at most two bytes a pixel of the picture, and half a byte as a rule.
+/// makes at most two bytes a pixel of the picture, and half a byte or less as a rule.
 class SeenAnchors {
  public:
   /// A place for the top-left pixel of a capture, and how many anchors vote for it.
@@ -56,7 +56,7 @@ class SeenAnchors {
   void Grow();
 
   PictureParts& parts;
-  std::vector<Sighting> slots;  ///< a hash table, always a power of two of slots
+  std::vector<Sighting> slots;  ///< a hash table, at most three quarters full
   std::vector<bool> repeated;   ///< for each slot
   std::size_t used = 0;
   std::unordered_map<std::uint64_t, std::uint16_t> squares;  ///< how many anchors each one has

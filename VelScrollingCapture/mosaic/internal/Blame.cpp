@@ -19,9 +19,9 @@ constexpr float LateExoneration = 0.1F;
 /// How suspect each kind of pixel is beside one that stands still and is not plain.
 constexpr std::array<float, PixelKindCount> KindWeights = {0.6F, 0.85F, 1.0F};
 
-/// A contradiction between two pixels that both move is more likely a change of the content.
+/// When two pixels contradict each other and both move, the content itself has changed: what covers
+/// content stands still.
 constexpr size_t BothMoving = Moving + PixelKindCount * Moving;
-constexpr float MovingWeight = 0.25F;
 
 /// What agreement on a pixel that may stand as well as move weighs.
 constexpr float PlainAgreement = 0.25F;
@@ -117,10 +117,10 @@ class BlameSearch {
     const float first = suspicion[pair.first].ptr<float>()[contradiction.firstCell];
     const float second = suspicion[pair.second].ptr<float>()[contradiction.secondCell];
     for (size_t kinds = 0; kinds < contradiction.counts.size(); ++kinds) {
-      if (contradiction.counts[kinds] == 0) {
+      if (contradiction.counts[kinds] == 0 || kinds == BothMoving) {
         continue;
       }
-      const float count = contradiction.counts[kinds] * (kinds == BothMoving ? MovingWeight : 1);
+      const float count = contradiction.counts[kinds];
       const float firstOdds = first * KindWeights[kinds % PixelKindCount];
       const float secondOdds = second * KindWeights[kinds / PixelKindCount];
       const float share =

@@ -2,13 +2,27 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <testkit/TemporaryFolder.h>
 #include <velscroll/output/staging/StagedFile.h>
 #include <velscroll/terminal/Failure.h>
+
+namespace {
+
+int maskChanges = 0;
+
+}  // namespace
+
+/// The system's own, in the place of the C library's, so that calls can be counted.
+extern "C" mode_t umask(mode_t mask) noexcept {
+  ++maskChanges;
+  return static_cast<mode_t>(syscall(SYS_umask, mask));
+}
 
 namespace ScrollingCapture {
 namespace {
@@ -113,6 +127,12 @@ TEST_F(StagedFile, HasThePermissionsThatTheMaskLeaves) {
   file.Commit();
   umask(mask);
   EXPECT_EQ(fs::status(PathOf("page.png")).permissions(), fs::perms(0640));
+}
+
+TEST_F(StagedFile, LeavesTheMaskAloneWhichBelongsToAllThreads) {
+  maskChanges = 0;
+  Program::StagedFile(PathOf("page.png")).Close();
+  EXPECT_EQ(maskChanges, 0);
 }
 
 TEST_F(StagedFile, ThroughALinkReplacesWhatTheLinkPointsTo) {

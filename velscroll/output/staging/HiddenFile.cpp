@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -57,6 +58,20 @@ size_t HiddenFile::ReadAt(std::uint64_t offset, void* bytes, size_t length) cons
   } while (got < 0 && errno == EINTR);
   Require(got >= 0);
   return static_cast<size_t>(got);
+}
+
+// A file is asked, since the mask cannot be read without being changed for all threads of the
+// process.
+mode_t HiddenFile::PermissionsOfNewFiles() const {
+  constexpr mode_t ReadAndWrite = 0666;
+  const std::string probe = name + "~";
+  const FileDescriptor opened(
+      ::open(probe.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ReadAndWrite));
+  Require(opened.IsOpen());
+  ::unlink(probe.c_str());
+  struct stat status = {};
+  Require(::fstat(opened.Number(), &status) == 0);
+  return status.st_mode & ReadAndWrite;
 }
 
 void HiddenFile::Close(mode_t permissions) {

@@ -24,6 +24,9 @@ class HiddenFile {
   /// @return how many bytes were read; 0 at the end
   size_t ReadAt(std::uint64_t offset, void* bytes, size_t length) const;
 
+  /// What the system gives a new file in this folder.
+  mode_t PermissionsOfNewFiles() const;
+
   /// Makes sure that everything is on the disk, and closes the file.
   void Close(mode_t permissions);
 

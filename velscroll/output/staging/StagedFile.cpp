@@ -55,17 +55,14 @@ void RequireWritableFolder(const std::string& path, const std::string& folder) {
   }
 }
 
-/// The permissions of the file that is to be replaced, or else what the user's mask leaves.
-mode_t PermissionsFor(const std::string& target) {
+/// The permissions of the file that is to be replaced, or else those of any new file.
+mode_t PermissionsFor(const std::string& target, const HiddenFile& file) {
   constexpr mode_t EveryPermission = 07777;
-  constexpr mode_t ReadAndWrite = 0666;
   struct stat status = {};
   if (::stat(target.c_str(), &status) == 0) {
     return status.st_mode & EveryPermission;
   }
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  return ReadAndWrite & ~mask;
+  return file.PermissionsOfNewFiles();
 }
 
 }  // namespace
@@ -96,7 +93,7 @@ void StagedFile::Store(std::uint64_t offset, const void* bytes, size_t length) {
 }
 
 void StagedFile::Close() {
-  OnHiddenFile([this](HiddenFile& file) { file.Close(PermissionsFor(target)); },
+  OnHiddenFile([this](HiddenFile& file) { file.Close(PermissionsFor(target, file)); },
                "; make room or choose another folder");
 }
 
