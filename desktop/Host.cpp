@@ -1,7 +1,6 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QScreen>
-#include <QTimer>
 #include <exception>
 #include <utility>
 
@@ -45,7 +44,9 @@ bool AskInBox(const QString& notice) {
 Questions DialogQuestions() { return {AskInDialog, AskInBox}; }
 
 Host::Host(Platform offered, Questions asked, QObject* parent)
-    : QObject(parent), platform(std::move(offered)), questions(std::move(asked)) {}
+    : QObject(parent), platform(std::move(offered)), questions(std::move(asked)) {
+  settling.setSingleShot(true);
+}
 
 Host::~Host() = default;
 
@@ -70,6 +71,7 @@ void Host::record(const PickSource& pick, const RecordingOptions& options) {
     startWindow->hide();
   }
   recording = new Recording(pick, options, this);
+  connect(&settling, &QTimer::timeout, recording, &Recording::begin);
   connect(recording, &Recording::opened, this, &Host::beginBeside);
   connect(recording, &Recording::finished, this, &Host::showPicture);
   connect(recording, &Recording::discarded, this,
@@ -95,7 +97,7 @@ void Host::beginBeside(const QRect& region) {
   connect(recording, &Recording::stitching, panel.get(), &Panel::showStitching);
   if (placePanel(region)) {
     panel->show();
-    begin({});
+    begin();
   } else {
     beginBlind();
   }
@@ -122,7 +124,8 @@ void Host::beginBlind() {
                               "finish the recording.")
                                .arg(platform.finishKey);
     if (questions.beforeRecordingBlind(notice)) {
-      begin(key);
+      recording->listenTo(key);
+      begin();
     } else {
       recording->discard();
     }
@@ -133,10 +136,7 @@ void Host::beginBlind() {
   }
 }
 
-void Host::begin(const KeyWasPressed& key) {
-  QTimer::singleShot(SettlingMilliseconds, recording,
-                     [running = recording, key] { running->begin(key); });
-}
+void Host::begin() { settling.start(SettlingMilliseconds); }
 
 void Host::showPicture(const Recorded& recorded) {
   dropRecording();
@@ -167,6 +167,7 @@ void Host::endRecording(int status, const QString& line) {
 
 /// It may be in the midst of telling its end.
 void Host::dropRecording() {
+  settling.stop();
   panel.reset();
   std::exchange(recording, nullptr)->deleteLater();
 }

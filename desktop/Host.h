@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -30,7 +31,7 @@ class Host : public QObject {
   Q_OBJECT
 
  public:
-  Host(Platform platform, Questions questions, QObject* parent = nullptr);
+  Host(Platform offered, Questions asked, QObject* parent = nullptr);
   ~Host() override;
 
   /// Lets the user begin. Must not be called while something is recorded.
@@ -53,7 +54,7 @@ class Host : public QObject {
   void beginBeside(const QRect& region);
   bool placePanel(const QRect& region);
   void beginBlind();
-  void begin(const KeyWasPressed& key);
+  void begin();
   void showPicture(const Recorded& recorded);
   void endRecording(int status, const QString& line);
   void dropRecording();
@@ -64,6 +65,7 @@ class Host : public QObject {
   std::unique_ptr<StartWindow> startWindow;  ///< once it was shown
   std::unique_ptr<Panel> panel;              ///< while something is recorded
   Recording* recording = nullptr;            ///< likewise
+  QTimer settling;                           ///< before the recording begins
   int openPictures = 0;
 };
 

@@ -15,8 +15,8 @@ class DragHandle : public QLabel {
   explicit DragHandle(QWidget* parent = nullptr);
 
   /// What is dragged from now on.
-  /// @param transfer may be null; must outlive its use here
-  void setTransfer(PictureTransfer* transfer);
+  /// @param shown may be null; must outlive its use here
+  void setTransfer(PictureTransfer* shown);
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;

@@ -17,7 +17,7 @@ class PictureTransfer : public QObject {
   Q_OBJECT
 
  public:
-  explicit PictureTransfer(SharedPicture picture, QObject* parent = nullptr);
+  explicit PictureTransfer(SharedPicture shown, QObject* parent = nullptr);
 
   /// Makes everything ready, unless that is done or under way; ends with one of the signals.
   void prepare();

@@ -22,7 +22,7 @@ class PictureView : public QAbstractScrollArea {
   explicit PictureView(QWidget* parent = nullptr);
 
   /// Shows another picture, as wide as the view, or smaller pictures in their own size.
-  void setPicture(const SharedPicture& picture);
+  void setPicture(const SharedPicture& shown);
 
   /// Pixels of the screen for one of the picture.
   double zoom() const { return scale; }

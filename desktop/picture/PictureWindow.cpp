@@ -32,10 +32,9 @@ QString ExtensionOf(const QString& filter) {
 
 }  // namespace
 
-PictureWindow::PictureWindow(const Recorded& recorded, const ClosingQuestion& question,
-                             QWidget* parent)
+PictureWindow::PictureWindow(const Recorded& recorded, ClosingQuestion asking, QWidget* parent)
     : QMainWindow(parent),
-      question(question),
+      question(std::move(asking)),
       parts(recorded.parts),
       isPartSaved(recorded.parts.size(), false),
       pictureView(new PictureView),

@@ -23,8 +23,7 @@ class PictureWindow : public QMainWindow {
 
  public:
   /// @param recorded with at least one part
-  PictureWindow(const Recorded& recorded, const ClosingQuestion& question,
-                QWidget* parent = nullptr);
+  PictureWindow(const Recorded& recorded, ClosingQuestion asking, QWidget* parent = nullptr);
 
   /// Writes the part that is shown into a file, on another thread; ends with the signal saved or
   /// with saveFailed.

@@ -22,9 +22,9 @@ struct RecordingStore {
 /// files that they wait in, go with it.
 class RecordedPicture {
  public:
-  /// @param store not null
-  RecordedPicture(std::shared_ptr<const StitchedPicture> picture,
-                  std::shared_ptr<RecordingStore> store);
+  /// @param kept not null
+  RecordedPicture(std::shared_ptr<const StitchedPicture> shown,
+                  std::shared_ptr<RecordingStore> kept);
 
   /// Width and height in pixels.
   const cv::Size& Size() const { return size; }

@@ -14,6 +14,9 @@ bool AreSame(const Tile& left, const Tile& right) { return !(left < right) && !(
 
 TileLoader::TileLoader(SharedPicture shown, QObject* parent)
     : QObject(parent), picture(std::move(shown)) {
+  qRegisterMetaType<Tile>("Tile");
+  connect(this, &TileLoader::drawn, this, &TileLoader::loaded, Qt::QueuedConnection);
+  connect(this, &TileLoader::lost, this, &TileLoader::failed, Qt::QueuedConnection);
   thread = std::thread([this] { run(); });
 }
 
@@ -65,13 +68,11 @@ void TileLoader::draw() {
   try {
     const QImage image = DrawTile(*picture, tile, [this] { return isWanted(); });
     if (!image.isNull()) {
-      QMetaObject::invokeMethod(
-          this, [this, tile, image] { emit loaded(tile, image); }, Qt::QueuedConnection);
+      emit drawn(tile, image);
     }
   } catch (...) {
     const QString line = Explain(std::current_exception());
-    QMetaObject::invokeMethod(
-        this, [this, tile, line] { emit failed(tile, line); }, Qt::QueuedConnection);
+    emit lost(tile, line);
   }
 }
 

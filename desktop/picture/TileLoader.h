@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QMetaType>
 #include <QObject>
 #include <condition_variable>
 #include <mutex>
@@ -19,7 +20,7 @@ class TileLoader : public QObject {
 
  public:
   /// Throws std::system_error when no thread can be started.
-  explicit TileLoader(SharedPicture picture, QObject* parent = nullptr);
+  explicit TileLoader(SharedPicture shown, QObject* parent = nullptr);
   ~TileLoader() override;
 
   /// Says what is wanted now, the most urgent tile first. What was wanted before, and is not drawn
@@ -30,6 +31,10 @@ class TileLoader : public QObject {
   void loaded(const Tile& tile, const QImage& image);
   /// @param line why the tile could not be drawn, for the user
   void failed(const Tile& tile, const QString& line);
+
+  // On its way from the other thread.
+  void drawn(const Tile& tile, const QImage& image);
+  void lost(const Tile& tile, const QString& line);
 
  private:
   void run();
@@ -49,3 +54,5 @@ class TileLoader : public QObject {
 };
 
 }  // namespace ScrollingCapture::Desktop
+
+Q_DECLARE_METATYPE(ScrollingCapture::Desktop::Tile)

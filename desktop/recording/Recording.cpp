@@ -38,10 +38,7 @@ void Recording::start() {
   errand.start([this] { work(); });
 }
 
-void Recording::begin(const KeyWasPressed& finishing) {
-  key = finishing;
-  mayBegin = true;
-}
+void Recording::begin() { mayBegin = true; }
 
 void Recording::work() {
   const OpenSource open = pick(options, [this] { return errand.goesOn(); });

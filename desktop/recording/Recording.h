@@ -25,7 +25,7 @@ class Recording : public QObject, private Live::IRecordingListener, private ISti
   Q_OBJECT
 
  public:
-  Recording(PickSource pick, const RecordingOptions& options, QObject* parent = nullptr);
+  Recording(PickSource picking, const RecordingOptions& options, QObject* parent = nullptr);
 
   /// The box that previews fit into, in pixels.
   static cv::Size PreviewBox() { return {250, 280}; }
@@ -34,8 +34,10 @@ class Recording : public QObject, private Live::IRecordingListener, private ISti
   void start();
 
   /// Begins to record what is open.
-  /// @param key also finishes, when it is given
-  void begin(const KeyWasPressed& key = {});
+  void begin();
+
+  /// Has a key finish the recording as well; to be called before it begins.
+  void listenTo(const KeyWasPressed& pressed) { key = pressed; }
 
   /// Ends the recording, and stitches what was captured.
   void finish() { isFinishing = true; }

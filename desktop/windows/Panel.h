@@ -18,8 +18,8 @@ class Panel : public QFrame {
   /// @param previewBox the room for the preview, in pixels of the screen
   explicit Panel(const QSize& previewBox);
 
-  void showPreview(const QImage& preview);
-  void showState(const QString& size, const QString& warning);
+  void showPreview(const QImage& image);
+  void showState(const QString& sizeWords, const QString& warningWords);
 
   /// From now on the captures are being stitched.
   void showStitching(int percent);

@@ -6,6 +6,12 @@
 
 namespace ScrollingCapture::Desktop {
 
+Errand::Errand(QObject* parent) : QObject(parent) {
+  qRegisterMetaType<Deed>("Deed");
+  connect(
+      this, &Errand::posted, this, [](const Deed& deed) { deed(); }, Qt::QueuedConnection);
+}
+
 Errand::~Errand() {
   stop();
   if (thread.joinable()) {
@@ -28,10 +34,6 @@ void Errand::requireGoingOn() const {
   if (!goesOn()) {
     throw Program::Cancelled();
   }
-}
-
-void Errand::post(const std::function<void()>& deed) {
-  QMetaObject::invokeMethod(this, deed, Qt::QueuedConnection);
 }
 
 /// An exception on its way out of the thread would end the process.

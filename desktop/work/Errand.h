@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMetaType>
 #include <QObject>
 #include <QString>
 #include <atomic>
@@ -14,7 +15,9 @@ class Errand : public QObject {
   Q_OBJECT
 
  public:
-  explicit Errand(QObject* parent = nullptr) : QObject(parent) {}
+  using Deed = std::function<void()>;
+
+  explicit Errand(QObject* parent = nullptr);
 
   /// Stops the work, and waits for it: whatever the work uses has to outlive this.
   ~Errand() override;
@@ -36,13 +39,16 @@ class Errand : public QObject {
 
   /// For the work: has something done on the thread of the user interface, unless this is gone by
   /// then.
-  void post(const std::function<void()>& deed);
+  void post(const Deed& deed) { emit posted(deed); }
 
  signals:
   void done();
   void stopped();
   /// @param line what went wrong, for the user
   void failed(const QString& line);
+
+  /// Brings what was posted to the other thread.
+  void posted(const Deed& deed);
 
  private:
   enum class End { Done, Stopped, Failed };
@@ -56,3 +62,5 @@ class Errand : public QObject {
 };
 
 }  // namespace ScrollingCapture::Desktop
+
+Q_DECLARE_METATYPE(ScrollingCapture::Desktop::Errand::Deed)

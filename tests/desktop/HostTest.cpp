@@ -51,7 +51,7 @@ class HostTest : public testing::Test {
     window.page = Testing::TextPage({screen.width(), screen.height() + 300});
   }
 
-  bool WaitForTheEnd(int expected) {
+  bool WaitForTheEnd(int expected) const {
     return WaitUntil([&] { return status == expected; });
   }
 
@@ -69,7 +69,7 @@ class HostTest : public testing::Test {
 TEST_F(HostTest, RecordsBesideAPanelAndShowsThePicture) {
   host.showStart();
   Click(*WaitFor<StartWindow>(), "choose");
-  Panel* const panel = WaitFor<Panel>();
+  auto* const panel = WaitFor<Panel>();
   ASSERT_NE(panel, nullptr);
   EXPECT_EQ(Shown<StartWindow>(), nullptr);
   EXPECT_FALSE(panel->frameGeometry().intersects(QRect(100, 100, 240, 200)));
@@ -92,10 +92,10 @@ TEST_F(HostTest, RecordsBesideAPanelAndShowsThePicture) {
 TEST_F(HostTest, ShowsTheStartAgainWhenTheUserDiscards) {
   host.showStart();
   Click(*WaitFor<StartWindow>(), "choose");
-  Panel* const panel = WaitFor<Panel>();
+  auto* const panel = WaitFor<Panel>();
   ASSERT_NE(panel, nullptr);
   Click(*panel, "discard");
-  StartWindow* const start = WaitFor<StartWindow>();
+  auto* const start = WaitFor<StartWindow>();
   ASSERT_NE(start, nullptr);
   EXPECT_EQ(Shown<Panel>(), nullptr);
   start->close();
@@ -104,7 +104,7 @@ TEST_F(HostTest, ShowsTheStartAgainWhenTheUserDiscards) {
 
 TEST_F(HostTest, AsksToChooseWhenThePanelIsToBeClosed) {
   host.record(PickOf(window), {});
-  Panel* const panel = WaitFor<Panel>();
+  auto* const panel = WaitFor<Panel>();
   ASSERT_NE(panel, nullptr);
   EXPECT_FALSE(panel->close());
   EXPECT_TRUE(panel->isVisible());
@@ -113,7 +113,7 @@ TEST_F(HostTest, AsksToChooseWhenThePanelIsToBeClosed) {
 
 TEST_F(HostTest, EndsWhenWhatWasNamedAtTheStartIsDiscarded) {
   host.record(PickOf(window), {});
-  Panel* const panel = WaitFor<Panel>();
+  auto* const panel = WaitFor<Panel>();
   ASSERT_NE(panel, nullptr);
   Click(*panel, "discard");
   EXPECT_TRUE(WaitForTheEnd(Program::WasCancelled));
@@ -132,7 +132,7 @@ TEST_F(HostTest, TellsInTheStartWindowWhyARecordingFailed) {
   host.record([](const auto&,
                  const auto&) -> OpenSource { throw std::runtime_error("there is no window 9"); },
               {});
-  StartWindow* const start = WaitFor<StartWindow>();
+  auto* const start = WaitFor<StartWindow>();
   ASSERT_NE(start, nullptr);
   EXPECT_EQ(start->findChild<QLabel*>("message")->text(), "There is no window 9");
 }
@@ -166,7 +166,7 @@ TEST_F(HostTest, RefusesAFullScreenThatNothingCouldEnd) {
 
 TEST_F(HostTest, PassesOnWhatTheStartWindowOffers) {
   host.showStart();
-  StartWindow* const start = WaitFor<StartWindow>();
+  auto* const start = WaitFor<StartWindow>();
   ASSERT_NE(start, nullptr);
   EXPECT_FALSE(start->options().scrollsByItself);
   EXPECT_FALSE(start->options().showsPointer);

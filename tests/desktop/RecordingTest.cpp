@@ -191,8 +191,8 @@ TEST_F(RecordingTest, IsFinishedByAKey) {
   Recording recording(PickOf(window), {});
   bool isFinished = false;
   QObject::connect(&recording, &Recording::finished, [&] { isFinished = true; });
-  QObject::connect(&recording, &Recording::opened,
-                   [&] { recording.begin([&] { return isPressed.load(); }); });
+  QObject::connect(&recording, &Recording::opened, [&] { recording.begin(); });
+  recording.listenTo([&] { return isPressed.load(); });
   recording.start();
   QTest::qWait(200);
   EXPECT_FALSE(isFinished);
