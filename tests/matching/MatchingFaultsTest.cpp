@@ -54,8 +54,11 @@ INSTANTIATE_TEST_SUITE_P(Pairs, MatchingAllocations,
                          [](const auto& test) { return test.param.name; });
 
 TEST(CapturePlacerAllocations, PlaceNothingWhenTheyFail) {
-  const std::vector<cv::Mat> captures =
-      CapturesAt(DrawArticle({TravelWindow.width, 1500}, 6), {0, 150, 900, 260});
+  const cv::Mat page = DrawArticle({200, 900}, 6);
+  std::vector<cv::Mat> captures;
+  for (const int row : {0, 70, 600, 130}) {
+    captures.push_back(Window(page, {200, 120}, {0, row}));
+  }
   const auto provider = ProviderOf(captures);
   const auto attempt = [&](size_t passing) {
     CapturePlacer placer(*provider, {});
@@ -76,7 +79,7 @@ TEST(CapturePlacerAllocations, PlaceNothingWhenTheyFail) {
     if (placer.Count() == 3) {
       placer.Place(3, last);
     }
-    EXPECT_EQ(placer.At(3).place, (Place{260, 0}));
+    EXPECT_EQ(placer.At(3).place, (Place{130, 0}));
     EXPECT_EQ(placer.At(3).part, 1);
     return hasFailed;
   };

@@ -26,6 +26,22 @@ Join MatchWindows(const cv::Mat& page, const cv::Point& from, const cv::Point& t
   return Match(Window(page, size, from), Window(page, size, to));
 }
 
+/// A page of short headings over blocks of one colour and some lines of text, far apart.
+cv::Mat DrawSparsePage(const cv::Size& size) {
+  cv::Mat page(size, CV_8UC4, cv::Scalar::all(255));
+  cv::RNG random(3);
+  for (int row = 24; row + 120 < size.height; row += 180) {
+    DrawText(page, "Section " + std::to_string(row / 180), {24, row}, {0, 0, 0, 255}, 0.55);
+    const cv::Rect block(24, row + 16, random.uniform(100, 250), 26);
+    page(block).setTo(cv::Scalar(random.uniform(0, 255), random.uniform(0, 255), 80, 255));
+    for (const int line : {64, 84}) {
+      DrawText(page, "row " + std::to_string(random.uniform(1000, 9999)) + " of the ledger",
+               {2, row + line}, {0, 0, 0, 255}, 0.5);
+    }
+  }
+  return page;
+}
+
 struct Step {
   const char* name;
   cv::Point from;
@@ -111,6 +127,25 @@ TEST(PairMatcher, ProvesContentBetweenFixedBars) {
   EXPECT_EQ(join.verdict, Verdict::Proven);
   EXPECT_LT(join.equal, join.compared);
 }
+
+/// Where a word stands in a header of 60 rows, by its baseline.
+class PairMatcherHeaderWithAWord : public testing::TestWithParam<int> {};
+
+TEST_P(PairMatcherHeaderWithAWord, HidesNoJoin) {
+  const cv::Size size(700, 500);
+  const cv::Mat page = DrawSparsePage({700, 1200});
+  cv::Mat header(60, 700, CV_8UC4, cv::Scalar(100, 66, 32, 255));
+  DrawText(header, "Stays", {1, GetParam()}, {255, 255, 255, 255}, 0.55);
+  cv::Mat captures[] = {Window(page, size, {0, 0}), Window(page, size, {0, 120})};
+  for (cv::Mat& capture : captures) {
+    Lay(header, capture, {0, 0});
+  }
+  const Join join = Match(captures[0], captures[1]);
+  EXPECT_EQ(join.motion, Translation(-120, 0));
+  EXPECT_EQ(join.verdict, Verdict::Proven);
+}
+
+INSTANTIATE_TEST_SUITE_P(Baselines, PairMatcherHeaderWithAWord, testing::Values(14, 34, 54));
 
 TEST(PairMatcher, ProvesContentBesideFrozenPanes) {
   const cv::Mat page = DrawArticle({1200, 1200}, 12);

@@ -94,11 +94,26 @@ bool IsOfOneColour(const int* pixels, int count) {
                      [colour = *pixels](int pixel) { return pixel == colour; });
 }
 
-/// How many rows from one end on stand still although no anchor can say so, since they are of one
-/// colour or fewer than a patch has.
-int RowsOfBar(const cv::Mat& earlier, const cv::Mat& later, bool fromBelow) {
+/// The rows, or columns, that anchors vouch for which stand still, and those close to them.
+std::vector<bool> StandingLines(const std::vector<Match>& matches, int lines,
+                                int cv::Point::*axis) {
+  std::vector<bool> standing(static_cast<std::size_t>(lines));
+  for (const Match& match : matches) {
+    if (match.motion == cv::Point()) {
+      const int first = std::max(0, match.place.*axis - CellSide);
+      const int end = std::min(lines, match.place.*axis + PatchSide + CellSide);
+      std::fill(standing.begin() + first, standing.begin() + end, true);
+    }
+  }
+  return standing;
+}
+
+/// How many rows from one end on stand still as far as can be told: anchors say so, or no anchor
+/// can, since they are of one colour or fewer than a patch has.
+int RowsOfBar(const cv::Mat& earlier, const cv::Mat& later, const std::vector<bool>& standing,
+              bool fromBelow) {
   const int most = static_cast<int>(later.rows * LargestBar);
-  int plain = 0;
+  int told = 0;
   int rows = 0;
   for (; rows < most; ++rows) {
     const int row = fromBelow ? later.rows - 1 - rows : rows;
@@ -106,13 +121,17 @@ int RowsOfBar(const cv::Mat& earlier, const cv::Mat& later, bool fromBelow) {
     if (!std::equal(pixels, pixels + later.cols, earlier.ptr<int>(row))) {
       break;
     }
-    plain += static_cast<int>(plain == rows && IsOfOneColour(pixels, later.cols));
+    const bool isTold = told == rows && (standing[static_cast<std::size_t>(row)] ||
+                                         IsOfOneColour(pixels, later.cols));
+    told += static_cast<int>(isTold);
   }
-  return rows - plain < PatchSide ? rows : plain;
+  return rows - told < PatchSide ? rows : told;
 }
 
-cv::Range RowsBetweenBars(const cv::Mat& earlier, const cv::Mat& later) {
-  return {RowsOfBar(earlier, later, false), later.rows - RowsOfBar(earlier, later, true)};
+cv::Range RowsBetweenBars(const cv::Mat& earlier, const cv::Mat& later,
+                          const std::vector<bool>& standing) {
+  return {RowsOfBar(earlier, later, standing, false),
+          later.rows - RowsOfBar(earlier, later, standing, true)};
 }
 
 /// The cells of the overlap that disagree although nothing stands still there.
@@ -234,13 +253,15 @@ cv::Rect ExactProof::ContentFor(const cv::Point& motion) const {
   cv::Rect content({0, 0}, later.size());
   if (motion.x == 0 && motion.y != 0) {
     if (!contentRows) {
-      contentRows = RowsBetweenBars(earlier, later);
+      contentRows =
+          RowsBetweenBars(earlier, later, StandingLines(matches, later.rows, &cv::Point::y));
     }
     content.y = contentRows->start;
     content.height = contentRows->size();
   } else if (motion.y == 0 && motion.x != 0) {
     if (!contentColumns) {
-      contentColumns = RowsBetweenBars(earlier.t(), later.t());
+      contentColumns = RowsBetweenBars(earlier.t(), later.t(),
+                                       StandingLines(matches, later.cols, &cv::Point::x));
     }
     content.x = contentColumns->start;
     content.width = contentColumns->size();
