@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include <desktop/picture/RecordedPicture.h>
 #include <opencv2/core.hpp>
@@ -13,7 +14,7 @@ namespace ScrollingCapture::Desktop {
 /// A picture that is in memory already.
 class GivenPicture : public StitchedPicture {
  public:
-  explicit GivenPicture(const cv::Mat& pixels) : pixels(pixels) {}
+  explicit GivenPicture(cv::Mat given) : pixels(std::move(given)) {}
 
   cv::Size Size() const override { return pixels.size(); }
   bool IsOpaque() const override { return true; }

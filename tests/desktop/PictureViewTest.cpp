@@ -1,6 +1,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QWheelEvent>
+#include <cstdint>
 
 #include <desktop/picture/PictureView.h>
 #include <desktop/work/Pixels.h>
@@ -131,7 +132,7 @@ TEST_F(PictureViewTest, ShowsTheEndOfAPictureThatNoMemoryHolds) {
   view.showActualSize();
   view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
   EXPECT_TRUE(WaitUntil([&] { return Shown().pixelColor(10, 10) == QColor(Qt::white); }));
-  constexpr std::int64_t PixelsOfTile = Tile::Side * Tile::Side;
+  constexpr std::int64_t PixelsOfTile = std::int64_t{Tile::Side} * Tile::Side;
   EXPECT_LE(endless->largestArea, 8 * PixelsOfTile);
 }
 

@@ -1,15 +1,15 @@
 // Runs tests that need an application, on a platform without a screen unless told otherwise.
 #include <QApplication>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <testkit/TemporaryFolder.h>
 
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
-  const ScrollingCapture::Testing::TemporaryFolder session;
-  qputenv("XDG_RUNTIME_DIR", session.Path().c_str());
+  const QTemporaryDir session;
+  qputenv("XDG_RUNTIME_DIR", session.path().toLocal8Bit());
   testing::InitGoogleTest(&argc, argv);
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);

@@ -2,7 +2,7 @@
 #include <QApplication>
 #include <QProcess>
 #include <QStandardPaths>
-#include <memory>
+#include <exception>
 
 #include <gtest/gtest.h>
 #include <testkit/TemporaryFolder.h>
@@ -44,7 +44,10 @@ int RunOnServer(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   testing::InitGoogleTest(&argc, argv);
   return testing::GTEST_FLAG(list_tests) ? RUN_ALL_TESTS() : RunOnServer(argc, argv);
+} catch (const std::exception& error) {
+  qWarning("%s", error.what());
+  return 1;
 }
