@@ -5,8 +5,8 @@
 #include <utility>
 
 #include <desktop/Host.h>
+#include <desktop/support/Explanation.h>
 #include <desktop/windows/PanelPlace.h>
-#include <desktop/work/Explanation.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Desktop {

@@ -9,7 +9,7 @@
 
 #include <desktop/Arguments.h>
 #include <desktop/Host.h>
-#include <desktop/work/Explanation.h>
+#include <desktop/support/Explanation.h>
 #include <desktop/x11/X11Platform.h>
 #include <live/x11/XConnection.h>
 #include <opencv2/core/utils/logger.hpp>

@@ -5,8 +5,8 @@
 
 #include <desktop/picture/PictureFile.h>
 #include <desktop/picture/PictureTransfer.h>
-#include <desktop/work/Pixels.h>
-#include <desktop/work/TemporaryFolder.h>
+#include <desktop/support/Pixels.h>
+#include <desktop/support/TemporaryFolder.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Desktop {

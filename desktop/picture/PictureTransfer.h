@@ -7,7 +7,7 @@
 #include <memory>
 
 #include <desktop/picture/RecordedPicture.h>
-#include <desktop/work/Errand.h>
+#include <desktop/support/Errand.h>
 
 namespace ScrollingCapture::Desktop {
 

@@ -7,7 +7,7 @@
 #include <exception>
 
 #include <desktop/picture/PictureView.h>
-#include <desktop/work/Explanation.h>
+#include <desktop/support/Explanation.h>
 
 namespace ScrollingCapture::Desktop {
 namespace {

@@ -13,7 +13,7 @@
 #include <desktop/picture/PictureTransfer.h>
 #include <desktop/picture/PictureView.h>
 #include <desktop/picture/RecordedPicture.h>
-#include <desktop/work/Errand.h>
+#include <desktop/support/Errand.h>
 
 namespace ScrollingCapture::Desktop {
 

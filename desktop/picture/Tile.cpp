@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include <desktop/picture/Tile.h>
-#include <desktop/work/Pixels.h>
+#include <desktop/support/Pixels.h>
 #include <opencv2/imgproc.hpp>
 
 namespace ScrollingCapture::Desktop {

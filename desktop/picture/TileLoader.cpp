@@ -3,7 +3,7 @@
 #include <utility>
 
 #include <desktop/picture/TileLoader.h>
-#include <desktop/work/Explanation.h>
+#include <desktop/support/Explanation.h>
 
 namespace ScrollingCapture::Desktop {
 namespace {

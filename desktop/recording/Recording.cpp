@@ -5,9 +5,9 @@
 
 #include <desktop/recording/Recording.h>
 #include <desktop/recording/RecordingWords.h>
-#include <desktop/work/Explanation.h>
-#include <desktop/work/Pixels.h>
-#include <desktop/work/TemporaryFolder.h>
+#include <desktop/support/Explanation.h>
+#include <desktop/support/Pixels.h>
+#include <desktop/support/TemporaryFolder.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Desktop {

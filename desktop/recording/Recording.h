@@ -10,7 +10,7 @@
 
 #include <desktop/picture/RecordedPicture.h>
 #include <desktop/recording/CaptureChoice.h>
-#include <desktop/work/Errand.h>
+#include <desktop/support/Errand.h>
 #include <live/Recorder.h>
 
 #include <VelScrollingCapture/core/IStitcherListener.h>

@@ -2,7 +2,7 @@
 #include <QLocale>
 
 #include <desktop/recording/RecordingWords.h>
-#include <desktop/work/Explanation.h>
+#include <desktop/support/Explanation.h>
 
 namespace ScrollingCapture::Desktop {
 namespace {

@@ -1,7 +1,7 @@
 #include <QSignalSpy>
 #include <QThread>
 
-#include <desktop/work/Errand.h>
+#include <desktop/support/Errand.h>
 #include <gtest/gtest.h>
 #include <opencv2/core.hpp>
 

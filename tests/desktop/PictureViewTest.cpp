@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include <desktop/picture/PictureView.h>
-#include <desktop/work/Pixels.h>
+#include <desktop/support/Pixels.h>
 #include <gtest/gtest.h>
 #include <testkit/MatrixTesting.h>
 

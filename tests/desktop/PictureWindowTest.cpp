@@ -5,7 +5,7 @@
 #include <QSignalSpy>
 
 #include <desktop/picture/PictureWindow.h>
-#include <desktop/work/Pixels.h>
+#include <desktop/support/Pixels.h>
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>

@@ -1,5 +1,5 @@
 #include <desktop/picture/Tile.h>
-#include <desktop/work/Pixels.h>
+#include <desktop/support/Pixels.h>
 #include <gtest/gtest.h>
 #include <testkit/MatrixTesting.h>
 

@@ -6,7 +6,7 @@
 #include <QSignalSpy>
 
 #include <desktop/Host.h>
-#include <desktop/work/Pixels.h>
+#include <desktop/support/Pixels.h>
 #include <desktop/x11/X11Platform.h>
 #include <gtest/gtest.h>
 #include <live/x11/XWindows.h>

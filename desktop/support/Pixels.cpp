@@ -1,4 +1,4 @@
-#include <desktop/work/Pixels.h>
+#include <desktop/support/Pixels.h>
 
 namespace ScrollingCapture::Desktop {
 

@@ -1,7 +1,7 @@
 #include <new>
 #include <system_error>
 
-#include <desktop/work/Explanation.h>
+#include <desktop/support/Explanation.h>
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/session/SpillFileLost.h>

@@ -1,7 +1,7 @@
 #include <exception>
 
-#include <desktop/work/Errand.h>
-#include <desktop/work/Explanation.h>
+#include <desktop/support/Errand.h>
+#include <desktop/support/Explanation.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Desktop {

@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include <desktop/work/TemporaryFolder.h>
+#include <desktop/support/TemporaryFolder.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Desktop {
