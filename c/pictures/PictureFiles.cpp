@@ -89,11 +89,6 @@ class RowsWritten {
   std::int64_t before = 0;
 };
 
-Program::Picture AsRendered(const StitchedPicture& picture) {
-  return {picture.Size(), picture.IsOpaque(),
-          [&picture](const cv::Rect& area) { return picture.Area(area); }};
-}
-
 /// Each part is hidden until all are complete.
 StagedOutputs StageParts(const Parts& parts, const PictureOutput& output, RowsWritten& written) {
   StagedOutputs staged;
@@ -102,7 +97,7 @@ StagedOutputs StageParts(const Parts& parts, const PictureOutput& output, RowsWr
     if (parts.size() > 1) {
       part.path = Program::PieceName(output.path, i + 1);
     }
-    StagedOutputs files = Program::StagePicture(AsRendered(*parts[i]), part,
+    StagedOutputs files = Program::StagePicture(Program::PictureOf(*parts[i]), part,
                                                 [&written](int rows) { written.Tell(rows); });
     std::move(files.begin(), files.end(), std::back_inserter(staged));
     written.EndPart(parts[i]->Size().height);

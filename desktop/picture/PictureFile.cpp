@@ -39,10 +39,8 @@ void WritePictureFile(const RecordedPicture& picture, const std::string& path,
                       Compression compression, const HearOfProgress& progress) {
   const cv::Size size = picture.Size();
   RequireThatItHolds(path, size);
-  const Picture rendered = {size, picture.IsOpaque(),
-                            [&picture](const cv::Rect& area) { return picture.Area(area); }};
   const auto files = StagePicture(
-      rendered, {path, SettingsFor(compression), {}, {}},
+      PictureOf(picture), {path, SettingsFor(compression), {}, {}},
       [&](int rows) { progress(static_cast<int>(std::int64_t{100} * rows / size.height)); });
   for (const auto& file : files) {
     file->Commit();

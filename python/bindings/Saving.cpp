@@ -61,11 +61,9 @@ void Saving::StagePart(std::size_t index, const TellProgress& tell) {
     }
   };
   const std::string name = outputs.NameOfPart(index, stitched.parts.size());
-  const Program::Picture rendered = {
-      picture.Size(), picture.IsOpaque(),
-      [&picture](const cv::Rect& area) { return picture.Area(area); }};
   content.parts.push_back(
-      {name, picture.Size(), outputs.StagePart(name, rendered, stitched.metadata, tellRows)});
+      {name, picture.Size(),
+       outputs.StagePart(name, Program::PictureOf(picture), stitched.metadata, tellRows)});
 }
 
 void Saving::RequireNoCaptureReplaced() const {

@@ -11,6 +11,8 @@
 #include <velscroll/output/RowWriter.h>
 #include <velscroll/output/staging/StagedOutput.h>
 
+#include <VelScrollingCapture/session/StitchedPicture.h>
+
 namespace ScrollingCapture::Program {
 
 /// Where a picture goes, and how.
@@ -42,5 +44,8 @@ std::vector<std::unique_ptr<StagedOutput>> StagePicture(const Picture& picture,
 /// @param image CV_8UC4 with the channels red, green, blue and premultiplied alpha; its pixels are
 /// shared
 Picture PictureOf(const cv::Mat& image);
+
+/// A picture that a stitch has made, which has to live as long.
+Picture PictureOf(const StitchedPicture& picture);
 
 }  // namespace ScrollingCapture::Program

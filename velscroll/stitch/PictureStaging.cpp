@@ -22,11 +22,6 @@ std::int64_t RowsOf(const std::vector<cv::Size>& sizes) {
       [](std::int64_t rows, const cv::Size& size) { return rows + size.height; });
 }
 
-Picture AsRendered(const StitchedPicture& picture) {
-  return {picture.Size(), picture.IsOpaque(),
-          [&picture](const cv::Rect& area) { return picture.Area(area); }};
-}
-
 }  // namespace
 
 std::vector<ReportedPart> StageParts(const Parts& parts, const ImageMetadata& metadata,
@@ -42,7 +37,7 @@ std::vector<ReportedPart> StageParts(const Parts& parts, const ImageMetadata& me
     };
     const std::string name = outputs.NameOfPart(i, parts.size());
     staged.push_back(
-        {name, sizes[i], outputs.StagePart(name, AsRendered(*parts[i]), metadata, show)});
+        {name, sizes[i], outputs.StagePart(name, PictureOf(*parts[i]), metadata, show)});
     rowsBefore += sizes[i].height;
   }
   return staged;
