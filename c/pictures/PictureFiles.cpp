@@ -48,19 +48,13 @@ PictureOutput OutputOf(const char* path, const vel_file_settings* given,
   return output;
 }
 
-std::string Pixels(const cv::Size& size) {
-  return std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels";
-}
-
 /// In words of this interface: the program's advice names options of its own.
 void RequireRoom(const PictureOutput& output, const cv::Size& size) {
-  const Program::PictureFormat& format = Program::PictureFormatOf(output.path);
   try {
     Program::RequireWritable(output, size);
-  } catch (const Program::Failed&) {
-    throw CallFailure(VEL_FILE_UNUSABLE, "an image of " + Pixels(size) + " is too large for " +
-                                             format.name +
-                                             "; set rows_per_file, or write a PNG file");
+  } catch (const Program::TooLargeForFormat& tooLarge) {
+    const std::string cut = tooLarge.HoldsPieces() ? "set rows_per_file, or " : "";
+    throw CallFailure(VEL_FILE_UNUSABLE, tooLarge.Reason() + "; " + cut + "write a PNG file");
   }
 }
 

@@ -21,15 +21,12 @@ EncodingSettings SettingsFor(Compression compression) {
   return settings;
 }
 
-/// What the formats' own message advises is for a command line.
+/// The program's advice is for a command line.
 void RequireThatItHolds(const std::string& path, const cv::Size& size) {
-  const PictureFormat& format = PictureFormatOf(path);
   try {
-    RequireHolds(format, size, path);
-  } catch (const Failed&) {
-    throw Failed("a picture of " + std::to_string(size.width) + " x " +
-                 std::to_string(size.height) + " pixels is too large for " + format.name +
-                 "; save it as PNG");
+    RequireHolds(PictureFormatOf(path), size, path);
+  } catch (const TooLargeForFormat& tooLarge) {
+    throw Failed(tooLarge.Reason() + "; save it as PNG");
   }
 }
 

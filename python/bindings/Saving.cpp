@@ -23,6 +23,9 @@ Saving::Saving(const Stitched& stitched, const Program::OutputSettings& settings
     : stitched(stitched), content(stitched.content), outputs(settings) {
   try {
     outputs.RequireWritable(SizesOf(stitched));
+  } catch (const Program::TooLargeForFormat& tooLarge) {
+    const std::string cut = tooLarge.HoldsPieces() ? "set split, or " : "";
+    throw Program::BadInput(tooLarge.Reason() + "; " + cut + "write a PNG file");
   } catch (const Program::Failed& failed) {
     throw Program::BadInput(failed.what());
   }

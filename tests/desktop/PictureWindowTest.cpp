@@ -78,8 +78,10 @@ TEST_F(PictureWindowTest, TellsWhyItCannotSaveAndStaysUnsaved) {
 
 TEST_F(PictureWindowTest, TellsWhichFormatHoldsATallPicture) {
   const auto window = Open({RecordedAs(std::make_shared<EndlessPicture>())});
-  EXPECT_EQ(Save(*window, PathOf("page.jpg")),
-            "A picture of 800 x 4000000 pixels is too large for JPEG; save it as PNG");
+  EXPECT_EQ(
+      Save(*window, PathOf("page.jpg")),
+      "An image of 800 x 4000000 pixels is too large for JPEG, which holds at most 65500 rows "
+      "or columns; save it as PNG");
 }
 
 TEST_F(PictureWindowTest, LeavesTheOldFileWhenThePictureCannotBeRead) {

@@ -5,7 +5,6 @@
 
 #include <velscroll/output/PictureFormat.h>
 #include <velscroll/output/staging/StagedStandardOutput.h>
-#include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -104,9 +103,12 @@ std::string PictureFormatList() {
 
 void RequireHolds(const PictureFormat& format, const cv::Size& size, const std::string& path) {
   if (!Holds(format, size)) {
-    throw Failed("cannot write " + Quoted(path) + ": an image of " + std::to_string(size.width) +
-                 " x " + std::to_string(size.height) + " pixels is too large for " + format.name +
-                 ", which holds at most " + LimitOf(format) + "; " + Advice(format, size));
+    const std::string reason = "an image of " + std::to_string(size.width) + " x " +
+                               std::to_string(size.height) + " pixels is too large for " +
+                               format.name + ", which holds at most " + LimitOf(format);
+    throw TooLargeForFormat(
+        "cannot write " + Quoted(path) + ": " + reason + "; " + Advice(format, size), reason,
+        MostRows(format, size.width) > 0);
   }
 }
 

@@ -26,8 +26,9 @@ struct PictureOutput {
 /// Told after every some rows how many of them have been taken. May throw, which ends the writing.
 using RowProgress = std::function<void(int rows)>;
 
-/// Throws Failed when the picture, or pieces of as many rows as asked for, cannot be written in the
-/// format: to be called as soon as the size is known.
+/// Throws TooLargeForFormat when the picture, or pieces of as many rows as asked for, cannot be
+/// written in the format, and BadInput for pieces on standard output: to be called as soon as the
+/// size is known.
 void RequireWritable(const PictureOutput& output, const cv::Size& size);
 
 /// Writes a picture into files that are not yet under their names: one, or one for each piece, if
