@@ -30,9 +30,6 @@ class Saving {
   std::string Summary() const;
 
  private:
-  void StagePart(std::size_t index, const TellProgress& tell);
-  void RequireNoCaptureReplaced() const;
-
   const Stitched& stitched;
   Program::ReportContent content;
   Program::Outputs outputs;

@@ -43,7 +43,9 @@ ReportContent StitchAndStage(CaptureSession& session, const SessionSettings& set
   }
 
   StageClock clock;
-  content.parts = StageParts(stitched.result.parts, read.metadata, outputs, console);
+  RequireWritable(stitched.result.parts, outputs);
+  content.parts = StageParts(stitched.result.parts, read.metadata, outputs,
+                             [&](int percent) { console.ShowProgress("Writing", percent); });
   if (outputs.TakesPreview()) {
     outputs.StagePreview(preview);
   }
