@@ -32,8 +32,7 @@ ReportContent StitchAndStage(CaptureSession& session, const SessionSettings& set
   // Before the long work, since the box may turn out too small.
   const cv::Mat preview = outputs.TakesPreview() ? PreviewOf(session) : cv::Mat();
   const Stitched stitched = RunStitch(session, console);
-  content.seconds.detection = stitched.detectionSeconds;
-  content.seconds.composing = stitched.composingSeconds;
+  content.seconds = stitched.seconds;
   content.remarks = stitched.remarks;
   content.borders = stitched.result.borders;
   content.captures = DescribeCaptures(read.files, stitched.result.captures);
