@@ -24,6 +24,14 @@ bool AreEqual(const cv::Mat& left, const cv::Mat& right) {
 
 }  // namespace
 
+std::optional<std::string> RecordingEnd::NothingCaptured() const {
+  if (status.captures > 0) {
+    return std::nullopt;
+  }
+  const std::string& why = line.empty() ? status.hindrance : line;
+  return "nothing was captured" + (why.empty() ? "" : ": " + why);
+}
+
 Recorder::Recorder(ICaptureSource& source, CaptureSession& session, IRecordingListener& listener,
                    const MatchingSettings& settings)
     : source(source),

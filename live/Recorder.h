@@ -43,6 +43,9 @@ struct RecordingEnd {
   Reason reason = Reason::Asked;
   std::string line;        ///< what the user should know of it; may be empty
   RecordingStatus status;  ///< as it stood at the end
+
+  /// Where nothing was captured: one line that says so, and why as far as that is known.
+  std::optional<std::string> NothingCaptured() const;
 };
 
 /// Brings what a source shows into a session, while a user, or AutoScroll, scrolls.

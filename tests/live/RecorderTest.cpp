@@ -64,6 +64,7 @@ TEST_F(Recording, KeepsWhatAUserScrollsOver) {
   const RecordingEnd end = Run();
   EXPECT_EQ(end.reason, RecordingEnd::Reason::Asked);
   EXPECT_EQ(end.line, "");
+  EXPECT_EQ(end.NothingCaptured(), std::nullopt);
   EXPECT_EQ(end.status.captures, listener.kept);
   ExpectRows(0, 800);
 }
@@ -107,6 +108,18 @@ TEST_F(Recording, OfNothingEndsWithoutCaptures) {
   const RecordingEnd end = Run();
   EXPECT_EQ(end.status.captures, 0U);
   EXPECT_EQ(end.status.hindrance, "covered");
+  EXPECT_EQ(end.NothingCaptured(), "nothing was captured: covered");
+}
+
+TEST_F(Recording, OfNothingTellsFirstWhatEndedIt) {
+  source.hindrance = "covered";
+  source.Then(
+      [] { throw CaptureEnded(CaptureEnded::Reason::WindowClosed, "the window was closed"); });
+  EXPECT_EQ(Run().NothingCaptured(), "nothing was captured: the window was closed");
+}
+
+TEST_F(Recording, OfNothingMayHaveNoReason) {
+  EXPECT_EQ(RecordingEnd().NothingCaptured(), "nothing was captured");
 }
 
 TEST_F(Recording, EndsByWhatTheListenerThrows) {

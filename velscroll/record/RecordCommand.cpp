@@ -93,9 +93,8 @@ ReadFiles Describe(const CaptureFolder& folder) {
 
 /// Throws Failed when nothing was captured.
 void TellEnd(const Live::RecordingEnd& end, Console& console) {
-  const std::string why = !end.line.empty() ? end.line : end.status.hindrance;
-  if (end.status.captures == 0) {
-    throw Failed("nothing was captured" + (why.empty() ? std::string() : ": " + why));
+  if (const auto nothing = end.NothingCaptured()) {
+    throw Failed(*nothing);
   }
   if (!end.line.empty()) {
     console.Warn(end.line + "; what was captured until then is saved");
