@@ -39,8 +39,7 @@ class VEL_EXPORT CaptureSession {
   ///
   /// Throws SpillFileLost when an earlier capture, which waits in a file, cannot be read back.
   /// @param capture its pixels are shared, and with phase correlation the stitch writes to them:
-  /// hand
-  ///                over a copy that nobody else uses
+  ///                hand over a copy that nobody else uses
   CaptureOutcome Add(const IncomingCapture& capture);
 
   /// The same, unprepared.

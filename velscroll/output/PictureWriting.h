@@ -43,7 +43,7 @@ std::vector<std::unique_ptr<StagedOutput>> StagePicture(const Picture& picture,
 
 /// A picture that is in memory already.
 /// @param image CV_8UC4 with the channels red, green, blue and premultiplied alpha; its pixels are
-/// shared
+///              shared
 Picture PictureOf(const cv::Mat& image);
 
 /// A picture that a stitch has made, which has to live as long.

@@ -114,8 +114,7 @@ vel_result vel_session_create(const vel_session_settings* settings, vel_session*
 /// @param image   the capture; its pixels are copied. With VEL_PREMULTIPLIED no colour may exceed
 ///                its alpha
 /// @param motion  how far the content moved since the capture before, right or wrong; NULL: found
-/// on
-///                the pixels. It has to leave something in common with that capture
+///                on the pixels. It has to leave something in common with that capture
 /// @param outcome receives what has become of it; may be NULL
 vel_result vel_session_add(vel_session* session, const vel_source_image* image,
                            const vel_motion* motion, vel_outcome* outcome);
