@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -58,6 +59,18 @@ class XConnection {
     using Content = std::remove_pointer_t<decltype(receive(
         connection, request(connection, arguments...), nullptr))>;
     return XReply<Content>(receive(connection, request(connection, arguments...), nullptr));
+  }
+
+  /// Agrees with the server on the version of an extension, which is to be done before anything
+  /// else is asked of it: AgreeOn(xcb_damage_id, xcb_damage_query_version,
+  /// xcb_damage_query_version_reply, 1, 1).
+  /// @param major,minor the version that is wanted
+  /// @return the version that there is; null where the server has no such extension
+  template <typename Request, typename Receive>
+  auto AgreeOn(xcb_extension_t& extension, Request queryVersion, Receive receive,
+               std::uint32_t major, std::uint32_t minor) const {
+    using Version = decltype(Ask(queryVersion, receive, major, minor));
+    return Has(extension) ? Ask(queryVersion, receive, major, minor) : Version();
   }
 
   /// Waits until the server has done everything asked so far.

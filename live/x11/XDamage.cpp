@@ -8,10 +8,8 @@ constexpr std::uint8_t SentFlag = 0x80;
 }  // namespace
 
 XDamage::XDamage(const XConnection& connection, xcb_window_t window) : connection(connection) {
-  if (!connection.Has(xcb_damage_id) ||
-      !connection.Ask(xcb_damage_query_version, xcb_damage_query_version_reply,
-                      std::uint32_t{XCB_DAMAGE_MAJOR_VERSION},
-                      std::uint32_t{XCB_DAMAGE_MINOR_VERSION})) {
+  if (!connection.AgreeOn(xcb_damage_id, xcb_damage_query_version, xcb_damage_query_version_reply,
+                          XCB_DAMAGE_MAJOR_VERSION, XCB_DAMAGE_MINOR_VERSION)) {
     return;
   }
   const xcb_damage_damage_t made = xcb_generate_id(connection.Get());

@@ -8,9 +8,8 @@ namespace {
 using Resources = xcb_randr_get_screen_resources_current_reply_t;
 
 XReply<Resources> ResourcesOf(const XConnection& connection) {
-  if (!connection.Has(xcb_randr_id) ||
-      !connection.Ask(xcb_randr_query_version, xcb_randr_query_version_reply, std::uint32_t{1},
-                      std::uint32_t{3})) {
+  if (!connection.AgreeOn(xcb_randr_id, xcb_randr_query_version, xcb_randr_query_version_reply, 1,
+                          3)) {
     return nullptr;
   }
   return connection.Ask(xcb_randr_get_screen_resources_current,
