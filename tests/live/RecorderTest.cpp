@@ -13,8 +13,6 @@
 namespace ScrollingCapture::Live {
 namespace {
 
-using ::testing::Each;
-using ::testing::ElementsAre;
 using Testing::SameBits;
 using Testing::ScriptedSource;
 
