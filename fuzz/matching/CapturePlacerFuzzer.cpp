@@ -34,7 +34,7 @@ void PlaceOneByOne(FuzzedDataProvider& data, BasicImageProvider& captures,
   CapturePlacer placer(captures, settings);
   for (std::size_t i = 0; i < captures.Count(); ++i) {
     const cv::Mat& capture = *captures.GetImageAt(i);
-    const PreparedCapture prepared = CapturePlacer::Prepare(capture);
+    const PreparedCapture prepared = PreparedCapture(capture);
     if (data.ConsumeIntegralInRange(0, 3) == 0) {
       const Translation motion = AnyTranslation(data, capture.size());
       const bool isSmall = std::abs(std::int64_t{motion.GetRows()}) < (1 << 18) &&

@@ -212,6 +212,50 @@ TEST_F(Joins, ThatAReportDoesNotKnowAreFound) {
   EXPECT_EQ(WrittenReport().at("captures").at(1).at("join").at("rows"), -30);
 }
 
+struct JourneyDown {
+  const char* name;
+  std::vector<int> rows;
+};
+
+class GivenBackJoins : public Joins, public ::testing::WithParamInterface<JourneyDown> {};
+
+TEST_P(GivenBackJoins, MakeTheSamePictureWhenNobodyHasEditedThem) {
+  std::vector<std::string> arguments;
+  for (const int row : GetParam().rows) {
+    arguments.push_back(std::to_string(arguments.size()) + ".png");
+    WriteCapture(arguments.back(), row);
+  }
+  const Testing::ProgramResult first = Stitch(arguments);
+  const json report = WrittenReport();
+  WriteReport("unedited.json", report);
+  arguments.insert(arguments.end(), {"--joins", "unedited.json"});
+  const Testing::ProgramResult again = Stitch(arguments);
+  EXPECT_EQ(again.status, first.status);
+  EXPECT_EQ(again.standardOutput, first.standardOutput);
+  EXPECT_EQ(again.standardError, first.standardError);
+  EXPECT_EQ(WrittenReport().at("captures"), report.at("captures"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Journeys, GivenBackJoins,
+                         ::testing::Values(JourneyDown{"Down", {0, 30, 60}},
+                                           JourneyDown{"WithAPartThatALaterCaptureJoins",
+                                                       {0, 90, 45}},
+                                           JourneyDown{"BackFurtherThanTheWindow", {0, 50, 100, 3}},
+                                           JourneyDown{"BackToAnotherPart", {0, 30, 250, 20}}),
+                         [](const auto& journey) { return std::string(journey.param.name); });
+
+TEST_F(Joins, ThatAreMissingCanBePrescribed) {
+  WriteCapture("1.png", 0);
+  WriteCapture("2.png", 78);
+  ASSERT_EQ(Stitch({"1.png", "2.png"}).status, 3) << "two rows are too few to go by";
+  json report = WrittenReport();
+  ASSERT_EQ(report["captures"][1]["join"]["verdict"], "none");
+  report["captures"][1]["join"]["rows"] = -78;
+  WriteReport("corrected.json", report);
+  ASSERT_EQ(Stitch({"1.png", "2.png", "--joins", "corrected.json"}).status, 0);
+  EXPECT_EQ(cv::norm(ReadImage("page.png"), page(cv::Rect(0, 0, 96, 158)), cv::NORM_INF), 0);
+}
+
 struct BadReport {
   const char* name;
   std::string content;
@@ -252,6 +296,25 @@ INSTANTIATE_TEST_SUITE_P(
         BadReport{"WithAMotionInWords",
                   CaptureEntries("null", R"({"verdict": "likely", "rows": "many"})"),
                   "does not tell how 'b.png' is joined"},
+        BadReport{"WithAFraction",
+                  CaptureEntries("null", R"({"verdict": "likely", "rows": -30.9, "columns": 0})"),
+                  "does not tell how 'b.png' is joined"},
+        BadReport{"WithATruthValue",
+                  CaptureEntries("null", R"({"verdict": "likely", "rows": -30, "columns": false})"),
+                  "does not tell how 'b.png' is joined"},
+        BadReport{
+            "WithAMotionThatNoIntTells",
+            CaptureEntries("null", R"({"verdict": "likely", "rows": -4294967326, "columns": 0})"),
+            "does not tell how 'b.png' is joined"},
+        BadReport{
+            "WithTheSmallestInt",
+            CaptureEntries("null", R"({"verdict": "likely", "rows": -2147483648, "columns": 0})"),
+            "does not tell how 'b.png' is joined"},
+        BadReport{
+            "WithTheLargestNumber",
+            CaptureEntries("null",
+                           R"({"verdict": "likely", "rows": 18446744073709551586, "columns": 0})"),
+            "does not tell how 'b.png' is joined"},
         BadReport{"WithAMotionBeyondTheCapture",
                   CaptureEntries("null", R"({"verdict": "likely", "rows": -80, "columns": 0})"),
                   "leaves nothing in common"}),
