@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <QVector>
 #include <functional>
 #include <memory>
 
@@ -66,7 +67,7 @@ class Host : public QObject {
   std::unique_ptr<Panel> panel;              ///< while something is recorded
   Recording* recording = nullptr;            ///< likewise
   QTimer settling;                           ///< before the recording begins
-  int openPictures = 0;
+  QVector<PictureWindow*> pictures;          ///< open ones, which may delete themselves
 };
 
 }  // namespace ScrollingCapture::Desktop
