@@ -151,11 +151,14 @@ std::optional<XChoice> Pick(const XConnection& connection, const std::function<b
   constexpr std::chrono::milliseconds Moment(20);
   const XGrabbedInput input(connection);
   Picker picker(connection);
-  while (goOn() && !connection.IsLost()) {
+  while (goOn()) {
     while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection.Get())}) {
       if (picker.Take(*event)) {
         return picker.choice;
       }
+    }
+    if (connection.IsLost()) {
+      throw CaptureFailure("the connection to the X server broke");
     }
     std::this_thread::sleep_for(Moment);
   }
