@@ -1,6 +1,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
@@ -184,7 +185,8 @@ TEST_F(Record, KeepsCapturesThatStitchToTheSame) {
   EXPECT_TRUE(Testing::SameBits(ReadImage("again.png"), ReadImage("page.png")));
   EXPECT_THAT(Names(), ::testing::Contains("kept/here/capture-0001.png"));
 
-  const ProgramResult refused = Run(Arguments({"--keep-captures", "kept/here"}));
+  std::filesystem::remove(PathOf("kept/here/capture-0001.png"));
+  const ProgramResult refused = Run(Arguments({"--auto", "down", "--keep-captures", "kept/here"}));
   EXPECT_EQ(refused.status, 2);
   EXPECT_THAT(refused.standardError, HasSubstr("'kept/here' of --keep-captures holds captures"));
 }
