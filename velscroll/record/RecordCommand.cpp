@@ -1,6 +1,8 @@
 #include <chrono>
 #include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include <live/Recorder.h>
 #include <live/x11/X11CaptureSource.h>
@@ -13,6 +15,7 @@
 #include <velscroll/record/RecordCommand.h>
 #include <velscroll/record/RecordEnding.h>
 #include <velscroll/record/StatusLine.h>
+#include <velscroll/stitch/PictureStaging.h>
 #include <velscroll/stitch/PrivateSettings.h>
 #include <velscroll/stitch/Results.h>
 #include <velscroll/stitch/StageClock.h>
@@ -137,6 +140,15 @@ std::optional<Clipboard> ClipboardOf(const RecordArguments& arguments) {
   return Clipboard();
 }
 
+/// A clipboard holds one picture.
+void PutFirst(const std::vector<std::string>& files, const Clipboard& clipboard, Console& console) {
+  clipboard.Put(files.front());
+  if (files.size() > 1) {
+    console.Warn("the picture is in " + std::to_string(files.size()) +
+                 " files; only the first one, " + Quoted(files.front()) + ", is on the clipboard");
+  }
+}
+
 }  // namespace
 
 ExitStatus RunRecordCommand(const RecordArguments& arguments) try {
@@ -147,7 +159,7 @@ ExitStatus RunRecordCommand(const RecordArguments& arguments) try {
   const ReportContent content = RecordEverything(arguments, folder, outputs, console);
   const ExitStatus status = ShowResults(content, outputs, console);
   if (clipboard) {
-    clipboard->Put(content.parts.front().pieces.front());
+    PutFirst(FilesOf(content.parts), *clipboard, console);
   }
   return status;
 } catch (const Live::CaptureFailure& failure) {

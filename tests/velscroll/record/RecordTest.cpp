@@ -192,11 +192,24 @@ TEST_F(Record, KeepsCapturesThatStitchToTheSame) {
 }
 
 TEST_F(Record, PutsThePictureOnTheClipboard) {
-  EXPECT_EQ(Run(Arguments({"--auto", "down", "--limit", "400", "--clipboard"})).status, 0);
+  const ProgramResult result = Run(Arguments({"--auto", "down", "--limit", "400", "--clipboard"}));
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.standardError, "");
   ASSERT_EQ(std::system(
                 ("xclip -selection clipboard -t image/png -out > " + PathOf("pasted.png")).c_str()),
             0);
   EXPECT_EQ(ReadBytes("pasted.png"), ReadBytes("page.png"));
+}
+
+TEST_F(Record, SaysThatOnlyTheFirstOfSeveralFilesIsOnTheClipboard) {
+  const ProgramResult result =
+      Run(Arguments({"--auto", "down", "--limit", "700", "--split", "300", "--clipboard"}));
+  EXPECT_EQ(result.status, 0) << result.standardError;
+  EXPECT_THAT(result.standardError, HasSubstr("only the first one, 'page-1.png', is on the clip"));
+  ASSERT_EQ(std::system(
+                ("xclip -selection clipboard -t image/png -out > " + PathOf("pasted.png")).c_str()),
+            0);
+  EXPECT_EQ(ReadBytes("pasted.png"), ReadBytes("page-1.png"));
 }
 
 TEST_F(Record, TellsWhichToolForTheClipboardIsMissing) {
