@@ -55,7 +55,9 @@ class PictureWindow : public QMainWindow {
   void addPartChoice();
   void showNotes(const QStringList& notes);
   void askWhereToSave();
+  QString suggestedFile() const;
   void endSaving(bool isWritten, const QString& line);
+  void noteSaved();
   void showUnsavedPart();
   void say(const QString& line);
   void showState();
@@ -64,10 +66,11 @@ class PictureWindow : public QMainWindow {
 
   const ClosingQuestion question;
   const std::vector<SharedPicture> parts;
-  std::vector<bool> isPartSaved;
+  std::vector<QString> files;  ///< that the parts are saved in; empty: not saved
   int shown = 0;
   int beingSaved = 0;
-  QString savePath;
+  QString fileBeingSaved;
+  QString chosenFile;  ///< by the user last, instead of what was suggested
   bool closesWhenSaved = false;
   bool copiesWhenReady = false;
   PictureView* pictureView;

@@ -1,3 +1,4 @@
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -45,6 +46,17 @@ class PictureWindowTest : public testing::Test {
     window.save(path);
     EXPECT_TRUE(WaitUntil([&] { return saved.count() + failed.count() == 1; }));
     return failed.isEmpty() ? QString() : failed[0][0].toString();
+  }
+
+  /// What the user is offered to save the part under that is shown.
+  static QString SuggestedFile(PictureWindow& window) {
+    for (QAction* const action : window.findChildren<QAction*>()) {
+      if (action->text() == "Save As…") {
+        action->trigger();
+      }
+    }
+    std::unique_ptr<QFileDialog> dialog(window.findChild<QFileDialog*>());
+    return dialog ? dialog->selectedFiles().value(0) : QString();
   }
 
   const Testing::TemporaryFolder folder;
@@ -146,6 +158,47 @@ TEST_F(PictureWindowTest, AsksForEveryPart) {
   EXPECT_EQ(Save(*window, PathOf("second.png")), "");
   EXPECT_EQ(ReadBack(folder.Prefix() + "second.png").rows, 100);
   EXPECT_TRUE(window->close());
+}
+
+TEST_F(PictureWindowTest, SuggestsAFileOfItsOwnForEveryPart) {
+  const auto window = Open({RecordedFrom(pixels), RecordedFrom(pixels.rowRange(0, 100))});
+  EXPECT_EQ(Save(*window, PathOf("page.png")), "");
+  EXPECT_EQ(SuggestedFile(*window), PathOf("page.png"));
+  window->showPart(1);
+  EXPECT_EQ(SuggestedFile(*window), PathOf("page-2.png"));
+  EXPECT_EQ(Save(*window, PathOf("page-2.png")), "");
+  window->showPart(0);
+  EXPECT_EQ(SuggestedFile(*window), PathOf("page.png"));
+}
+
+TEST_F(PictureWindowTest, SuggestsNoFileOfAnotherPartForTheFirstOne) {
+  const auto window = Open({RecordedFrom(pixels), RecordedFrom(pixels.rowRange(0, 100))});
+  window->showPart(1);
+  EXPECT_EQ(Save(*window, PathOf("page.png")), "");
+  window->showPart(0);
+  EXPECT_EQ(SuggestedFile(*window), PathOf("page-1.png"));
+}
+
+TEST_F(PictureWindowTest, CountsAPartAsUnsavedWhoseFileAnotherPartHasReplaced) {
+  const auto window = Open({RecordedFrom(pixels), RecordedFrom(pixels.rowRange(0, 100))});
+  EXPECT_EQ(Save(*window, PathOf("page.png")), "");
+  window->showPart(1);
+  EXPECT_EQ(Save(*window, PathOf("./page.png")), "");
+  EXPECT_FALSE(window->isSaved());
+  EXPECT_FALSE(window->close());
+  EXPECT_EQ(questions, QStringList("1 of 2 parts of the picture are not saved."));
+  window->showPart(0);
+  EXPECT_EQ(Save(*window, PathOf("page-1.png")), "");
+  EXPECT_TRUE(window->isSaved());
+}
+
+TEST_F(PictureWindowTest, KeepsAPartSavedWhoseFileAnotherPartCouldNotReplace) {
+  const auto window = Open({RecordedFrom(pixels), RecordedAs(std::make_shared<LostPicture>())});
+  EXPECT_EQ(Save(*window, PathOf("page.png")), "");
+  window->showPart(1);
+  EXPECT_NE(Save(*window, PathOf("page.png")), "");
+  EXPECT_FALSE(window->close());
+  EXPECT_EQ(questions, QStringList("1 of 2 parts of the picture are not saved."));
 }
 
 TEST_F(PictureWindowTest, CopiesThePictureAsAnImageAndAsAFile) {
