@@ -119,7 +119,10 @@ void PictureWindow::showPart(int part) {
   copiesWhenReady = false;
   dragHandle->setTransfer(nullptr);
   transfer = std::make_unique<PictureTransfer>(picture);
-  connect(transfer.get(), &PictureTransfer::failed, this, &PictureWindow::say);
+  connect(transfer.get(), &PictureTransfer::failed, this, [this](const QString& line) {
+    copiesWhenReady = false;
+    say(line);
+  });
   connect(transfer.get(), &PictureTransfer::ready, this, [this] {
     if (copiesWhenReady) {
       copiesWhenReady = false;

@@ -2,8 +2,10 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDirIterator>
 #include <QFileDialog>
 #include <QSignalSpy>
+#include <QStatusBar>
 
 #include <desktop/picture/PictureWindow.h>
 #include <desktop/support/Pixels.h>
@@ -212,6 +214,32 @@ TEST_F(PictureWindowTest, CopiesThePictureAsAnImageAndAsAFile) {
   ASSERT_EQ(data->urls().size(), 1);
   EXPECT_TRUE(Testing::SameBits(ReadBack(data->urls()[0].toLocalFile().toStdString()), pixels));
   EXPECT_TRUE(QImage::fromData(data->data("image/png")).width() == pixels.cols);
+}
+
+/// Tells where temporary files go.
+class CopyTest : public PictureWindowTest {
+ protected:
+  ~CopyTest() override { qunsetenv("TMPDIR"); }
+
+  bool IsPrepared() const {
+    QDirIterator files(PathOf(""), {"scrolling-capture.png"}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    return files.hasNext();
+  }
+};
+
+TEST_F(CopyTest, IsForgottenWhenItFails) {
+  const auto window = Open({RecordedFrom(pixels)});
+  QSignalSpy copied(window.get(), &PictureWindow::copied);
+  qputenv("TMPDIR", "/nowhere");
+  window->copy();
+  ASSERT_TRUE(WaitUntil(
+      [&] { return window->statusBar()->currentMessage().startsWith("No temporary folder"); }));
+  qputenv("TMPDIR", PathOf("").toLocal8Bit());
+  QTest::mousePress(window->findChild<DragHandle*>(), Qt::LeftButton);
+  ASSERT_TRUE(WaitUntil([this] { return IsPrepared(); }));
+  QTest::qWait(200);
+  EXPECT_EQ(copied.count(), 0) << "by now the user wants to drag it";
 }
 
 TEST_F(PictureWindowTest, LeavesNoTemporaryFile) {
