@@ -1,5 +1,6 @@
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -49,6 +50,28 @@ TEST(AddingThatTakesLong, IsNotWaitedForLonger) {
   goOn = true;
   adding.Finish();
   EXPECT_TRUE(adding.FinishWithin(std::chrono::milliseconds(1)));
+}
+
+TEST(AddingThatTakesLong, LetsOnlySomeCapturesWait) {
+  constexpr int Captures = 40;
+  const cv::Mat page = NoiseCapture({200, 1000}, 9);
+  std::atomic<bool> goOn{false};
+  CaptureSession session{SessionSettings()};
+  CaptureAdding adding(session, [&goOn](const cv::Mat&) {
+    while (!goOn) {
+      std::this_thread::yield();
+    }
+  });
+  const auto all = std::async(std::launch::async, [&] {
+    for (int i = 0; i < Captures; ++i) {
+      adding.Add(page({0, 20 * i, 200, 160}));
+    }
+  });
+  EXPECT_EQ(all.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
+  goOn = true;
+  all.wait();
+  adding.Finish();
+  EXPECT_EQ(adding.Status().captures, std::size_t{Captures});
 }
 
 TEST_F(Adding, CountsNoRepeats) {

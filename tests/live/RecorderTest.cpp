@@ -1,3 +1,4 @@
+#include <chrono>
 #include <functional>
 #include <stdexcept>
 #include <vector>
@@ -152,6 +153,22 @@ TEST_F(Recording, TurnsTheWheelAgainOnceNothingIsInItsWay) {
   EXPECT_TRUE(std::any_of(
       listener.statuses.begin(), listener.statuses.end(),
       [](const RecordingStatus& status) { return status.hindrance == "another window"; }));
+}
+
+TEST_F(Recording, EndsWhereOneStepOfTheWheelIsTooMuch) {
+  source.pixelsOfStep = Window.height + 100;
+  recorder.ScrollBy({ScrollDirection::Down, 0, Window});
+  EXPECT_EQ(Run().line, "one step of the wheel scrolls further than what the window shows");
+  EXPECT_EQ(listener.kept, 2U);
+}
+
+TEST_F(Recording, EndsWhenTheWheelCannotBeTurnedForTenSeconds) {
+  source.obstacle = "another window";
+  recorder.ScrollBy({ScrollDirection::Down, 0, Window});
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(Run().line, "another window");
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+  ExpectRows(0, Window.height);
 }
 
 }  // namespace
