@@ -87,12 +87,6 @@ void Host::record(const PickSource& pick, const RecordingOptions& options) {
   recording->start();
 }
 
-void Host::finish() {
-  if (recording != nullptr) {
-    recording->finish();
-  }
-}
-
 void Host::beginBeside(const QRect& region) {
   const cv::Size box = Recording::PreviewBox();
   panel = std::make_unique<Panel>(QSize(box.width, box.height));

@@ -42,9 +42,6 @@ class Host : public QObject {
   /// Records at once. Where that comes to nothing, and the start was never shown, this is the end.
   void record(const PickSource& pick, const RecordingOptions& options);
 
-  /// Finishes what is being recorded.
-  void finish();
-
  signals:
   /// Nothing is left to do.
   /// @param status for the shell: see Program::ExitStatus

@@ -231,9 +231,6 @@ void PictureWindow::closeEvent(QCloseEvent* event) {
     showUnsavedPart();
     askWhereToSave();
   }
-  if (event->isAccepted()) {
-    emit closed();
-  }
 }
 
 bool PictureWindow::isSaved() const { return countUnsaved() == 0; }

@@ -44,7 +44,6 @@ class PictureWindow : public QMainWindow {
   void saveFailed(const QString& line);
   void copied();
   void newCaptureAsked();
-  void closed();
 
  protected:
   /// Asks when something is not saved, and waits until what is being saved is.
