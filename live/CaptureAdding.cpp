@@ -34,12 +34,6 @@ void CaptureAdding::Add(const cv::Mat& capture) {
   changed.notify_all();
 }
 
-void CaptureAdding::Finish() {
-  std::unique_lock<std::mutex> lock(mutex);
-  changed.wait(lock, [this] { return waiting.empty() || failure; });
-  Rethrow();
-}
-
 bool CaptureAdding::FinishWithin(std::chrono::milliseconds timeout) {
   std::unique_lock<std::mutex> lock(mutex);
   const bool isDone =

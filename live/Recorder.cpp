@@ -44,7 +44,7 @@ RecordingEnd Recorder::Run() {
   try {
     Loop();
   } catch (const CaptureEnded& ended) {
-    End(RecordingEnd::Reason::SourceLost, ended.what());
+    End(ended.what());
   }
   if (!last.empty()) {
     selection.Finish();
@@ -123,9 +123,8 @@ void Recorder::TurnWheel() {
     turn = autoScroll->Next(adding.Status());
   }
   if (!turn) {
-    const bool gaveUp = autoScroll->GaveUp();
-    End(gaveUp ? RecordingEnd::Reason::Stuck : RecordingEnd::Reason::Reached,
-        gaveUp ? "one step of the wheel scrolls further than what the window shows" : "");
+    End(autoScroll->GaveUp() ? "one step of the wheel scrolls further than what the window shows"
+                             : "");
     return;
   }
   hindrance = source.Scroll(turn->direction, turn->steps);
@@ -135,13 +134,12 @@ void Recorder::TurnWheel() {
   if (turned) {
     lastTurn = lastMotion;
   } else if (lastMotion - lastTurn > UntilStuck) {
-    End(RecordingEnd::Reason::Stuck, hindrance);
+    End(hindrance);
   }
 }
 
-void Recorder::End(RecordingEnd::Reason reason, const std::string& line) {
+void Recorder::End(const std::string& line) {
   hasEnded = true;
-  end.reason = reason;
   end.line = line;
 }
 

@@ -78,7 +78,6 @@ Live::RecordingEnd Recording::record(Live::ICaptureSource& source) {
   try {
     end = recorder.Run();
   } catch (const std::exception&) {
-    end.reason = Live::RecordingEnd::Reason::SourceLost;
     end.line = Explain(std::current_exception()).toStdString();
     end.status = lastStatus;
   }

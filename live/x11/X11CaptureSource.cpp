@@ -129,12 +129,12 @@ void X11CaptureSource::TakeEvents() {
 void X11CaptureSource::Take(const xcb_generic_event_t& event) {
   const int type = event.response_type & ~SentFlag;
   if (type == XCB_DESTROY_NOTIFY) {
-    throw CaptureEnded(CaptureEnded::Reason::WindowClosed, "the window was closed");
+    throw CaptureEnded("the window was closed");
   }
   if (type == XCB_CONFIGURE_NOTIFY) {
     const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
     if (cv::Size(configured.width, configured.height) != area.size()) {
-      throw CaptureEnded(CaptureEnded::Reason::WindowResized, "the window changed its size");
+      throw CaptureEnded("the window changed its size");
     }
   }
   if (type == XCB_MAP_NOTIFY && IsWindow()) {
@@ -146,7 +146,7 @@ void X11CaptureSource::Take(const xcb_generic_event_t& event) {
 
 void X11CaptureSource::RequireServer() const {
   if (connection.IsLost()) {
-    throw CaptureEnded(CaptureEnded::Reason::ServerLost, "the connection to the X server broke");
+    throw CaptureEnded("the connection to the X server broke");
   }
 }
 

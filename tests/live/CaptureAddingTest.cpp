@@ -14,6 +14,8 @@ namespace {
 
 using Testing::NoiseCapture;
 
+constexpr std::chrono::minutes Long(1);
+
 class Adding : public ::testing::Test {
  protected:
   cv::Mat At(int row) const { return page({0, row, 200, 160}).clone(); }
@@ -28,7 +30,7 @@ TEST_F(Adding, HandsCapturesToTheSessionInTheirOrder) {
   for (const int row : {0, 50, 100}) {
     adding.Add(At(row));
   }
-  adding.Finish();
+  ASSERT_TRUE(adding.FinishWithin(Long));
   ASSERT_EQ(heard.size(), 3U);
   EXPECT_TRUE(Testing::SameBits(heard[1], At(50)));
   const RecordingStatus status = adding.Status();
@@ -48,8 +50,7 @@ TEST(AddingThatTakesLong, IsNotWaitedForLonger) {
   adding.Add(NoiseCapture({200, 160}, 1));
   EXPECT_FALSE(adding.FinishWithin(std::chrono::milliseconds(1)));
   goOn = true;
-  adding.Finish();
-  EXPECT_TRUE(adding.FinishWithin(std::chrono::milliseconds(1)));
+  EXPECT_TRUE(adding.FinishWithin(Long));
 }
 
 TEST(AddingThatTakesLong, LetsOnlySomeCapturesWait) {
@@ -70,14 +71,14 @@ TEST(AddingThatTakesLong, LetsOnlySomeCapturesWait) {
   EXPECT_EQ(all.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
   goOn = true;
   all.wait();
-  adding.Finish();
+  ASSERT_TRUE(adding.FinishWithin(Long));
   EXPECT_EQ(adding.Status().captures, std::size_t{Captures});
 }
 
 TEST_F(Adding, CountsNoRepeats) {
   adding.Add(At(0));
   adding.Add(At(0));
-  adding.Finish();
+  ASSERT_TRUE(adding.FinishWithin(Long));
   EXPECT_EQ(adding.Status().captures, 1U);
   EXPECT_EQ(heard.size(), 1U);
 }
@@ -86,14 +87,14 @@ TEST_F(Adding, SaysTooFastUntilItIsBackAtWhatWasSeen) {
   adding.Add(At(0));
   adding.Add(At(60));
   adding.Add(At(400));
-  adding.Finish();
+  ASSERT_TRUE(adding.FinishWithin(Long));
   EXPECT_TRUE(adding.Status().tooFast);
   EXPECT_EQ(adding.Status().lastJoined, (Place{60, 0}));
   EXPECT_EQ(adding.Status().seen, cv::Rect(0, 0, 200, 220));
   for (const int row : {300, 200, 130}) {
     adding.Add(At(row));
   }
-  adding.Finish();
+  ASSERT_TRUE(adding.FinishWithin(Long));
   EXPECT_FALSE(adding.Status().tooFast);
   EXPECT_EQ(adding.Status().place, (Place{130, 0}));
   EXPECT_EQ(adding.Status().seen, cv::Rect(0, 0, 200, 560));
@@ -103,7 +104,7 @@ TEST(AddingThatFails, IsToldToTheCaller) {
   CaptureSession session{SessionSettings()};
   CaptureAdding adding(session, [](const cv::Mat&) { throw std::runtime_error("full"); });
   adding.Add(NoiseCapture({200, 160}, 1));
-  EXPECT_THROW(adding.Finish(), std::runtime_error);
+  EXPECT_THROW(adding.FinishWithin(Long), std::runtime_error);
   EXPECT_THROW(adding.Add(NoiseCapture({200, 160}, 2)), std::runtime_error);
 }
 
