@@ -15,7 +15,6 @@ using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds BetweenGuesses(16);  // where no changes are told
-constexpr std::uint8_t SentFlag = 0x80;
 
 std::string NumberOf(xcb_window_t window) {
   std::ostringstream number;
@@ -127,7 +126,7 @@ void X11CaptureSource::TakeEvents() {
 }
 
 void X11CaptureSource::Take(const xcb_generic_event_t& event) {
-  const int type = event.response_type & ~SentFlag;
+  const int type = EventType(event);
   if (type == XCB_DESTROY_NOTIFY) {
     throw CaptureEnded("the window was closed");
   }

@@ -81,6 +81,12 @@ class XConnection {
   xcb_screen_t* screen = nullptr;
 };
 
+/// What happened, such as XCB_KEY_PRESS, whether the server or another program tells of it.
+inline int EventType(const xcb_generic_event_t& event) {
+  constexpr int SentByProgram = 0x80;
+  return event.response_type & ~SentByProgram;
+}
+
 /// Waits for the server's answer to a checked request.
 /// @return whether it was done
 bool Succeeds(const XConnection& connection, xcb_void_cookie_t request);

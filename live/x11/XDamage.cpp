@@ -1,11 +1,6 @@
 #include <live/x11/XDamage.h>
 
 namespace ScrollingCapture::Live {
-namespace {
-
-constexpr std::uint8_t SentFlag = 0x80;
-
-}  // namespace
 
 XDamage::XDamage(const XConnection& connection, xcb_window_t window) : connection(connection) {
   if (!connection.AgreeOn(xcb_damage_id, xcb_damage_query_version, xcb_damage_query_version_reply,
@@ -26,8 +21,8 @@ XDamage::~XDamage() {
 }
 
 bool XDamage::IsIn(const xcb_generic_event_t& event, const cv::Rect& area) const {
-  if (!IsHeard() || (event.response_type & ~SentFlag) !=
-                        connection.FirstEventOf(xcb_damage_id) + XCB_DAMAGE_NOTIFY) {
+  if (!IsHeard() ||
+      EventType(event) != connection.FirstEventOf(xcb_damage_id) + XCB_DAMAGE_NOTIFY) {
     return false;
   }
   const auto& drawn = reinterpret_cast<const xcb_damage_notify_event_t&>(event).area;

@@ -14,7 +14,6 @@
 namespace ScrollingCapture::Live {
 namespace {
 
-constexpr std::uint8_t SentFlag = 0x80;
 constexpr int ShortestDrag = 8;  // in pixels; anything shorter is a click
 constexpr std::uint16_t CrosshairShape = 34;
 
@@ -65,7 +64,7 @@ class Picker {
 
   /// @return whether the user has chosen or cancelled
   bool Take(const xcb_generic_event_t& event) {
-    switch (event.response_type & ~SentFlag) {
+    switch (EventType(event)) {
       case XCB_BUTTON_PRESS:
         return Press(reinterpret_cast<const xcb_button_press_event_t&>(event));
       case XCB_MOTION_NOTIFY:

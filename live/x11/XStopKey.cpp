@@ -10,8 +10,6 @@
 namespace ScrollingCapture::Live {
 namespace {
 
-constexpr std::uint8_t SentFlag = 0x80;
-
 struct Key {
   xkb_keysym_t symbol = XKB_KEY_NoSymbol;
   unsigned int modifiers = 0;
@@ -112,7 +110,7 @@ XStopKey::XStopKey(const std::string& name) {
 bool XStopKey::WasPressed() {
   bool wasPressed = false;
   while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection.Get())}) {
-    wasPressed = wasPressed || (event->response_type & ~SentFlag) == XCB_KEY_PRESS;
+    wasPressed = wasPressed || EventType(*event) == XCB_KEY_PRESS;
   }
   return wasPressed;
 }
