@@ -5,10 +5,10 @@
 #include <thread>
 
 #include <live/x11/XConnection.h>
+#include <live/x11/XKeySymbols.h>
 #include <live/x11/XOutline.h>
 #include <live/x11/XPicker.h>
 #include <live/x11/XWindows.h>
-#include <xcb/xcb_keysyms.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 namespace ScrollingCapture::Live {
@@ -119,8 +119,7 @@ class Picker {
   }
 
   bool IsEscape(const xcb_key_press_event_t& event) const {
-    const std::unique_ptr<xcb_key_symbols_t, decltype(&xcb_key_symbols_free)> symbols(
-        xcb_key_symbols_alloc(connection.Get()), &xcb_key_symbols_free);
+    const XKeySymbols symbols = KeySymbolsOf(connection);
     return xcb_key_symbols_get_keysym(symbols.get(), event.detail, 0) == XKB_KEY_Escape;
   }
 

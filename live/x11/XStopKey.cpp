@@ -3,8 +3,8 @@
 #include <sstream>
 #include <vector>
 
+#include <live/x11/XKeySymbols.h>
 #include <live/x11/XStopKey.h>
-#include <xcb/xcb_keysyms.h>
 #include <xkbcommon/xkbcommon.h>
 
 namespace ScrollingCapture::Live {
@@ -67,8 +67,7 @@ Key ParseKey(const std::string& name) {
 
 /// The codes of the keys that give a symbol.
 std::vector<xcb_keycode_t> CodesOf(const XConnection& connection, xkb_keysym_t symbol) {
-  const std::unique_ptr<xcb_key_symbols_t, decltype(&xcb_key_symbols_free)> symbols(
-      xcb_key_symbols_alloc(connection.Get()), &xcb_key_symbols_free);
+  const XKeySymbols symbols = KeySymbolsOf(connection);
   const XReply<xcb_keycode_t> codes(xcb_key_symbols_get_keycode(symbols.get(), symbol));
   std::vector<xcb_keycode_t> found;
   for (const xcb_keycode_t* code = codes.get(); code != nullptr && *code != XCB_NO_SYMBOL; ++code) {
