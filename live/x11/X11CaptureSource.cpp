@@ -173,9 +173,7 @@ cv::Mat X11CaptureSource::Read() {
 }
 
 std::string X11CaptureSource::Scroll(ScrollDirection direction, int steps) {
-  const cv::Rect screen(0, 0, connection.Screen().width_in_pixels,
-                        connection.Screen().height_in_pixels);
-  const cv::Rect visible = Region() & screen;
+  const cv::Rect visible = Region() & WholeDisplay(connection);
   if (visible.empty() || scrolled == XCB_WINDOW_NONE) {
     return "there is no window to scroll at the region's middle";
   }

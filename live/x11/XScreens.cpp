@@ -16,10 +16,6 @@ XReply<Resources> ResourcesOf(const XConnection& connection) {
                         xcb_randr_get_screen_resources_current_reply, connection.Root());
 }
 
-cv::Rect WholeDisplay(const XConnection& connection) {
-  return {0, 0, connection.Screen().width_in_pixels, connection.Screen().height_in_pixels};
-}
-
 std::string NameOfOutput(const XConnection& connection, xcb_randr_output_t output) {
   const auto info = connection.Ask(xcb_randr_get_output_info, xcb_randr_get_output_info_reply,
                                    output, xcb_timestamp_t{XCB_CURRENT_TIME});
@@ -31,6 +27,10 @@ std::string NameOfOutput(const XConnection& connection, xcb_randr_output_t outpu
 }
 
 }  // namespace
+
+cv::Rect WholeDisplay(const XConnection& connection) {
+  return {0, 0, connection.Screen().width_in_pixels, connection.Screen().height_in_pixels};
+}
 
 std::vector<cv::Rect> ScreensOf(const XConnection& connection) {
   std::vector<cv::Rect> screens;

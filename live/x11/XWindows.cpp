@@ -2,6 +2,7 @@
 #include <cctype>
 #include <sstream>
 
+#include <live/x11/XScreens.h>
 #include <live/x11/XWindows.h>
 
 namespace ScrollingCapture::Live {
@@ -111,9 +112,7 @@ bool IsViewable(const XConnection& connection, xcb_window_t window) {
 
 bool IsCovered(const XConnection& connection, xcb_window_t window) {
   const std::optional<cv::Rect> area = AreaOnScreen(connection, window);
-  const cv::Rect screen(0, 0, connection.Screen().width_in_pixels,
-                        connection.Screen().height_in_pixels);
-  if (!area || (*area & screen) != *area) {
+  if (!area || (*area & WholeDisplay(connection)) != *area) {
     return true;
   }
   while (window != XCB_WINDOW_NONE && window != connection.Root()) {
