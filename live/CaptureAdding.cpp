@@ -1,5 +1,6 @@
 #include <utility>
 
+#include <live/AreaAt.h>
 #include <live/CaptureAdding.h>
 
 namespace ScrollingCapture::Live {
@@ -7,10 +8,6 @@ namespace {
 
 constexpr std::size_t MostWaiting = 16;
 constexpr int FirstPart = 1;
-
-cv::Rect AreaAt(const Place& place, const cv::Size& size) {
-  return {{place.column, place.row}, size};
-}
 
 }  // namespace
 
