@@ -1,8 +1,7 @@
-#include <algorithm>
-#include <cctype>
 #include <sstream>
 #include <vector>
 
+#include <live/x11/LowerCase.h>
 #include <live/x11/XKeySymbols.h>
 #include <live/x11/XStopKey.h>
 #include <xkbcommon/xkbcommon.h>
@@ -14,12 +13,6 @@ struct Key {
   xkb_keysym_t symbol = XKB_KEY_NoSymbol;
   unsigned int modifiers = 0;
 };
-
-std::string LowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  return text;
-}
 
 /// The bit of a modifier's name; 0 when it is none.
 unsigned int ModifierOf(const std::string& name) {

@@ -1,7 +1,7 @@
 #include <algorithm>
-#include <cctype>
 #include <sstream>
 
+#include <live/x11/LowerCase.h>
 #include <live/x11/XScreens.h>
 #include <live/x11/XWindows.h>
 
@@ -74,12 +74,6 @@ std::vector<xcb_window_t> ProgramWindows(const XConnection& connection) {
   }
   const auto* const first = static_cast<const xcb_window_t*>(xcb_get_property_value(list.get()));
   return {first, first + list->value_len};
-}
-
-std::string LowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  return text;
 }
 
 std::string Named(const XConnection& connection, const std::vector<xcb_window_t>& windows) {

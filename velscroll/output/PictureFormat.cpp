@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <limits>
 
+#include <velscroll/names/LowerCase.h>
 #include <velscroll/output/PictureFormat.h>
 #include <velscroll/output/staging/StagedStandardOutput.h>
 
@@ -66,20 +66,13 @@ std::string Advice(const PictureFormat& format, const cv::Size& size) {
   return split + "write a " + other->name + " file (" + other->extensions.front() + ") instead";
 }
 
-std::string LowerCaseExtension(const std::string& path) {
-  std::string extension = std::filesystem::path(path).extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  return extension;
-}
-
 }  // namespace
 
 const PictureFormat& PictureFormatOf(const std::string& path) {
   if (path == StagedStandardOutput::Argument) {
     return Formats().front();
   }
-  const std::string extension = LowerCaseExtension(path);
+  const std::string extension = LowerCase(std::filesystem::path(path).extension().string());
   for (const PictureFormat& format : Formats()) {
     if (std::find(format.extensions.begin(), format.extensions.end(), extension) !=
         format.extensions.end()) {
