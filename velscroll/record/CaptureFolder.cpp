@@ -7,6 +7,7 @@
 
 #include <velscroll/output/PictureWriting.h>
 #include <velscroll/record/CaptureFolder.h>
+#include <velscroll/terminal/Explanation.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
@@ -71,8 +72,8 @@ void CaptureFolder::Keep(const cv::Mat& capture) {
   }
   try {
     Write(capture, path);
-  } catch (const std::exception& error) {
-    trouble = error.what();
+  } catch (const std::exception&) {
+    trouble = ExplanationOf(std::current_exception()).words;
   }
 }
 
