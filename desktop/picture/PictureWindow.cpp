@@ -80,9 +80,9 @@ void PictureWindow::addActions() {
   add(tr("Copy"), {QKeySequence::Copy}, [this] { copy(); });
   bar->addWidget(dragHandle);
   bar->addSeparator();
-  add(tr("Fit"), {Qt::CTRL + Qt::Key_0}, [this] { pictureView->fitWhole(); });
-  add(tr("Width"), {Qt::CTRL + Qt::Key_2}, [this] { pictureView->fitWidth(); });
-  add(tr("100 %"), {Qt::CTRL + Qt::Key_1}, [this] { pictureView->showActualSize(); });
+  add(tr("Fit"), {QKeySequence("Ctrl+0")}, [this] { pictureView->fitWhole(); });
+  add(tr("Width"), {QKeySequence("Ctrl+2")}, [this] { pictureView->fitWidth(); });
+  add(tr("100 %"), {QKeySequence("Ctrl+1")}, [this] { pictureView->showActualSize(); });
   add(tr("+"), {QKeySequence::ZoomIn}, [this] { pictureView->zoomIn(); });
   add(tr("−"), {QKeySequence::ZoomOut}, [this] { pictureView->zoomOut(); });
 }

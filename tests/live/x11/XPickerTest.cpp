@@ -32,7 +32,7 @@ class Picking : public ::testing::Test {
 
   Testing::XServer server{{"-screen", "0", "640x480x24"}};
   const Testing::PageWindow window{Testing::TextPage({300, 400}), {50, 40, 300, 200}, "page"};
-  const Testing::UserInput user;
+  const Testing::UserInput user{};
   std::atomic<bool> goOn{true};
   std::atomic<bool> asked{false};
   std::future<std::optional<XChoice>> picked;
