@@ -285,6 +285,7 @@ std::string CaptureEntries(const std::string& first, const std::string& second) 
 INSTANTIATE_TEST_SUITE_P(
     Reports, BadReports,
     ::testing::Values(
+        BadReport{"Empty", "", "'bad.json' has no captures to read joins from"},
         BadReport{"Damaged", "{\"captures\": [", "has no captures to read joins from"},
         BadReport{"WithoutCaptures", "{}", "has no captures to read joins from"},
         BadReport{"OfNumbers", "{\"captures\": [1, 2]}", "does not tell how 'a.png' is joined"},

@@ -88,6 +88,9 @@ cv::Mat ToRgba(const cv::Mat& image) {
 }  // namespace
 
 cv::Mat DecodeCapture(const std::vector<unsigned char>& file) {
+  if (file.empty()) {
+    throw UnusableImage("is empty; save the capture again or leave it out");
+  }
   if (IsJpegCutShort(file)) {
     RefuseDamaged();
   }
