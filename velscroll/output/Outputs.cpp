@@ -35,7 +35,7 @@ Outputs::Outputs(const OutputSettings& asked) : settings(asked) {
   }
   const std::vector<std::string> names = Names();
   for (const std::string& name : names) {
-    MakeStagedOutput(name);
+    MakeStagedOutput(name, name == asked.report ? "the report" : "the image");
   }
   RequireDifferentFiles(names);
 }

@@ -24,7 +24,7 @@ class Outputs {
  public:
   /// Throws BadInput when a file cannot be written where it is asked for, has an extension without
   /// a format, or is asked for twice.
-  explicit Outputs(const OutputSettings& settings);
+  explicit Outputs(const OutputSettings& asked);
 
   /// The paths of all files, as they are asked for.
   std::vector<std::string> Names() const;

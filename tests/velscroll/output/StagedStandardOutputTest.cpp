@@ -1,5 +1,6 @@
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <pty.h>
 #include <unistd.h>
 
@@ -16,8 +17,10 @@ namespace {
 using Program::BadInput;
 using Program::Failed;
 using Program::FileDescriptor;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 /// Sends standard output elsewhere while it lives.
 class Redirection {
@@ -83,7 +86,12 @@ TEST_F(StagedStandardOutput, ThatIsATerminalIsRefused) {
   const FileDescriptor closeTerminal(terminal);
   const FileDescriptor closeProgram(program);
   const Redirection redirection(program);
-  EXPECT_THROW(Program::StagedStandardOutput(), BadInput);
+  try {
+    Program::MakeStagedOutput("-", "the report");
+    ADD_FAILURE() << "written to a terminal";
+  } catch (const BadInput& failure) {
+    EXPECT_THAT(failure.what(), StartsWith("the report would be written to the terminal"));
+  }
 }
 
 TEST_F(StagedStandardOutput, ThatIsFullIsTold) {
@@ -100,10 +108,39 @@ TEST_F(StagedStandardOutput, ThatIsFullIsTold) {
   }
 }
 
+/// The number by which this process knows a file in a folder.
+int DescriptorOfFileIn(const std::string& folder) {
+  namespace fs = std::filesystem;
+  for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code ignored;
+    if (fs::read_symlink(entry.path(), ignored).parent_path() == folder) {
+      return std::stoi(entry.path().filename());
+    }
+  }
+  return -1;
+}
+
+TEST_F(StagedStandardOutput, WhoseWaitingBytesCannotBeReadIsTold) {
+  const Redirection redirection(output.Number());
+  const auto staged = Program::MakeStagedOutput("-");
+  staged->Append("some", 4);
+  staged->Close();
+  const FileDescriptor unreadable(::open("/", O_PATH | O_CLOEXEC));
+  ASSERT_GE(::dup2(unreadable.Number(), DescriptorOfFileIn(folder.Path())), 0);
+  try {
+    staged->Commit();
+    ADD_FAILURE() << "read what cannot be read";
+  } catch (const Failed& failure) {
+    EXPECT_THAT(failure.what(), AllOf(HasSubstr("cannot read"), HasSubstr(folder.Path().string()),
+                                      HasSubstr("Bad file descriptor")));
+  }
+  EXPECT_EQ(Written(), "");
+}
+
 TEST_F(StagedStandardOutput, WithoutATemporaryFolderToWriteToIsRefused) {
   ::setenv("TMPDIR", "/proc", 1);
   const Redirection redirection(output.Number());
-  EXPECT_THROW(Program::StagedStandardOutput(), BadInput);
+  EXPECT_THROW(Program::MakeStagedOutput("-"), BadInput);
 }
 
 }  // namespace
