@@ -2,9 +2,9 @@
 #include <iterator>
 #include <utility>
 
-#include <velscroll/files/SameFile.h>
 #include <velscroll/output/Outputs.h>
 #include <velscroll/output/Pieces.h>
+#include <velscroll/output/staging/CommitAll.h>
 #include <velscroll/output/staging/StagedStandardOutput.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Interruption.h>
@@ -13,18 +13,6 @@ namespace ScrollingCapture::Program {
 namespace {
 
 bool IsStandardOutput(const std::string& name) { return name == StagedStandardOutput::Argument; }
-
-/// The file that comes last would replace the others.
-void RequireDifferentFiles(const std::vector<std::string>& names) {
-  for (size_t i = 0; i < names.size(); ++i) {
-    for (size_t j = i + 1; j < names.size(); ++j) {
-      if (IsSameFile(names[i], names[j])) {
-        throw BadInput("two results would both be written to " + Quoted(names[i]) +
-                       "; choose different names");
-      }
-    }
-  }
-}
 
 }  // namespace
 
@@ -37,7 +25,7 @@ Outputs::Outputs(const OutputSettings& asked) : settings(asked) {
   for (const std::string& name : names) {
     MakeStagedOutput(name, name == asked.report ? "the report" : "the image");
   }
-  RequireDifferentFiles(names);
+  RequireDifferentTargets(names);
 }
 
 std::vector<std::string> Outputs::Names() const {
@@ -96,9 +84,7 @@ void Outputs::StageReport(const std::string& text) {
 
 void Outputs::Commit() {
   StopIfInterrupted();
-  for (const auto& output : staged) {
-    output->Commit();
-  }
+  CommitAll(staged);
 }
 
 }  // namespace ScrollingCapture::Program

@@ -19,7 +19,7 @@ struct OutputSettings {
   std::optional<int> mostRowsPerFile;  ///< cut the picture into pieces that have no more
 };
 
-/// The results that a run writes. They appear after everything has been written, or not at all.
+/// The results that a run writes. They appear after everything has been written.
 class Outputs {
  public:
   /// Throws BadInput when a file cannot be written where it is asked for, has an extension without
@@ -58,7 +58,8 @@ class Outputs {
   /// The same for the report's text; only when TakesReport().
   void StageReport(const std::string& text);
 
-  /// Shows everything that was staged. Throws Failed or Cancelled.
+  /// Shows everything that was staged, as CommitAll does. Throws BadInput when a piece or part has
+  /// the name of another result, Failed and Cancelled.
   void Commit();
 
  private:
