@@ -123,7 +123,7 @@ TEST_F(Joins, OfAScrollBackAreFound) {
 TEST_F(Joins, InPartsDoNotGoToStandardOutput) {
   WriteTwoParts();
   const Testing::ProgramResult result = Run({"2.png", "3.png", "-o", "-"});
-  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.status, 2);
   Testing::ExpectOneLine(result);
   EXPECT_THAT(result.standardError, HasSubstr("2 parts, which cannot all go to standard output"));
 }

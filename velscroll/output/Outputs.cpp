@@ -48,8 +48,8 @@ std::string Outputs::NameOfPart(size_t part, size_t count) const {
 
 void Outputs::RequireWritable(const std::vector<cv::Size>& parts) const {
   if (parts.size() > 1 && IsStandardOutput(settings.image)) {
-    throw Failed("the picture is in " + std::to_string(parts.size()) +
-                 " parts, which cannot all go to standard output; name a file with -o FILE");
+    throw BadInput("the picture is in " + std::to_string(parts.size()) +
+                   " parts, which cannot all go to standard output; name a file with -o FILE");
   }
   for (const cv::Size& size : parts) {
     Program::RequireWritable({settings.image, settings.encoding, {}, settings.mostRowsPerFile},

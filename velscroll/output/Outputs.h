@@ -41,7 +41,8 @@ class Outputs {
   std::string NameOfPart(size_t part, size_t count) const;
 
   /// Throws Failed when the parts of the picture cannot be written in the format that was asked
-  /// for: to be called as soon as their sizes are known.
+  /// for, and BadInput when several parts or pieces would go to standard output: to be called as
+  /// soon as their sizes are known.
   void RequireWritable(const std::vector<cv::Size>& parts) const;
 
   /// Writes a part of the picture, but not yet under its name.

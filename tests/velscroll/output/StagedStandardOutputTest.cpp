@@ -1,11 +1,11 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
-#include <pty.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <testkit/TemporaryFolder.h>
+#include <testkit/output/Redirection.h>
 #include <velscroll/files/FileDescriptor.h>
 #include <velscroll/output/staging/StagedOutput.h>
 #include <velscroll/output/staging/StagedStandardOutput.h>
@@ -20,25 +20,8 @@ using Program::FileDescriptor;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using Testing::Redirection;
 using ::testing::StartsWith;
-
-/// Sends standard output elsewhere while it lives.
-class Redirection {
- public:
-  explicit Redirection(int target) : original(::dup(STDOUT_FILENO)) {
-    ::fflush(stdout);
-    ::dup2(target, STDOUT_FILENO);
-  }
-  Redirection(const Redirection&) = delete;
-  Redirection& operator=(const Redirection&) = delete;
-  ~Redirection() {
-    ::fflush(stdout);
-    ::dup2(original.Number(), STDOUT_FILENO);
-  }
-
- private:
-  FileDescriptor original;
-};
 
 class StagedStandardOutput : public ::testing::Test {
  protected:
@@ -80,12 +63,7 @@ TEST_F(StagedStandardOutput, GetsNothingWhenNotAllHasBeenWritten) {
 }
 
 TEST_F(StagedStandardOutput, ThatIsATerminalIsRefused) {
-  int terminal = -1;
-  int program = -1;
-  ASSERT_EQ(::openpty(&terminal, &program, nullptr, nullptr, nullptr), 0);
-  const FileDescriptor closeTerminal(terminal);
-  const FileDescriptor closeProgram(program);
-  const Redirection redirection(program);
+  const Testing::TerminalOutput terminal;
   try {
     Program::MakeStagedOutput("-", "the report");
     ADD_FAILURE() << "written to a terminal";
