@@ -108,6 +108,7 @@ int main(int argc, char** argv) {
   using namespace ScrollingCapture::Program;
   std::set_terminate(EndAfterWorkerFailure);
   std::signal(SIGXFSZ, SIG_IGN);  // writing then fails like on a full disk
+  std::signal(SIGPIPE, SIG_IGN);  // writing then fails, and what was staged is removed
   cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
   OwnStandardError();
   ReleaseLargeBlocksAtOnce();

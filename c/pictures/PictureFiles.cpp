@@ -10,6 +10,7 @@
 #include <c/pictures/PictureFiles.h>
 #include <velscroll/output/PictureWriting.h>
 #include <velscroll/output/Pieces.h>
+#include <velscroll/output/staging/CommitAll.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::C {
@@ -108,9 +109,7 @@ void WriteParts(const Parts& parts, const Program::ImageMetadata& metadata, cons
     RequireRoom(output, part->Size());
   }
   RowsWritten written(parts, progress, user);
-  for (const auto& file : StageParts(parts, output, written)) {
-    file->Commit();
-  }
+  Program::CommitAll(StageParts(parts, output, written));
 }
 
 }  // namespace ScrollingCapture::C

@@ -1,6 +1,7 @@
 // Files of pictures: what is in them, and that a failure leaves none.
 
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <unistd.h>
 
@@ -109,6 +110,17 @@ TEST_F(PictureFiles, AreSeveralWhenThePictureIsCut) {
               UnorderedElementsAre(folder.Prefix() + "page-1.png", folder.Prefix() + "page-2.png",
                                    folder.Prefix() + "page-3.png"));
   EXPECT_TRUE(SameBits(Read(folder.Prefix() + "page-2.png"), whole.rowRange(100, 200)));
+}
+
+TEST_F(PictureFiles, AreNotWrittenOverOneAnother) {
+  std::filesystem::create_symlink("page-2.png", folder.Prefix() + "page-1.png");
+  Testing::WriteFile(folder.Prefix() + "page-2.png", "before");
+  vel_file_settings settings = DefaultSettings();
+  settings.rows_per_file = 100;
+  EXPECT_EQ(Write("page.png", &settings), VEL_FILE_UNUSABLE);
+  EXPECT_THAT(Message(), HasSubstr("page-2.png'; choose different names"));
+  EXPECT_EQ(Testing::ReadFile(folder.Prefix() + "page-2.png"), "before");
+  EXPECT_EQ(folder.Contents().size(), 2U);
 }
 
 TEST_F(PictureFiles, AreOneForEachPart) {

@@ -123,7 +123,7 @@ TEST_F(Joins, OfAScrollBackAreFound) {
 TEST_F(Joins, InPartsDoNotGoToStandardOutput) {
   WriteTwoParts();
   const Testing::ProgramResult result = Run({"2.png", "3.png", "-o", "-"});
-  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.status, 2);
   Testing::ExpectOneLine(result);
   EXPECT_THAT(result.standardError, HasSubstr("2 parts, which cannot all go to standard output"));
 }
@@ -285,6 +285,7 @@ std::string CaptureEntries(const std::string& first, const std::string& second) 
 INSTANTIATE_TEST_SUITE_P(
     Reports, BadReports,
     ::testing::Values(
+        BadReport{"Empty", "", "'bad.json' has no captures to read joins from"},
         BadReport{"Damaged", "{\"captures\": [", "has no captures to read joins from"},
         BadReport{"WithoutCaptures", "{}", "has no captures to read joins from"},
         BadReport{"OfNumbers", "{\"captures\": [1, 2]}", "does not tell how 'a.png' is joined"},
