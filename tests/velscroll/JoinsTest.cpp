@@ -120,6 +120,18 @@ TEST_F(Joins, OfAScrollBackAreFound) {
   EXPECT_EQ(cv::norm(ReadImage("page.png"), page(cv::Rect(0, 0, 96, 190)), cv::NORM_INF), 0);
 }
 
+TEST_F(Joins, ThatThePreviewCannotPlaceAreRemarkedOnInTheReportOnly) {
+  WriteScroll();
+  WriteCapture("far.png", 250);
+  const std::vector<std::string> captures = {"capture-1.png", "capture-2.png", "far.png"};
+  const std::string warning = Stitch(captures).standardError;
+  ASSERT_THAT(WrittenReport().at("remarks"), ::testing::IsEmpty());
+  std::vector<std::string> arguments = captures;
+  arguments.insert(arguments.end(), {"--preview", "preview.png"});
+  EXPECT_EQ(Stitch(arguments).standardError, warning);
+  EXPECT_THAT(WrittenReport().at("remarks"), Not(::testing::IsEmpty()));
+}
+
 TEST_F(Joins, InPartsDoNotGoToStandardOutput) {
   WriteTwoParts();
   const Testing::ProgramResult result = Run({"2.png", "3.png", "-o", "-"});

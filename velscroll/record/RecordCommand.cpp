@@ -20,6 +20,7 @@
 #include <velscroll/stitch/Results.h>
 #include <velscroll/stitch/StageClock.h>
 #include <velscroll/terminal/Console.h>
+#include <velscroll/terminal/HeldMessages.h>
 #include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {
@@ -118,14 +119,17 @@ ReportContent RecordEverything(const RecordArguments& arguments, CaptureFolder& 
     recorder.ScrollBy({*arguments.autoScroll, arguments.limit, source.Region().size()});
   }
   StageClock clock;
+  const HeldMessages messages;
   TellEnd(recorder.Run(), console);
   WarnOfFullDisk(session, console);
   if (!folder.Trouble().empty()) {
     console.Warn(folder.Trouble() + "; not all captures are in the folder of --keep-captures");
   }
   const double recording = clock.Lap();
-  ReportContent content = StitchAndStage(session, arguments.session, arguments.strict,
-                                         Describe(folder), outputs, console);
+  ReadFiles recorded = Describe(folder);
+  recorded.remarks = messages.Lines();
+  ReportContent content =
+      StitchAndStage(session, arguments.session, arguments.strict, recorded, outputs, console);
   content.seconds.reading = recording;
   return content;
 }

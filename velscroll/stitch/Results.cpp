@@ -33,7 +33,8 @@ ReportContent StitchAndStage(CaptureSession& session, const SessionSettings& set
   const cv::Mat preview = outputs.TakesPreview() ? PreviewOf(session) : cv::Mat();
   const Stitched stitched = RunStitch(session, console);
   content.seconds = stitched.seconds;
-  content.remarks = stitched.remarks;
+  content.remarks = read.remarks;
+  content.remarks.insert(content.remarks.end(), stitched.remarks.begin(), stitched.remarks.end());
   content.borders = stitched.result.borders;
   content.captures = DescribeCaptures(read.files, stitched.result.captures);
   content.warnings = WarningsAbout(content.captures);

@@ -4,6 +4,7 @@
 #include <velscroll/input/CaptureReading.h>
 #include <velscroll/stitch/SessionReading.h>
 #include <velscroll/terminal/Failure.h>
+#include <velscroll/terminal/HeldMessages.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -81,6 +82,7 @@ bool WarnOfFullDisk(const CaptureSession& session, Console& console) {
 ReadFiles ReadInto(CaptureSession& session, const CaptureFiles& captures, unsigned int threads,
                    Console& console) {
   Reader reader(session, captures, console);
+  const HeldMessages messages;
   console.ShowProgress("Reading", 0);
   ReadCaptures(captures.paths, threads, [&reader](size_t index, CaptureImage image) {
     if (index == 0) {
@@ -90,6 +92,7 @@ ReadFiles ReadInto(CaptureSession& session, const CaptureFiles& captures, unsign
       reader.Add(index, capture);
     };
   });
+  reader.read.remarks = messages.Lines();
   return std::move(reader.read);
 }
 

@@ -39,7 +39,7 @@ std::shared_ptr<const cv::Mat> CaptureSource::Get(size_t index) const {
   auto capture = Fetch(provider, index);
   if (capture->size() != size || capture->type() != type) {
     throw UnusableCapture("Capture " + std::to_string(index) +
-                                " differs in size or type from the first one.");
+                          " differs in size or type from the first one.");
   }
   return part.size() == size ? capture : std::make_shared<const cv::Mat>(*capture, part);
 }
