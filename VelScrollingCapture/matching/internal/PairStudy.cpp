@@ -277,8 +277,12 @@ class PairStudyRun {
     if (!MayBePeriodic(motion)) {
       return;
     }
+    const std::vector<cv::Point> periods = PeriodsOf(later.pixels);
+    if (periods.empty()) {
+      return;
+    }
     const StandingParts parts = FindStandingParts(matches, motion, later.pixels.size());
-    for (const cv::Point& period : PeriodsOf(later.pixels)) {
+    for (const cv::Point& period : periods) {
       for (const int times : {-2, -1, 1, 2}) {
         const cv::Point rival = motion + times * period;
         if (IsAllowed(rival, settings.orientation) && MayRepeat(found, rival, parts)) {
