@@ -20,11 +20,14 @@ constexpr int StripPixels = StripPatches + PatchSide - 1;
 /// begin where no vector straddles two lines of the cache.
 constexpr int VectorLength = 8;
 constexpr int LineLength = StripPixels + 2 * VectorLength;
-constexpr std::size_t CacheLine = 64;
+constexpr int CacheLine = 64;
 
 constexpr int InWholeVectors(int count) {
   return (count + VectorLength - 1) / VectorLength * VectorLength;
 }
+
+/// So many rows before they are needed, pixels are asked for.
+constexpr int RowsAhead = 2;
 
 /// Selections are looked through eight at a time.
 constexpr std::size_t SelectionsAtOnce = 8;
@@ -59,6 +62,15 @@ struct PixelRow {
   int channels;
   int patches;
 };
+
+/// Has the beginning of a row of pixels brought into the cache: the processor foresees what comes
+/// after it, but not the way from one row of a strip to the next.
+void FetchAhead(const PixelRow& row) {
+  constexpr int Fetched = 512;
+  for (int i = 0; i < std::min(Fetched, row.patches * row.channels); i += CacheLine) {
+    __builtin_prefetch(row.pixels + i);
+  }
+}
 
 /// Lets the upper bits of a key, such as those of one colour, count as much as the lower ones,
 /// which reach further in products.
@@ -174,10 +186,13 @@ Selection SelectPatches(const cv::Mat& capture, int zeroBits, Vectors vectors) {
   for (int left = 0; left + 1 < patchColumns; left += StripColumns) {
     Strip strip{};
     const int patches = std::min(StripPatches, patchColumns - left);
+    const auto rowAt = [&](int row) {
+      const std::size_t before = static_cast<std::size_t>(left) * capture.elemSize();
+      return PixelRow{capture.ptr<unsigned char>(row) + before, capture.channels(), patches};
+    };
     for (int row = 0; row < capture.rows; ++row) {
-      const auto* const pixels =
-          capture.ptr<unsigned char>(row) + static_cast<std::size_t>(left) * capture.elemSize();
-      addRow(strip, {pixels, capture.channels(), patches}, row % PatchSide, unwanted);
+      FetchAhead(rowAt(std::min(row + RowsAhead, capture.rows - 1)));
+      addRow(strip, rowAt(row), row % PatchSide, unwanted);
       const int top = row - PatchSide + 1;
       if (top > 0) {
         const std::uint32_t position =
