@@ -84,7 +84,8 @@ std::optional<int> PeriodOf(const cv::Mat& lines) {
   std::vector<double> differences;
   double sum = 0;
   for (int distance = ShortestPeriod - 1; distance <= longest; ++distance) {
-    const auto count = static_cast<std::size_t>((lines.rows - distance) * lines.cols);
+    const std::size_t count =
+        static_cast<std::size_t>(lines.rows - distance) * static_cast<std::size_t>(lines.cols);
     differences.push_back(
         static_cast<double>(sumOfDifferences(lines.data, lines.ptr(distance), count)) /
         static_cast<double>(count));
