@@ -32,20 +32,36 @@ Comparison CompareSlowly(const cv::Mat& earlier, const cv::Mat& later, const cv:
   return comparison;
 }
 
-class ComparisonMotions : public testing::TestWithParam<cv::Point> {};
+class ComparisonMotions : public testing::TestWithParam<cv::Point> {
+ protected:
+  ComparisonMotions() {
+    cv::RNG random(1);
+    random.fill(earlier, cv::RNG::UNIFORM, 0, 2);
+    random.fill(later, cv::RNG::UNIFORM, 0, 2);
+  }
+
+  cv::Mat earlier{61, 93, CV_32SC1};
+  cv::Mat later{61, 93, CV_32SC1};
+};
 
 TEST_P(ComparisonMotions, CountEveryPixelWithAllVectors) {
-  cv::RNG random(1);
-  cv::Mat earlier(61, 93, CV_32SC1);
-  cv::Mat later(61, 93, CV_32SC1);
-  random.fill(earlier, cv::RNG::UNIFORM, 0, 2);
-  random.fill(later, cv::RNG::UNIFORM, 0, 2);
   const Comparison expected = CompareSlowly(earlier, later, GetParam());
   for (const Vectors vectors : {Vectors::Plain, Vectors::Widest}) {
     const Comparison comparison = Compare(earlier, later, GetParam(), vectors);
     EXPECT_EQ(comparison.equal, expected.equal);
     EXPECT_TRUE(SameBits(comparison.unequal, expected.unequal));
     EXPECT_EQ(comparison.Compared() - comparison.equal, cvRound(cv::sum(expected.unequal)[0]));
+  }
+}
+
+TEST_P(ComparisonMotions, AddUpToAllPixelsWhateverWasComparedBefore) {
+  const Comparison all = Compare(earlier, later, GetParam(), Vectors::Widest);
+  for (const cv::Rect& content : {cv::Rect(0, 0, 93, 61), cv::Rect(0, 9, 93, 40),
+                                  cv::Rect(5, 0, 80, 61), cv::Rect(11, 3, 50, 50), cv::Rect()}) {
+    const Comparison some = Compare(earlier, later, GetParam(), content, Vectors::Widest);
+    const Agreement agreement = AgreementOf(earlier, later, GetParam(), some);
+    EXPECT_EQ(agreement.compared, all.Compared());
+    EXPECT_EQ(agreement.equal, all.equal);
   }
 }
 

@@ -133,6 +133,22 @@ class Comparer {
   Comparison result;
 };
 
+/// How many pixels of a part of the later capture agree.
+std::int64_t CountEqual(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
+                        const cv::Rect& part) {
+  std::int64_t equal = 0;
+  for (int row = part.y; row < part.br().y; ++row) {
+    const auto* const left = earlier.ptr<std::uint32_t>(row - motion.y) + part.x - motion.x;
+    const auto* const right = later.ptr<std::uint32_t>(row) + part.x;
+    int ofRow = 0;
+    for (int i = 0; i < part.width; ++i) {
+      ofRow += static_cast<int>(left[i] == right[i]);
+    }
+    equal += ofRow;
+  }
+  return equal;
+}
+
 }  // namespace
 
 cv::Size CellsOf(const cv::Size& capture) {
@@ -157,6 +173,21 @@ Comparison Compare(const cv::Mat& earlier, const cv::Mat& later, const cv::Point
 Comparison Compare(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
                    Vectors vectors) {
   return Compare(earlier, later, motion, {{0, 0}, later.size()}, vectors);
+}
+
+Agreement AgreementOf(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
+                      const Comparison& seen) {
+  const cv::Rect all = OverlapOf(later.size(), motion);
+  Agreement agreement = {std::int64_t{all.width} * all.height, seen.equal};
+  const cv::Rect part = seen.overlap.empty() ? cv::Rect(all.tl(), cv::Size()) : seen.overlap;
+  for (const cv::Rect& rest :
+       {cv::Rect(all.tl(), cv::Point(all.br().x, part.y)),
+        cv::Rect(cv::Point(all.x, part.br().y), all.br()),
+        cv::Rect(all.x, part.y, part.x - all.x, part.height),
+        cv::Rect(part.br().x, part.y, all.br().x - part.br().x, part.height)}) {
+    agreement.equal += CountEqual(earlier, later, motion, rest);
+  }
+  return agreement;
 }
 
 }  // namespace ScrollingCapture

@@ -36,4 +36,14 @@ Comparison Compare(const cv::Mat& earlier, const cv::Mat& later, const cv::Point
 Comparison Compare(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
                    Vectors vectors);
 
+/// How far two captures agree wherever both show the same place.
+struct Agreement {
+  std::int64_t compared = 0;  ///< pixels
+  std::int64_t equal = 0;
+};
+
+/// @param seen a comparison of some of the content: only the rest is looked at
+Agreement AgreementOf(const cv::Mat& earlier, const cv::Mat& later, const cv::Point& motion,
+                      const Comparison& seen);
+
 }  // namespace ScrollingCapture

@@ -63,23 +63,27 @@ bool IsMarkedInEarlier(const cv::Mat& marks, const cv::Rect& pixels) {
   return false;
 }
 
-/// The cells that a patch bears witness for: the one in its middle, or all that lie within it in
-/// small captures, where no part of the content has many patches.
-cv::Rect CellsWithin(const cv::Point& place, const cv::Size& cells) {
-  if (std::min(cells.width, cells.height) >= SmallSide) {
-    return {CentreOf(place) / CellSide, cv::Size(1, 1)};
-  }
+/// The cells that lie within a patch.
+cv::Rect CellsWithin(const cv::Point& place) {
   const cv::Point first = (place + cv::Point(CellSide - 1, CellSide - 1)) / CellSide;
   const cv::Point end = (place + cv::Point(PatchSide, PatchSide)) / CellSide;
   return {first, end};
 }
 
+/// The cells that patches bear witness for: the one in the middle of each, or all that lie within
+/// it in small captures, where no part of the content has many patches.
 cv::Mat UniqueCells(const std::vector<Match>& matches, const cv::Point& motion,
                     const cv::Size& cells) {
   cv::Mat agreeing = cv::Mat::zeros(cells, CV_8UC1);
+  const bool isSmall = std::min(cells.width, cells.height) < SmallSide;
   for (const Match& match : matches) {
-    if (match.motion == motion) {
-      agreeing(CellsWithin(match.place, cells)).setTo(1);
+    if (match.motion != motion) {
+      continue;
+    }
+    if (isSmall) {
+      agreeing(CellsWithin(match.place)).setTo(1);
+    } else {
+      agreeing.at<unsigned char>(CentreOf(match.place) / CellSide) = 1;
     }
   }
   return agreeing;

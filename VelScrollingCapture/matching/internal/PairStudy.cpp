@@ -154,14 +154,16 @@ class PairStudyRun {
   }
 
   /// Fills in a join under a motion, whose rivals come in any order.
-  void SetMotions(const cv::Point& motion, std::vector<cv::Point> rivals, Join& join) const {
+  /// @param seen what has been compared under the motion already
+  void SetMotions(const cv::Point& motion, std::vector<cv::Point> rivals, Join& join,
+                  const Comparison& seen = {}) const {
     std::sort(rivals.begin(), rivals.end(), IsSmaller);
     rivals.erase(std::unique(rivals.begin(), rivals.end()), rivals.end());
     rivals.resize(std::min(rivals.size(), MostAlternatives));
-    const Comparison comparison = Compare(earlierKeys, laterKeys, motion, Vectors::Widest);
+    const Agreement agreement = AgreementOf(earlierKeys, laterKeys, motion, seen);
     join.motion = ToTranslation(motion);
-    join.compared = comparison.Compared();
-    join.equal = comparison.equal;
+    join.compared = agreement.compared;
+    join.equal = agreement.equal;
     join.alternatives.clear();
     std::transform(rivals.begin(), rivals.end(), std::back_inserter(join.alternatives),
                    ToTranslation);
@@ -278,8 +280,12 @@ class PairStudyRun {
     if (!MayBePeriodic(motion)) {
       return;
     }
+    const std::vector<cv::Point> periods = PeriodsOf(later.pixels);
+    if (periods.empty()) {
+      return;
+    }
     const StandingParts parts = FindStandingParts(matches, motion, later.pixels.size());
-    for (const cv::Point& period : PeriodsOf(later.pixels)) {
+    for (const cv::Point& period : periods) {
       for (const int times : {-2, -1, 1, 2}) {
         const cv::Point rival = motion + times * period;
         if (IsAllowed(rival, settings.orientation) && MayRepeat(found, rival, parts)) {
@@ -319,7 +325,7 @@ class PairStudyRun {
   PairMatch Accept(const Finding& finding, const std::vector<cv::Point>& rivals,
                    bool isDrawnAnew) const {
     PairMatch match;
-    SetMotions(finding.motion, rivals, match.join);
+    SetMotions(finding.motion, rivals, match.join, finding.comparison);
     const bool isProven = finding.IsClean() && !isDrawnAnew && finding.unique >= StrongEvidence;
     match.join.verdict = !rivals.empty() ? Verdict::Doubtful
                          : isProven      ? Verdict::Proven

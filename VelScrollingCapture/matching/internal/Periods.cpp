@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -28,13 +29,15 @@ cv::Mat SomeColumns(const cv::Mat& capture) {
   cv::Mat lines(capture.rows, count, CV_8UC1);
   const std::size_t channels = capture.elemSize();
   const std::size_t channel = channels / 3;  // green, where there is colour
+  std::array<std::size_t, Lines> offsets{};
+  for (int i = 0; i < count; ++i) {
+    const auto column = static_cast<std::size_t>((2 * i + 1) * capture.cols / (2 * count));
+    offsets[static_cast<std::size_t>(i)] = column * channels + channel;
+  }
   for (int row = 0; row < lines.rows; ++row) {
     const auto* const pixels = capture.ptr<unsigned char>(row);
-    auto* const line = lines.ptr<unsigned char>(row);
-    for (int i = 0; i < count; ++i) {
-      const auto column = static_cast<std::size_t>((2 * i + 1) * capture.cols / (2 * count));
-      line[i] = pixels[column * channels + channel];
-    }
+    std::transform(offsets.begin(), offsets.begin() + count, lines.ptr<unsigned char>(row),
+                   [pixels](std::size_t offset) { return pixels[offset]; });
   }
   return lines;
 }
@@ -81,7 +84,8 @@ std::optional<int> PeriodOf(const cv::Mat& lines) {
   std::vector<double> differences;
   double sum = 0;
   for (int distance = ShortestPeriod - 1; distance <= longest; ++distance) {
-    const auto count = static_cast<std::size_t>((lines.rows - distance) * lines.cols);
+    const std::size_t count =
+        static_cast<std::size_t>(lines.rows - distance) * static_cast<std::size_t>(lines.cols);
     differences.push_back(
         static_cast<double>(sumOfDifferences(lines.data, lines.ptr(distance), count)) /
         static_cast<double>(count));

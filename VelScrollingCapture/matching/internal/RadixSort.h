@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <vector>
 
 namespace ScrollingCapture {
@@ -12,21 +13,23 @@ namespace ScrollingCapture {
 template <typename Item, typename KeyOf>
 void RadixSort(std::vector<Item>& items, KeyOf keyOf) {
   constexpr int DigitBits = 11;
-  constexpr std::uint32_t DigitMask = (1U << DigitBits) - 1;
+  constexpr std::uint32_t Digits = 1U << DigitBits;
+  constexpr int Passes = 3;
+  const auto digitOf = [keyOf](const Item& item, int pass) {
+    return keyOf(item) >> pass * DigitBits & (Digits - 1);
+  };
+  std::array<std::array<std::size_t, Digits>, Passes> counts{};
+  for (const Item& item : items) {
+    for (int pass = 0; pass < Passes; ++pass) {
+      ++counts[pass][digitOf(item, pass)];
+    }
+  }
   std::vector<Item> sorted(items.size());
-  for (int shift = 0; shift < 32; shift += DigitBits) {
-    std::array<std::size_t, DigitMask + 1> starts{};
+  for (int pass = 0; pass < Passes; ++pass) {
+    auto& starts = counts[pass];
+    std::exclusive_scan(starts.begin(), starts.end(), starts.begin(), std::size_t{0});
     for (const Item& item : items) {
-      ++starts[keyOf(item) >> shift & DigitMask];
-    }
-    std::size_t start = 0;
-    for (std::size_t& count : starts) {
-      const std::size_t next = start + count;
-      count = start;
-      start = next;
-    }
-    for (const Item& item : items) {
-      sorted[starts[keyOf(item) >> shift & DigitMask]++] = item;
+      sorted[starts[digitOf(item, pass)]++] = item;
     }
     items.swap(sorted);
   }

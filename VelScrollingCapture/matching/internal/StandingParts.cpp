@@ -104,9 +104,9 @@ std::vector<cv::Point> MotionsOfParts(const std::vector<Match>& matches, const c
   if (motion != cv::Point()) {
     for (const cv::Point& part :
          {cv::Point(0, 0), cv::Point(motion.x, 0), cv::Point(0, motion.y)}) {
-      const auto anchors = std::count_if(matches.begin(), matches.end(),
-                                         [&](const Match& match) { return match.motion == part; });
-      if (part != motion && anchors >= LeastAnchors) {
+      const auto isOfPart = [&](const Match& match) { return match.motion == part; };
+      if (part != motion &&
+          std::count_if(matches.begin(), matches.end(), isOfPart) >= LeastAnchors) {
         parts.push_back(part);
       }
     }
@@ -126,11 +126,12 @@ cv::Mat Complete(Sightings& seen) {
 }  // namespace
 
 void MarkPatch(cv::Mat& cells, const cv::Point& place) {
-  const cv::Point first = place / CellSide;
-  const cv::Point last = (place + cv::Point(PatchSide - 1, PatchSide - 1)) / CellSide;
-  for (int row = first.y; row <= last.y; ++row) {
-    std::fill_n(cells.ptr<unsigned char>(row) + first.x, last.x - first.x + 1,
-                static_cast<unsigned char>(Marked));
+  // Three cells along each axis, of which the last two may be one.
+  for (const int row : {0, CellSide, PatchSide - 1}) {
+    auto* const line = cells.ptr<unsigned char>((place.y + row) / CellSide);
+    for (const int column : {0, CellSide, PatchSide - 1}) {
+      line[(place.x + column) / CellSide] = Marked;
+    }
   }
 }
 
@@ -143,6 +144,9 @@ StandingParts FindStandingParts(const std::vector<Match>& matches, const cv::Poi
   Sightings earlier = none();
   Sightings later = none();
   const std::vector<cv::Point> parts = MotionsOfParts(matches, motion);
+  if (parts.empty()) {
+    return {earlier.standing, later.standing, 0};
+  }
   cv::Mat witnesses = cv::Mat::zeros(cells, CV_8UC1);
   for (const Match& match : matches) {
     if (match.motion == motion) {
