@@ -376,5 +376,23 @@ TEST_P(PairMatcherSmallSizes, AreTakenWithoutHarm) {
 
 INSTANTIATE_TEST_SUITE_P(Widths, PairMatcherSmallSizes, testing::Values(1, 8, 15, 16, 17, 33));
 
+/// A page that shows a slope of colour at some rows, and nothing else.
+cv::Mat DrawSlope(const cv::Size& size, const cv::Range& rows, int red) {
+  cv::Mat page(size, CV_8UC4, cv::Scalar::all(255));
+  for (int row = rows.start; row < rows.end; ++row) {
+    const int shade = (row - rows.start) / 3;
+    page.row(row).colRange(100, 540).setTo(cv::Scalar(red + shade, 80 + shade, 200 - shade, 255));
+  }
+  return page;
+}
+
+TEST(PairMatcher, DoubtsThatSlopesOfColourAreTheSame) {
+  const cv::Size size(640, 480);
+  const Join join = Match(WithNoise(DrawSlope(size, {0, 130}, 60), 1),
+                          WithNoise(DrawSlope(size, {350, 480}, 90), 2), Vertical);
+  EXPECT_EQ(join.motion, Translation(350, 0));
+  EXPECT_EQ(join.verdict, Verdict::Doubtful);
+}
+
 }  // namespace
 }  // namespace ScrollingCapture

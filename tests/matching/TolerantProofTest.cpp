@@ -29,6 +29,7 @@ TEST_F(TolerantProofOfText, AcceptsTheRightMotionDespiteNoise) {
   EXPECT_TRUE(finding.IsPlausible(false));
   EXPECT_EQ(finding.tilesAgainst, 0);
   EXPECT_EQ(finding.tilesExact, 0);
+  EXPECT_TRUE(finding.IsTelling());
 }
 
 TEST_F(TolerantProofOfText, RefusesOthers) {

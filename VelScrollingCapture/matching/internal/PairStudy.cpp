@@ -148,7 +148,8 @@ class PairStudyRun {
       AddRivalsByPeriod(proof.Examine(found->motion), found->rivals);
     }
     PairMatch match;
-    match.join.verdict = found->rivals.empty() ? Verdict::Likely : Verdict::Doubtful;
+    match.join.verdict =
+        found->rivals.empty() && found->isTelling ? Verdict::Likely : Verdict::Doubtful;
     SetMotions(found->motion, found->rivals, match.join);
     return match;
   }

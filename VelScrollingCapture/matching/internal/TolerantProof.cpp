@@ -129,6 +129,19 @@ TolerantProof::TolerantProof(const cv::Mat& earlier, const cv::Mat& later)
   still = Residues({0, 0}, explained);
 }
 
+/// Whether a tile differs from what lies half a tile further on, along each axis of a motion.
+bool TolerantProof::TellsOf(const cv::Rect& tile, const cv::Point& motion) const {
+  const cv::Rect all({0, 0}, later.size());
+  const double most = double{MostResidue} * DeviationsOf(later(tile)).Variance(tile.area());
+  const auto differs = [&](const cv::Point& step) {
+    const cv::Rect beside = ((tile + step) & all) == tile + step ? tile + step : tile - step;
+    return (beside & all) != beside ||
+           DeviationsOfDifference(later(tile), later(beside)).Variance(tile.area()) > most;
+  };
+  return (motion.y == 0 || differs({0, tileSide / 2})) &&
+         (motion.x == 0 || differs({tileSide / 2, 0}));
+}
+
 float TolerantProof::ResidueOf(const cv::Rect& tile, const cv::Point& motion,
                                double& explained) const {
   const cv::Rect all({0, 0}, later.size());
@@ -194,6 +207,7 @@ TolerantFinding TolerantProof::Examine(const cv::Point& motion) const {
       if (Agrees(residue)) {
         ++finding.tilesFor;
         finding.tilesExact += static_cast<int>(IsExact(later(tile), earlier(tile - motion)));
+        finding.tilesTelling += static_cast<int>(TellsOf(tile, motion));
       } else {
         ++finding.tilesAgainst;
       }

@@ -19,12 +19,19 @@ struct TolerantFinding {
   int leastTiles = 0;  ///< how many tiles say anything at all
   int tilesExact = 0;  ///< of those for the motion, the tiles that agree in every pixel
 
+  /// Of those for the motion, the tiles that do not agree with their own surroundings along it, as
+  /// slopes of colour do.
+  int tilesTelling = 0;
+
   /// Whether the motion may be the content's.
   /// @param isSupported whether many anchors vote for it as well
   bool IsPlausible(bool isSupported) const;
 
   /// Whether most of what agrees does so in every pixel.
   bool IsExact() const { return tilesExact * 2 > tilesFor; }
+
+  /// Whether enough of what agrees would not agree anywhere near.
+  bool IsTelling() const { return tilesTelling >= leastTiles; }
 
   /// Whether little speaks against the motion.
   bool HardlyContradicts() const;
@@ -48,6 +55,7 @@ class TolerantProof {
 
  private:
   cv::Mat Residues(const cv::Point& motion, double& explained) const;
+  bool TellsOf(const cv::Rect& tile, const cv::Point& motion) const;
   float ResidueOf(const cv::Rect& tile, const cv::Point& motion, double& explained) const;
 
   const cv::Mat& earlier;

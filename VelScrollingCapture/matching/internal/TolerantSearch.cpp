@@ -52,7 +52,7 @@ std::optional<FoundMotion> TolerantSearch::Run(const std::vector<cv::Point>& pro
   TryPeriods();
   TryNeighbours();
   const TolerantFinding& best = Best();
-  FoundMotion found{best.motion, {}, best.IsExact()};
+  FoundMotion found{best.motion, {}, best.IsExact(), best.IsTelling()};
   for (const TolerantFinding& rival : plausible) {
     if (!AreClose(rival.motion, best.motion) && !IsMotionOfPart(rival.motion, best.motion) &&
         !Surpasses(best, rival)) {

@@ -15,7 +15,8 @@ namespace ScrollingCapture {
 struct FoundMotion {
   cv::Point motion;
   std::vector<cv::Point> rivals;
-  bool isExact;  ///< whether most of what agrees does so in every pixel
+  bool isExact;    ///< whether most of what agrees does so in every pixel
+  bool isTelling;  ///< whether enough of what agrees would not agree anywhere near
 };
 
 /// Looks for the motion of captures that do not agree to the pixel.
