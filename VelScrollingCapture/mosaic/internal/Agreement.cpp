@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include <VelScrollingCapture/mosaic/internal/Agreement.h>
+#include <VelScrollingCapture/mosaic/internal/CellMarks.h>
 #include <VelScrollingCapture/mosaic/internal/Cells.h>
 #include <VelScrollingCapture/mosaic/internal/ParallelFor.h>
 #include <VelScrollingCapture/mosaic/internal/PixelComparison.h>
@@ -64,9 +65,9 @@ std::vector<int> Union(const std::vector<int>& first, const std::vector<int>& se
 }
 
 /// The cells of one row of cells in which an area's pixels differ.
-class CellMarks {
+class DisputeMarker {
  public:
-  CellMarks(const cv::Rect& area, DisputedCells& disputed)
+  DisputeMarker(const cv::Rect& area, DisputedCells& disputed)
       : area(area),
         disputed(disputed),
         marks(static_cast<size_t>(CellsOver(area.width) + 1)),
@@ -79,10 +80,10 @@ class CellMarks {
       cellRow = row / CellSize;
     }
     MarkDifferences(first, second, differs.size(), pixelBytes, differs.data());
-    const auto inCell = static_cast<size_t>(area.x % CellSize);
-    for (size_t i = 0; i < differs.size(); ++i) {
-      marks[(inCell + i) / CellSize] |= differs[i];
-    }
+    ForEachCell(area.x % CellSize, differs.size(), [&](int cell, size_t begin, size_t count) {
+      const bool isMarked = LoadMarks(differs.data() + begin, count) != 0;
+      marks[static_cast<size_t>(cell)] |= static_cast<std::uint8_t>(isMarked);
+    });
     isMarked = true;
   }
 
@@ -115,13 +116,13 @@ class CellMarks {
 void CompareArea(const cv::Mat& first, const cv::Mat& second, const cv::Rect& area,
                  DisputedCells& disputed) {
   const size_t rowBytes = static_cast<size_t>(area.width) * first.elemSize();
-  CellMarks marks(area, disputed);
+  DisputeMarker marker(area, disputed);
   for (int row = 0; row < area.height; ++row) {
     if (std::memcmp(first.ptr(row), second.ptr(row), rowBytes) != 0) {
-      marks.AddRow(first.ptr(row), second.ptr(row), first.elemSize(), area.y + row);
+      marker.AddRow(first.ptr(row), second.ptr(row), first.elemSize(), area.y + row);
     }
   }
-  marks.Flush();
+  marker.Flush();
 }
 
 /// Compares a capture with the captures that were the first to show what it shows.
@@ -204,6 +205,28 @@ std::vector<bool> FindDisputedCaptures(const CaptureLayout& layout, const Disput
     }
   }
   return isDisputed;
+}
+
+cv::Mat FindDisputedCells(const CaptureLayout& layout, const DisputedCells& disputed,
+                          size_t capture) {
+  cv::Mat cells = cv::Mat::zeros(CellsOver(layout.CaptureSize()), CV_8U);
+  const cv::Rect inWindow({}, layout.CaptureSize());
+  const cv::Rect rect = layout.RectOf(capture);
+  const int lastRow = (rect.y + (rect.height - 1)) / CellSize;
+  const int lastColumn = (rect.x + (rect.width - 1)) / CellSize;
+  for (auto row = disputed.lower_bound(rect.y / CellSize);
+       row != disputed.end() && row->first <= lastRow; ++row) {
+    const std::vector<int>& columns = row->second;
+    for (auto column = std::lower_bound(columns.begin(), columns.end(), rect.x / CellSize);
+         column != columns.end() && *column <= lastColumn; ++column) {
+      const cv::Point corner = cv::Point(*column, row->first) * CellSize - rect.tl();
+      const cv::Rect pixels = cv::Rect(corner, cv::Size(CellSize, CellSize)) & inWindow;
+      const cv::Point first = {pixels.x / CellSize, pixels.y / CellSize};
+      const cv::Point last = (pixels.br() - cv::Point(1, 1)) / CellSize;
+      cells(cv::Rect(first, last + cv::Point(1, 1))) = 1;
+    }
+  }
+  return cells;
 }
 
 }  // namespace ScrollingCapture

@@ -32,4 +32,8 @@ Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout
 /// For each capture whether it shows something of a disputed cell.
 std::vector<bool> FindDisputedCaptures(const CaptureLayout& layout, const DisputedCells& disputed);
 
+/// The cells of a capture's window (CV_8U) that reach into disputed ones; not 0.
+cv::Mat FindDisputedCells(const CaptureLayout& layout, const DisputedCells& disputed,
+                          size_t capture);
+
 }  // namespace ScrollingCapture

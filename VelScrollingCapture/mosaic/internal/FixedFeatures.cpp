@@ -3,6 +3,7 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include <VelScrollingCapture/mosaic/internal/CellMarks.h>
 #include <VelScrollingCapture/mosaic/internal/Cells.h>
 #include <VelScrollingCapture/mosaic/internal/FixedFeatures.h>
 #include <VelScrollingCapture/mosaic/internal/PixelComparison.h>
@@ -16,24 +17,44 @@ constexpr int Reach = 4;
 /// Cells between parts of one feature, at most twice this.
 constexpr int Closeness = 2;
 
-/// Marks the cells with pixels that differ from those `step` pixels away.
-void MarkChanges(const cv::Mat& pixels, const cv::Point& step, cv::Mat& cells) {
-  if (pixels.rows <= step.y || pixels.cols <= step.x) {
+/// Marks the cells of some rows of pixels that have pixels which differ from those `step` pixels
+/// away.
+void MarkChanges(const cv::Mat& pixels, const cv::Range& rows, const cv::Point& step,
+                 cv::Mat& cells) {
+  if (pixels.cols <= step.x) {
     return;
   }
   std::vector<std::uint8_t> differs(static_cast<size_t>(pixels.cols - step.x));
-  for (int row = 0; row < pixels.rows - step.y; ++row) {
+  for (int row = std::max(rows.start, 0); row < std::min(rows.end, pixels.rows - step.y); ++row) {
     if (!MarkDifferences(pixels.ptr(row), pixels.ptr(row + step.y, step.x), differs.size(),
                          pixels.elemSize(), differs.data())) {
       continue;
     }
-    std::uint8_t* const near = cells.ptr(row / CellSize);
-    std::uint8_t* const far = cells.ptr((row + step.y) / CellSize);
-    for (size_t column = 0; column < differs.size(); ++column) {
-      near[column / CellSize] |= differs[column];
-      far[(column + static_cast<size_t>(step.x)) / CellSize] |= differs[column];
+    const auto mark = [&](int markedRow, int column) {
+      std::uint8_t* const marks = cells.ptr(markedRow / CellSize);
+      ForEachCell(column, differs.size(), [&](int cell, size_t first, size_t count) {
+        const bool isMarked = LoadMarks(differs.data() + first, count) != 0;
+        marks[cell] |= static_cast<std::uint8_t>(isMarked);
+      });
+    };
+    mark(row, 0);
+    mark(row + step.y, step.x);
+  }
+}
+
+/// Marks the covered cells with pixels that differ from those `step` pixels away.
+cv::Mat FeaturedCells(const cv::Mat& pixels, const cv::Mat& covered,
+                      const std::vector<cv::Point>& steps) {
+  cv::Mat featured = cv::Mat::zeros(covered.size(), CV_8U);
+  for (int row = 0; row < covered.rows; ++row) {
+    if (cv::countNonZero(covered.row(row)) > 0) {
+      for (const cv::Point& step : steps) {
+        MarkChanges(pixels, {row * CellSize - step.y, (row + 1) * CellSize}, step, featured);
+      }
     }
   }
+  featured.setTo(0, covered == 0);
+  return featured;
 }
 
 std::uint8_t SideOf(double row, double column, const cv::Size& cells) {
@@ -47,15 +68,14 @@ std::uint8_t SideOf(double row, double column, const cv::Size& cells) {
 cv::Mat FindFixedFeatures(const cv::Mat& pixels, const cv::Mat& covered, bool vertically,
                           bool sideways) {
   const cv::Size cells = covered.size();
-  cv::Mat featured = cv::Mat::zeros(cells, CV_8U);
+  std::vector<cv::Point> steps;
   if (vertically) {
-    MarkChanges(pixels, {0, Reach}, featured);
+    steps.emplace_back(0, Reach);
   }
   if (sideways) {
-    MarkChanges(pixels, {Reach, 0}, featured);
+    steps.emplace_back(Reach, 0);
   }
-  featured.setTo(0, covered == 0);
-
+  const cv::Mat featured = FeaturedCells(pixels, covered, steps);
   constexpr int Wide = 2 * Closeness + 1;
   cv::Mat joined;
   cv::dilate(featured, joined, cv::Mat::ones(Wide, Wide, CV_8U));

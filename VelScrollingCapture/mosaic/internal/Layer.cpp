@@ -33,8 +33,8 @@ Layer::Layer(const CaptureSource& source, const std::vector<Place>& places, cons
   Agreement agreement = FindAgreement(source, layout, threads, progress.Part(0, AgreementFound));
   areas = std::move(agreement.firstShown);
   if (!agreement.disputed.empty()) {
-    const Suspicion suspicion(source, layout, FindDisputedCaptures(layout, agreement.disputed),
-                              threads, progress.Part(AgreementFound, SuspicionFound));
+    const Suspicion suspicion(source, layout, agreement.disputed, threads,
+                              progress.Part(AgreementFound, SuspicionFound));
     runs = SelectCaptures(source, layout, agreement.disputed, suspicion, threads,
                           progress.Part(SuspicionFound, 1));
   }

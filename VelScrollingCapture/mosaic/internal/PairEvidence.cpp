@@ -1,3 +1,4 @@
+#include <VelScrollingCapture/mosaic/internal/CellMarks.h>
 #include <VelScrollingCapture/mosaic/internal/Cells.h>
 #include <VelScrollingCapture/mosaic/internal/PairEvidence.h>
 #include <VelScrollingCapture/mosaic/internal/PixelComparison.h>
@@ -5,10 +6,10 @@
 namespace ScrollingCapture {
 namespace {
 
-class EvidenceGatherer {
+class PairComparison {
  public:
-  EvidenceGatherer(const cv::Mat& first, const cv::Mat& second, const cv::Rect& overlap,
-                   const cv::Point& shift, const cv::Mat& firstKinds, const cv::Mat& secondKinds)
+  PairComparison(const cv::Mat& first, const cv::Mat& second, const cv::Rect& overlap,
+                 const cv::Point& shift, const cv::Mat& firstKinds, const cv::Mat& secondKinds)
       : first(first),
         second(second),
         overlap(overlap),
@@ -65,29 +66,38 @@ class EvidenceGatherer {
 
   void AddAgreement(const std::vector<std::uint8_t>& moves, int column, std::uint8_t* moved,
                     std::uint8_t* plain) const {
-    for (size_t i = 0; i < moves.size(); ++i) {
-      const int cell = (column + static_cast<int>(i)) / CellSize;
-      if (contradicts[i] == 0) {
-        ++(moves[i] != 0 ? moved : plain)[cell];
+    ForEachCell(column, moves.size(), [&](int cell, size_t first, size_t count) {
+      const CellMarks contradicting = LoadMarks(contradicts.data() + first, count);
+      const CellMarks moving = LoadMarks(moves.data() + first, count);
+      const int agreeing = static_cast<int>(count) - CountMarks(contradicting);
+      const int agreeingMoved = CountMarks(moving & ~contradicting);
+      moved[cell] = static_cast<std::uint8_t>(moved[cell] + agreeingMoved);
+      plain[cell] = static_cast<std::uint8_t>(plain[cell] + agreeing - agreeingMoved);
+    });
+  }
+
+  void AddContradictions(const std::uint8_t* firstKind, const std::uint8_t* secondKind) {
+    ForEachCell(overlap.x, contradicts.size(), [&](int cell, size_t first, size_t count) {
+      if (LoadMarks(contradicts.data() + first, count) != 0) {
+        AddContradictionsOfCell(cell, first, count, firstKind, secondKind);
       }
-    }
+    });
   }
 
   /// A cell of the first capture meets two of the second in a row at most.
-  void AddContradictions(const std::uint8_t* firstKind, const std::uint8_t* secondKind) {
-    const int offset = CellOffset();
-    for (size_t i = 0; i < contradicts.size(); ++i) {
+  void AddContradictionsOfCell(int firstCell, size_t begin, size_t count,
+                               const std::uint8_t* firstKind, const std::uint8_t* secondKind) {
+    const int firstSlot = 2 * firstCell - firstCell - CellOffset();
+    for (size_t i = begin; i < begin + count; ++i) {
       if (contradicts[i] == 0) {
         continue;
       }
       const int column = overlap.x + static_cast<int>(i);
-      const int firstCell = column / CellSize;
-      const int secondCell = (column + shift.x) / CellSize;
-      const int slot = 2 * firstCell + (secondCell - firstCell - offset);
+      const int slot = firstSlot + (column + shift.x) / CellSize;
       const int kind = firstKind[i] + PixelKindCount * secondKind[i];
       ++open[static_cast<size_t>(slot)][static_cast<size_t>(kind)];
-      anyOpen = true;
     }
+    anyOpen = true;
   }
 
   /// The least distance, in cells, from a column's cell in the first capture to that in the second.
@@ -136,8 +146,8 @@ PairEvidence GatherEvidence(const CaptureSource& source, const CaptureLayout& la
   const auto second = source.Get(pair.second);
   const cv::Point corner = layout.CornerOf(pair.first);
   const cv::Rect overlap = (layout.RectOf(pair.first) & layout.RectOf(pair.second)) - corner;
-  return EvidenceGatherer(*first, *second, overlap, corner - layout.CornerOf(pair.second),
-                          firstKinds, secondKinds)
+  return PairComparison(*first, *second, overlap, corner - layout.CornerOf(pair.second), firstKinds,
+                        secondKinds)
       .Gather();
 }
 

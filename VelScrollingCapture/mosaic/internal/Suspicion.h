@@ -6,6 +6,7 @@
 
 #include <opencv2/core.hpp>
 
+#include <VelScrollingCapture/mosaic/internal/Agreement.h>
 #include <VelScrollingCapture/mosaic/internal/AnalysisProgress.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
@@ -17,9 +18,8 @@ namespace ScrollingCapture {
 /// what it then looks like; a byte a cell.
 class Suspicion {
  public:
-  Suspicion(const CaptureSource& source, const CaptureLayout& layout,
-            const std::vector<bool>& isDisputed, unsigned threadCount,
-            const AnalysisProgress& progress);
+  Suspicion(const CaptureSource& source, const CaptureLayout& layout, const DisputedCells& disputed,
+            unsigned threadCount, const AnalysisProgress& progress);
 
   /// From 0 (content) to 1 (covered), for a pixel of a capture's window.
   float Of(size_t capture, const cv::Point& pixel) const {

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include <opencv2/core.hpp>
+
+#include <VelScrollingCapture/mosaic/internal/Agreement.h>
+#include <VelScrollingCapture/mosaic/internal/Blame.h>
+#include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
+#include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
+#include <VelScrollingCapture/mosaic/internal/PairEvidence.h>
+
+namespace ScrollingCapture {
+
+/// Captures that are judged together, in time order.
+struct Stretch {
+  size_t begin;
+  size_t end;
+
+  size_t Count() const { return end - begin; }
+};
+
+/// Gathers what one stretch of captures after the other has to say. What two stretches have in
+/// common is looked at once.
+class EvidenceGatherer {
+ public:
+  EvidenceGatherer(const CaptureSource& source, const CaptureLayout& layout,
+                   const DisputedCells& disputed, unsigned threadCount)
+      : source(source), layout(layout), disputed(disputed), threadCount(threadCount) {}
+
+  /// @param stretch begins and ends behind those before it
+  const SequenceEvidence& Gather(const Stretch& stretch);
+
+ private:
+  void MoveTo(const Stretch& next);
+  void FindStanding(size_t i);
+  void CompareGroup(size_t begin, size_t end);
+  std::vector<size_t> UnknownPairs(size_t begin, size_t end) const;
+  void LookAt(size_t i);
+  void Compare(size_t i);
+
+  const CaptureSource& source;
+  const CaptureLayout& layout;
+  const DisputedCells& disputed;
+  const unsigned threadCount;
+  Stretch stretch = {0, 0};
+  SequenceEvidence evidence;
+  std::vector<cv::Mat> kinds;  ///< of the captures at work; empty for others
+};
+
+}  // namespace ScrollingCapture
