@@ -85,10 +85,16 @@ bool MarkDifferences(const std::uint8_t* first, const std::uint8_t* second, size
   return true;
 }
 
-std::uint32_t PixelValue(const std::uint8_t* pixel, size_t pixelBytes) {
-  std::uint32_t value = 0;
-  std::memcpy(&value, pixel, pixelBytes);
-  return value;
+void ReadPixelValues(const std::uint8_t* pixels, size_t count, size_t pixelBytes,
+                     std::uint32_t* values) {
+  if (pixelBytes == sizeof *values) {
+    std::memcpy(values, pixels, count * sizeof *values);
+    return;
+  }
+  for (size_t i = 0; i < count; ++i) {
+    values[i] = 0;
+    std::memcpy(&values[i], pixels + pixelBytes * i, pixelBytes);
+  }
 }
 
 }  // namespace ScrollingCapture

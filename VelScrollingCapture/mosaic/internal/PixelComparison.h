@@ -11,7 +11,9 @@ namespace ScrollingCapture {
 bool MarkDifferences(const std::uint8_t* first, const std::uint8_t* second, size_t count,
                      size_t pixelBytes, std::uint8_t* differs);
 
-/// The bytes of a pixel as a number, equal for equal pixels only.
-std::uint32_t PixelValue(const std::uint8_t* pixel, size_t pixelBytes);
+/// The bytes of each pixel as a number, equal for equal pixels only.
+/// @param pixelBytes bytes of a pixel, 1 to 4
+void ReadPixelValues(const std::uint8_t* pixels, size_t count, size_t pixelBytes,
+                     std::uint32_t* values);
 
 }  // namespace ScrollingCapture

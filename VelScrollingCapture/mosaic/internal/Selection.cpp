@@ -60,7 +60,7 @@ class Selector {
         }
       }
     }
-    AddRuns(settled);
+    AddRuns(std::move(settled));
   }
 
   std::vector<Strip> CopyStrips(const cv::Rect& band) const {
@@ -89,8 +89,8 @@ class Selector {
     return decisions;
   }
 
-  void AddRuns(const std::vector<CellOwners>& cells) {
-    const std::vector<Run> more = RunsOf(cells, layout);
+  void AddRuns(std::vector<CellOwners> cells) {
+    const std::vector<Run> more = RunsOf(std::move(cells), layout);
     runs.insert(runs.end(), more.begin(), more.end());
   }
 
