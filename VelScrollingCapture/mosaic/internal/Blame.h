@@ -9,6 +9,9 @@
 
 namespace ScrollingCapture {
 
+/// How far away, in cells, evidence counts for a cell.
+inline constexpr int EvidenceReach = 8;
+
 /// What a stretch of captures has to say, in time order.
 struct SequenceEvidence {
   std::vector<CapturePair> pairs;   ///< counted from the first capture of the stretch

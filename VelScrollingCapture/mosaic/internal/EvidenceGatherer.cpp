@@ -39,12 +39,14 @@ std::vector<size_t> LaterPartners(const CaptureLayout& layout, size_t capture, s
   return chosen;
 }
 
-/// Which cells show the same in both captures.
-cv::Mat StandingCells(const cv::Mat& first, const cv::Mat& second) {
+/// Which cells show the same in both captures. Cells in rows that are not wanted are said to.
+cv::Mat StandingCells(const cv::Mat& first, const cv::Mat& second,
+                      const std::vector<bool>& wantedRows) {
   cv::Mat different = cv::Mat::zeros(CellsOver(first.size()), CV_8U);
   std::vector<std::uint8_t> differs(static_cast<size_t>(first.cols));
   for (int row = 0; row < first.rows; ++row) {
-    if (!MarkDifferences(first.ptr(row), second.ptr(row), differs.size(), first.elemSize(),
+    if (!wantedRows[static_cast<size_t>(row / CellSize)] ||
+        !MarkDifferences(first.ptr(row), second.ptr(row), differs.size(), first.elemSize(),
                          differs.data())) {
       continue;
     }
@@ -60,8 +62,9 @@ cv::Mat StandingCells(const cv::Mat& first, const cv::Mat& second) {
 
 }  // namespace
 
-const SequenceEvidence& EvidenceGatherer::Gather(const Stretch& next) {
+const SequenceEvidence& EvidenceGatherer::Gather(const Stretch& next, size_t nextEnd) {
   MoveTo(next);
+  FindWantedRows(nextEnd);
   ParallelFor(next.Count(), threadCount, [&](size_t i) { FindStanding(i); });
   kinds.assign(next.Count(), cv::Mat());
   for (size_t begin = 0; begin < next.Count(); begin += GroupLength) {
@@ -93,13 +96,30 @@ void EvidenceGatherer::MoveTo(const Stretch& next) {
   stretch = next;
 }
 
+/// Evidence is wanted where it counts for cells near disputed ones. The next stretch takes over
+/// what it has in common with this one, so that what is disputed there counts as well.
+void EvidenceGatherer::FindWantedRows(size_t nextEnd) {
+  constexpr int Reach = 2 * EvidenceReach;
+  const int rows = CellsOver(layout.CaptureSize().height);
+  wantedRows.assign(static_cast<size_t>(rows), false);
+  for (size_t capture = stretch.begin; capture < nextEnd; ++capture) {
+    const cv::Mat cells = FindDisputedCells(layout, disputed, capture);
+    for (int row = 0; row < rows; ++row) {
+      if (cv::countNonZero(cells.row(row)) > 0) {
+        std::fill(wantedRows.begin() + std::max(row - Reach, 0),
+                  wantedRows.begin() + std::min(row + Reach + 1, rows), true);
+      }
+    }
+  }
+}
+
 void EvidenceGatherer::FindStanding(size_t i) {
   cv::Mat& standing = evidence.standsWithNext[i];
   if (i + 1 == stretch.Count()) {
     standing = cv::Mat::zeros(CellsOver(layout.CaptureSize()), CV_8U);
   } else if (standing.empty()) {
     const size_t capture = stretch.begin + i;
-    standing = StandingCells(*source.Get(capture), *source.Get(capture + 1));
+    standing = StandingCells(*source.Get(capture), *source.Get(capture + 1), wantedRows);
   }
 }
 
@@ -143,7 +163,7 @@ void EvidenceGatherer::Compare(size_t i) {
   const CapturePair& pair = evidence.pairs[i];
   evidence.found[i] =
       GatherEvidence(source, layout, {stretch.begin + pair.first, stretch.begin + pair.second},
-                     kinds[pair.first], kinds[pair.second]);
+                     kinds[pair.first], kinds[pair.second], wantedRows);
 }
 
 }  // namespace ScrollingCapture

@@ -29,11 +29,13 @@ class EvidenceGatherer {
                    const DisputedCells& disputed, unsigned threadCount)
       : source(source), layout(layout), disputed(disputed), threadCount(threadCount) {}
 
-  /// @param stretch begins and ends behind those before it
-  const SequenceEvidence& Gather(const Stretch& stretch);
+  /// @param next    begins and ends behind the stretches before it
+  /// @param nextEnd where the one after it ends
+  const SequenceEvidence& Gather(const Stretch& next, size_t nextEnd);
 
  private:
   void MoveTo(const Stretch& next);
+  void FindWantedRows(size_t nextEnd);
   void FindStanding(size_t i);
   void CompareGroup(size_t begin, size_t end);
   std::vector<size_t> UnknownPairs(size_t begin, size_t end) const;
@@ -46,7 +48,8 @@ class EvidenceGatherer {
   const unsigned threadCount;
   Stretch stretch = {0, 0};
   SequenceEvidence evidence;
-  std::vector<cv::Mat> kinds;  ///< of the captures at work; empty for others
+  std::vector<bool> wantedRows;  ///< of cells, of which there is evidence
+  std::vector<cv::Mat> kinds;    ///< of the captures at work; empty for others
 };
 
 }  // namespace ScrollingCapture

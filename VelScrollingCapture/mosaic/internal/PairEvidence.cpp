@@ -9,13 +9,15 @@ namespace {
 class PairComparison {
  public:
   PairComparison(const cv::Mat& first, const cv::Mat& second, const cv::Rect& overlap,
-                 const cv::Point& shift, const cv::Mat& firstKinds, const cv::Mat& secondKinds)
+                 const cv::Point& shift, const cv::Mat& firstKinds, const cv::Mat& secondKinds,
+                 const std::vector<bool>& wantedRows)
       : first(first),
         second(second),
         overlap(overlap),
         shift(shift),
         firstKinds(firstKinds),
         secondKinds(secondKinds),
+        wantedRows(wantedRows),
         cells(CellsOver(first.size())),
         open(2 * static_cast<size_t>(cells.width)) {
     for (std::vector<std::uint8_t>* marks : {&contradicts, &firstMoves, &secondMoves}) {
@@ -35,7 +37,9 @@ class PairComparison {
       }
       firstCellRow = row / CellSize;
       secondCellRow = secondRow / CellSize;
-      AddRow(row, secondRow);
+      if (IsWanted(firstCellRow) || IsWanted(secondCellRow)) {
+        AddRow(row, secondRow);
+      }
     }
     CloseCells();
     evidence.contradictions.shrink_to_fit();
@@ -43,6 +47,8 @@ class PairComparison {
   }
 
  private:
+  bool IsWanted(int cellRow) const { return wantedRows[static_cast<size_t>(cellRow)]; }
+
   void AddRow(int row, int secondRow) {
     const size_t bytes = first.elemSize();
     const size_t count = contradicts.size();
@@ -128,6 +134,7 @@ class PairComparison {
   const cv::Point shift;   ///< from a pixel of the first capture to the same content in the second
   const cv::Mat& firstKinds;
   const cv::Mat& secondKinds;
+  const std::vector<bool>& wantedRows;
   const cv::Size cells;
   std::vector<Counts> open;  ///< of the rows of cells at work
   bool anyOpen = false;
@@ -141,13 +148,13 @@ class PairComparison {
 
 PairEvidence GatherEvidence(const CaptureSource& source, const CaptureLayout& layout,
                             const CapturePair& pair, const cv::Mat& firstKinds,
-                            const cv::Mat& secondKinds) {
+                            const cv::Mat& secondKinds, const std::vector<bool>& wantedRows) {
   const auto first = source.Get(pair.first);
   const auto second = source.Get(pair.second);
   const cv::Point corner = layout.CornerOf(pair.first);
   const cv::Rect overlap = (layout.RectOf(pair.first) & layout.RectOf(pair.second)) - corner;
   return PairComparison(*first, *second, overlap, corner - layout.CornerOf(pair.second), firstKinds,
-                        secondKinds)
+                        secondKinds, wantedRows)
       .Gather();
 }
 

@@ -59,7 +59,8 @@ Suspicion::Suspicion(const CaptureSource& source, const CaptureLayout& layout,
     }
     const Stretch stretch = {begin - std::min(begin, StretchMargin),
                              std::min(end + StretchMargin, maps.size())};
-    const auto found = FindBlame(evidence.Gather(stretch), cells, threadCount);
+    const size_t nextEnd = std::min(stretch.end + StretchLength, maps.size());
+    const auto found = FindBlame(evidence.Gather(stretch, nextEnd), cells, threadCount);
     ParallelFor(end - begin, threadCount, [&](size_t i) {
       maps[begin + i] = Pack(*source.Get(begin + i), found[begin + i - stretch.begin], layout);
     });
