@@ -31,6 +31,9 @@ struct Value {
   float leastSuspicion = 1;
 };
 
+/// How well a covered part stands for what it covers, best first.
+enum CoveredRank { BelongsHere, IsPlain, BelongsElsewhere };
+
 /// Pixels of a cell, a bit each, row by row.
 using PixelSet = std::uint64_t;
 
@@ -179,7 +182,7 @@ class CellJudge {
     }
     const PixelSet disputed = pixels & ~undisputed;
     if (uncovered.empty()) {
-      witnesses[BestCovered().witness].right |= disputed;
+      TakeCovered(disputed);
     } else if (uncovered.size() == 1) {
       witnesses[uncovered.front().witness].right |= disputed;
     } else {
@@ -272,12 +275,41 @@ class CellJudge {
     }
   }
 
+  /// Settles pixels that all captures show covered. Where each shows something that belongs
+  /// elsewhere, a panel's background between the letters is better than what lies on it.
+  void TakeCovered(PixelSet pixels) {
+    const Vote& best = BestCovered();
+    if (RankOf(best) == BelongsElsewhere) {
+      pixels = TakeBackgrounds(pixels);
+    }
+    witnesses[best.witness].right |= pixels;
+  }
+
+  /// Takes pixels that show the background of a panel.
+  /// @return the others
+  PixelSet TakeBackgrounds(PixelSet pixels) {
+    for (const Vote& vote : votes) {
+      Witness& witness = witnesses[vote.witness];
+      if (suspicion.IsOnPanel(witness.strip->capture, vote.place)) {
+        const auto background =
+            PrevailingValue(witness.values.data(), witness.values.data() + CellPixels);
+        ForEachPixel(pixels, [&](size_t pixel) {
+          if (witness.values[pixel] == background) {
+            witness.right |= SetOf(pixel);
+            pixels &= ~SetOf(pixel);
+          }
+        });
+      }
+    }
+    return pixels;
+  }
+
   /// Of captures that all are covered, the one whose fixed parts belong here; else one that shows
   /// plain background; else the one nearest to where they belong.
   const Vote& BestCovered() const {
     return *std::min_element(votes.begin(), votes.end(), [&](const Vote& left, const Vote& right) {
-      const int leftRank = RankOf(left);
-      const int rightRank = RankOf(right);
+      const CoveredRank leftRank = RankOf(left);
+      const CoveredRank rightRank = RankOf(right);
       return leftRank != rightRank ? leftRank < rightRank : Distance(left) < Distance(right);
     });
   }
@@ -286,11 +318,11 @@ class CellJudge {
     return suspicion.FeaturesOf(witnesses[vote.witness].strip->capture, vote.place);
   }
 
-  int RankOf(const Vote& vote) const {
+  CoveredRank RankOf(const Vote& vote) const {
     if (Distance(vote) == 0) {
-      return 0;
+      return BelongsHere;
     }
-    return (FeaturesOf(vote) & Featured) == 0 ? 1 : 2;
+    return (FeaturesOf(vote) & Featured) == 0 ? IsPlain : BelongsElsewhere;
   }
 
   /// How far the capture lies from the one in which its fixed parts belong: the first or the last

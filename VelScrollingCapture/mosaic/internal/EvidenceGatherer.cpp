@@ -57,7 +57,8 @@ cv::Mat StandingCells(const cv::Mat& first, const cv::Mat& second,
     });
   }
   constexpr int MostDifferent = CellSize * CellSize * (8 - StandingEighths) / 8;
-  return different <= MostDifferent;
+  const cv::Mat standing = (different <= MostDifferent) & StandsMostly;
+  return standing | ((different == 0) & StandsExactly);
 }
 
 }  // namespace

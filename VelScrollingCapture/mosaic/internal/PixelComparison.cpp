@@ -97,4 +97,16 @@ void ReadPixelValues(const std::uint8_t* pixels, size_t count, size_t pixelBytes
   }
 }
 
+/// By the vote of R. S. Boyer and J S. Moore, "MJRTY - A Fast Majority Vote Algorithm" (1981).
+std::optional<std::uint32_t> PrevailingValue(const std::uint32_t* begin, const std::uint32_t* end) {
+  std::uint32_t candidate = 0;
+  std::ptrdiff_t lead = 0;
+  for (const std::uint32_t* value = begin; value != end; ++value) {
+    candidate = lead == 0 ? *value : candidate;
+    lead += *value == candidate ? 1 : -1;
+  }
+  const bool prevails = 2 * std::count(begin, end, candidate) > end - begin;
+  return prevails ? std::optional(candidate) : std::nullopt;
+}
+
 }  // namespace ScrollingCapture

@@ -5,6 +5,7 @@
 #include <VelScrollingCapture/mosaic/internal/Blame.h>
 #include <VelScrollingCapture/mosaic/internal/EvidenceGatherer.h>
 #include <VelScrollingCapture/mosaic/internal/FixedFeatures.h>
+#include <VelScrollingCapture/mosaic/internal/Panels.h>
 #include <VelScrollingCapture/mosaic/internal/ParallelFor.h>
 #include <VelScrollingCapture/mosaic/internal/Suspicion.h>
 
@@ -50,6 +51,7 @@ Suspicion::Suspicion(const CaptureSource& source, const CaptureLayout& layout,
     : maps(layout.Count()) {
   const std::vector<bool> isDisputed = FindDisputedCaptures(layout, disputed);
   const cv::Size cells = CellsOver(layout.CaptureSize());
+  const cv::Size reach = layout.PictureSize() - layout.CaptureSize();
   EvidenceGatherer evidence(source, layout, disputed, threadCount);
   for (size_t begin = 0; begin < maps.size(); begin += StretchLength) {
     progress.Report(static_cast<double>(begin) / static_cast<double>(maps.size()));
@@ -60,24 +62,31 @@ Suspicion::Suspicion(const CaptureSource& source, const CaptureLayout& layout,
     const Stretch stretch = {begin - std::min(begin, StretchMargin),
                              std::min(end + StretchMargin, maps.size())};
     const size_t nextEnd = std::min(stretch.end + StretchLength, maps.size());
-    const auto found = FindBlame(evidence.Gather(stretch, nextEnd), cells, threadCount);
+    const SequenceEvidence& gathered = evidence.Gather(stretch, nextEnd);
+    auto found = FindBlame(gathered, cells, threadCount);
+    const cv::Mat panels =
+        FindPanels(gathered, *source.Get(stretch.begin), cells, reach.height > 0, reach.width > 0);
     ParallelFor(end - begin, threadCount, [&](size_t i) {
-      maps[begin + i] = Pack(*source.Get(begin + i), found[begin + i - stretch.begin], layout);
+      maps[begin + i] =
+          Pack(*source.Get(begin + i), found[begin + i - stretch.begin], panels, layout);
     });
   }
 }
 
-cv::Mat Suspicion::Pack(const cv::Mat& pixels, const cv::Mat& suspicion,
+cv::Mat Suspicion::Pack(const cv::Mat& pixels, const cv::Mat& suspicion, const cv::Mat& panels,
                         const CaptureLayout& layout) const {
   const cv::Size reach = layout.PictureSize() - layout.CaptureSize();
   const cv::Mat features =
-      FindFixedFeatures(pixels, suspicion >= Covered, reach.height > 0, reach.width > 0);
+      FindFixedFeatures(pixels, (suspicion >= Covered) | panels, reach.height > 0, reach.width > 0);
   cv::Mat shadowed = suspicion.clone();
   SuspectShadows(shadowed);
   cv::Mat packed;
   shadowed.convertTo(packed, CV_8U, MostSuspect);
+  cv::min(packed, MostSuspect - 1, packed);
+  packed.setTo(MostSuspect - 1, panels);
+  packed.setTo(MostSuspect, panels & ((features & OnBackground) != 0));
   packed *= 1 << FeatureBitCount;
-  packed += features;
+  packed += features & FeatureMask;
   return packed;
 }
 

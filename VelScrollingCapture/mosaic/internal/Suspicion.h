@@ -26,21 +26,28 @@ class Suspicion {
     return static_cast<float>(ByteOf(capture, pixel) >> FeatureBitCount) / MostSuspect;
   }
 
-  /// FeatureBits of the cell of a pixel.
+  /// Whether the cell of a pixel shows the background of a panel, and maybe something on it.
+  bool IsOnPanel(size_t capture, const cv::Point& pixel) const {
+    return ByteOf(capture, pixel) >> FeatureBitCount == MostSuspect;
+  }
+
+  /// FeatureBits of the cell of a pixel, apart from OnBackground.
   int FeaturesOf(size_t capture, const cv::Point& pixel) const {
-    return ByteOf(capture, pixel) & ((1 << FeatureBitCount) - 1);
+    return ByteOf(capture, pixel) & FeatureMask;
   }
 
  private:
   static constexpr int FeatureBitCount = 3;
-  static constexpr int MostSuspect = 255 >> FeatureBitCount;
+  static constexpr int FeatureMask = (1 << FeatureBitCount) - 1;
+  static constexpr int MostSuspect = 255 >> FeatureBitCount;  ///< Only what is on a panel is so.
 
   int ByteOf(size_t capture, const cv::Point& pixel) const {
     const cv::Mat& map = maps[capture];
     return map.empty() ? 0 : map.at<std::uint8_t>(pixel.y / CellSize, pixel.x / CellSize);
   }
 
-  cv::Mat Pack(const cv::Mat& pixels, const cv::Mat& suspicion, const CaptureLayout& layout) const;
+  cv::Mat Pack(const cv::Mat& pixels, const cv::Mat& suspicion, const cv::Mat& panels,
+               const CaptureLayout& layout) const;
 
   std::vector<cv::Mat>
       maps;  ///< suspicion above the features (CV_8U); empty for captures that nobody contradicts
