@@ -181,7 +181,7 @@ class BlameSearch {
   static void AddAgreement(const cv::Mat& moved, const cv::Mat& plain, cv::Mat& sum) {
     const std::uint8_t* const movedPixels = moved.ptr();
     const std::uint8_t* const plainPixels = plain.ptr();
-    float* const sums = sum.ptr<float>();
+    auto* const sums = sum.ptr<float>();
     for (size_t i = 0; i < sum.total(); ++i) {
       sums[i] +=
           static_cast<float>(movedPixels[i]) + static_cast<float>(plainPixels[i]) * PlainAgreement;
@@ -312,7 +312,7 @@ class BlameSearch {
     ForEachRow(inReach, [&](int row, const cv::Range& columns) {
       against.Find(sum.against, row, columns);
       inFavour.Find(sum.inFavour, row, columns);
-      float* const places = ofOthers.ptr<float>(row, columns.start);
+      auto* const places = ofOthers.ptr<float>(row, columns.start);
       for (size_t i = 0; i < static_cast<size_t>(columns.size()); ++i) {
         places[i] = Refined(Prior, against.Within(0)[i], inFavour.Within(0)[i]);
       }
@@ -326,7 +326,7 @@ class BlameSearch {
     ForEachRow(contradicted[capture], [&](int row, const cv::Range& columns) {
       against.Find(ofCapture.against, row, columns);
       inFavour.Find(ofCapture.inFavour, row, columns);
-      float* const concluded = suspicion[capture].ptr<float>(row, columns.start);
+      auto* const concluded = suspicion[capture].ptr<float>(row, columns.start);
       const auto count = static_cast<size_t>(columns.size());
       std::fill_n(concluded, count, Prior);
       for (size_t radius = Radii.size(); radius-- > 0;) {

@@ -153,7 +153,7 @@ class CellJudge {
   }
 
   static size_t IndexOf(const cv::Point& inCell) {
-    return static_cast<size_t>(inCell.y * CellSize + inCell.x);
+    return static_cast<size_t>(inCell.y) * CellSize + static_cast<size_t>(inCell.x);
   }
 
   static PixelSet PixelsOf(const cv::Rect& part) {

@@ -83,9 +83,9 @@ class PairComparison {
   }
 
   void AddContradictions(const std::uint8_t* firstKind, const std::uint8_t* secondKind) {
-    ForEachCell(overlap.x, contradicts.size(), [&](int cell, size_t first, size_t count) {
-      if (LoadMarks(contradicts.data() + first, count) != 0) {
-        AddContradictionsOfCell(cell, first, count, firstKind, secondKind);
+    ForEachCell(overlap.x, contradicts.size(), [&](int firstCell, size_t begin, size_t count) {
+      if (LoadMarks(contradicts.data() + begin, count) != 0) {
+        AddContradictionsOfCell(firstCell, begin, count, firstKind, secondKind);
       }
     });
   }

@@ -51,7 +51,8 @@ class RegionSearch {
 
  private:
   Background& At(const cv::Point& cell) {
-    return backgrounds[static_cast<size_t>(cell.y * size.width + cell.x)];
+    return backgrounds[static_cast<size_t>(cell.y) * static_cast<size_t>(size.width) +
+                       static_cast<size_t>(cell.x)];
   }
 
   void Fill(const cv::Point& start, int region) {
