@@ -93,7 +93,7 @@ class PairComparison {
   /// A cell of the first capture meets two of the second in a row at most.
   void AddContradictionsOfCell(int firstCell, size_t begin, size_t count,
                                const std::uint8_t* firstKind, const std::uint8_t* secondKind) {
-    const int firstSlot = 2 * firstCell - firstCell - CellOffset();
+    const int firstSlot = firstCell - CellOffset();
     for (size_t i = begin; i < begin + count; ++i) {
       if (contradicts[i] == 0) {
         continue;
