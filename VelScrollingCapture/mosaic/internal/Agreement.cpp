@@ -7,7 +7,6 @@
 #include <VelScrollingCapture/mosaic/internal/Agreement.h>
 #include <VelScrollingCapture/mosaic/internal/CellMarks.h>
 #include <VelScrollingCapture/mosaic/internal/Cells.h>
-#include <VelScrollingCapture/mosaic/internal/ParallelFor.h>
 #include <VelScrollingCapture/mosaic/internal/PixelComparison.h>
 
 namespace ScrollingCapture {
@@ -172,8 +171,8 @@ std::vector<std::vector<cv::Rect>> LastShown(const CaptureLayout& layout) {
   return shown;
 }
 
-Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout,
-                        unsigned threadCount, const AnalysisProgress& progress) {
+Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout, Workers& workers,
+                        const AnalysisProgress& progress) {
   Agreement agreement;
   agreement.firstShown.reserve(layout.Count());
   for (size_t capture = 0; capture < layout.Count(); ++capture) {
@@ -183,7 +182,7 @@ Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout
   std::mutex lock;
   for (size_t begin = 0; begin < layout.Count(); begin += CapturesAtOnce) {
     progress.Report(static_cast<double>(begin) / static_cast<double>(layout.Count()));
-    ParallelFor(std::min(CapturesAtOnce, layout.Count() - begin), threadCount, [&](size_t i) {
+    workers.Do(std::min(CapturesAtOnce, layout.Count() - begin), [&](size_t i) {
       const DisputedCells disputed =
           CompareWithFirst(source, layout, agreement.firstShown, begin + i);
       const std::lock_guard<std::mutex> guard(lock);

@@ -6,7 +6,6 @@
 #include <opencv2/imgproc.hpp>
 
 #include <VelScrollingCapture/mosaic/internal/Blame.h>
-#include <VelScrollingCapture/mosaic/internal/ParallelFor.h>
 #include <VelScrollingCapture/mosaic/internal/SurroundingSums.h>
 
 namespace ScrollingCapture {
@@ -139,10 +138,10 @@ std::vector<std::vector<size_t>> GroupedPairs(const std::vector<CapturePair>& pa
 
 class BlameSearch {
  public:
-  BlameSearch(const SequenceEvidence& evidence, const cv::Size& cells, unsigned threadCount)
+  BlameSearch(const SequenceEvidence& evidence, const cv::Size& cells, Workers& workers)
       : evidence(evidence),
         cells(cells),
-        threadCount(threadCount),
+        workers(workers),
         agreement(evidence.standsWithNext.size()),
         weights(agreement.size()),
         suspicion(agreement.size()),
@@ -170,9 +169,9 @@ class BlameSearch {
         LookEverywhere();
       }
       WeighContradictions();
-      ParallelFor(inReach.size(), threadCount, [&](size_t area) { Share(inReach[area]); });
+      workers.Do(inReach.size(), [&](size_t area) { Share(inReach[area]); });
       FindSuspicionOfPlaces();
-      ParallelFor(weights.size(), threadCount, [&](size_t capture) { Conclude(capture); });
+      workers.Do(weights.size(), [&](size_t capture) { Conclude(capture); });
     }
     return std::move(suspicion);
   }
@@ -222,9 +221,9 @@ class BlameSearch {
   }
 
   void WeighContradictions() {
-    ParallelFor(weights.size(), threadCount, [&](size_t capture) { StartAfresh(capture); });
+    workers.Do(weights.size(), [&](size_t capture) { StartAfresh(capture); });
     for (const std::vector<size_t>& pairs : independentPairs) {
-      ParallelFor(pairs.size(), threadCount, [&](size_t i) {
+      workers.Do(pairs.size(), [&](size_t i) {
         for (const Contradiction& contradiction : evidence.found[pairs[i]].contradictions) {
           Weigh(evidence.pairs[pairs[i]], contradiction);
         }
@@ -343,7 +342,7 @@ class BlameSearch {
 
   const SequenceEvidence& evidence;
   const cv::Size cells;
-  const unsigned threadCount;
+  Workers& workers;
   std::vector<cv::Mat> agreement;
   std::vector<Weights> weights;
   std::vector<cv::Mat> suspicion;
@@ -358,8 +357,8 @@ class BlameSearch {
 }  // namespace
 
 std::vector<cv::Mat> FindBlame(const SequenceEvidence& evidence, const cv::Size& cells,
-                               unsigned threadCount) {
-  return BlameSearch(evidence, cells, threadCount).Find();
+                               Workers& workers) {
+  return BlameSearch(evidence, cells, workers).Find();
 }
 
 }  // namespace ScrollingCapture

@@ -7,6 +7,7 @@
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/mosaic/internal/PairEvidence.h>
+#include <VelScrollingCapture/mosaic/internal/Workers.h>
 
 namespace ScrollingCapture {
 
@@ -37,6 +38,6 @@ struct SequenceEvidence {
 /// everything below it, from content that only meets the toolbar now and then.
 /// @return for each capture a value a cell (CV_32F), from 0 (content) to 1 (covered)
 std::vector<cv::Mat> FindBlame(const SequenceEvidence& evidence, const cv::Size& cells,
-                               unsigned threadCount);
+                               Workers& workers);
 
 }  // namespace ScrollingCapture

@@ -8,7 +8,6 @@
 #include <VelScrollingCapture/mosaic/internal/CellMarks.h>
 #include <VelScrollingCapture/mosaic/internal/Cells.h>
 #include <VelScrollingCapture/mosaic/internal/EvidenceGatherer.h>
-#include <VelScrollingCapture/mosaic/internal/ParallelFor.h>
 #include <VelScrollingCapture/mosaic/internal/PixelComparison.h>
 #include <VelScrollingCapture/mosaic/internal/PixelKinds.h>
 
@@ -66,7 +65,7 @@ cv::Mat StandingCells(const cv::Mat& first, const cv::Mat& second,
 const SequenceEvidence& EvidenceGatherer::Gather(const Stretch& next, size_t nextEnd) {
   MoveTo(next);
   FindWantedRows(nextEnd);
-  ParallelFor(next.Count(), threadCount, [&](size_t i) { FindStanding(i); });
+  workers.Do(next.Count(), [&](size_t i) { FindStanding(i); });
   kinds.assign(next.Count(), cv::Mat());
   for (size_t begin = 0; begin < next.Count(); begin += GroupLength) {
     CompareGroup(begin, std::min(begin + GroupLength, next.Count()));
@@ -134,8 +133,8 @@ void EvidenceGatherer::CompareGroup(size_t begin, size_t end) {
   }
   std::sort(captures.begin(), captures.end());
   captures.erase(std::unique(captures.begin(), captures.end()), captures.end());
-  ParallelFor(captures.size(), threadCount, [&](size_t i) { LookAt(captures[i]); });
-  ParallelFor(pairs.size(), threadCount, [&](size_t i) { Compare(pairs[i]); });
+  workers.Do(captures.size(), [&](size_t i) { LookAt(captures[i]); });
+  workers.Do(pairs.size(), [&](size_t i) { Compare(pairs[i]); });
   std::fill(kinds.begin() + static_cast<std::ptrdiff_t>(begin),
             kinds.begin() + static_cast<std::ptrdiff_t>(end), cv::Mat());
 }

@@ -10,6 +10,7 @@
 #include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
 #include <VelScrollingCapture/mosaic/internal/PairEvidence.h>
+#include <VelScrollingCapture/mosaic/internal/Workers.h>
 
 namespace ScrollingCapture {
 
@@ -26,8 +27,8 @@ struct Stretch {
 class EvidenceGatherer {
  public:
   EvidenceGatherer(const CaptureSource& source, const CaptureLayout& layout,
-                   const DisputedCells& disputed, unsigned threadCount)
-      : source(source), layout(layout), disputed(disputed), threadCount(threadCount) {}
+                   const DisputedCells& disputed, Workers& workers)
+      : source(source), layout(layout), disputed(disputed), workers(workers) {}
 
   /// @param next    begins and ends behind the stretches before it
   /// @param nextEnd where the one after it ends
@@ -45,7 +46,7 @@ class EvidenceGatherer {
   const CaptureSource& source;
   const CaptureLayout& layout;
   const DisputedCells& disputed;
-  const unsigned threadCount;
+  Workers& workers;
   Stretch stretch = {0, 0};
   SequenceEvidence evidence;
   std::vector<bool> wantedRows;  ///< of cells, of which there is evidence

@@ -6,7 +6,6 @@
 #include <VelScrollingCapture/mosaic/internal/EvidenceGatherer.h>
 #include <VelScrollingCapture/mosaic/internal/FixedFeatures.h>
 #include <VelScrollingCapture/mosaic/internal/Panels.h>
-#include <VelScrollingCapture/mosaic/internal/ParallelFor.h>
 #include <VelScrollingCapture/mosaic/internal/Suspicion.h>
 
 namespace ScrollingCapture {
@@ -46,13 +45,13 @@ bool AnyOf(const std::vector<bool>& flags, size_t begin, size_t end) {
 }  // namespace
 
 Suspicion::Suspicion(const CaptureSource& source, const CaptureLayout& layout,
-                     const DisputedCells& disputed, unsigned threadCount,
+                     const DisputedCells& disputed, Workers& workers,
                      const AnalysisProgress& progress)
     : maps(layout.Count()) {
   const std::vector<bool> isDisputed = FindDisputedCaptures(layout, disputed);
   const cv::Size cells = CellsOver(layout.CaptureSize());
   const cv::Size reach = layout.PictureSize() - layout.CaptureSize();
-  EvidenceGatherer evidence(source, layout, disputed, threadCount);
+  EvidenceGatherer evidence(source, layout, disputed, workers);
   for (size_t begin = 0; begin < maps.size(); begin += StretchLength) {
     progress.Report(static_cast<double>(begin) / static_cast<double>(maps.size()));
     const size_t end = std::min(begin + StretchLength, maps.size());
@@ -63,10 +62,10 @@ Suspicion::Suspicion(const CaptureSource& source, const CaptureLayout& layout,
                              std::min(end + StretchMargin, maps.size())};
     const size_t nextEnd = std::min(stretch.end + StretchLength, maps.size());
     const SequenceEvidence& gathered = evidence.Gather(stretch, nextEnd);
-    auto found = FindBlame(gathered, cells, threadCount);
+    auto found = FindBlame(gathered, cells, workers);
     const cv::Mat panels =
         FindPanels(gathered, *source.Get(stretch.begin), cells, reach.height > 0, reach.width > 0);
-    ParallelFor(end - begin, threadCount, [&](size_t i) {
+    workers.Do(end - begin, [&](size_t i) {
       maps[begin + i] =
           Pack(*source.Get(begin + i), found[begin + i - stretch.begin], panels, layout);
     });

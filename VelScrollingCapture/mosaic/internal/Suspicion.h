@@ -11,6 +11,7 @@
 #include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
 #include <VelScrollingCapture/mosaic/internal/Cells.h>
+#include <VelScrollingCapture/mosaic/internal/Workers.h>
 
 namespace ScrollingCapture {
 
@@ -19,7 +20,7 @@ namespace ScrollingCapture {
 class Suspicion {
  public:
   Suspicion(const CaptureSource& source, const CaptureLayout& layout, const DisputedCells& disputed,
-            unsigned threadCount, const AnalysisProgress& progress);
+            Workers& workers, const AnalysisProgress& progress);
 
   /// From 0 (content) to 1 (covered), for a pixel of a capture's window.
   float Of(size_t capture, const cv::Point& pixel) const {
