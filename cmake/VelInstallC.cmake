@@ -1,5 +1,7 @@
 # Installs the interface for C, for which nobody needs OpenCV's headers: its library, its headers, its
 # part of the CMake package and its pkg-config module.
+include(VelInstallPkgConfig)
+
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/c/include/VelScrollingCapture
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   COMPONENT c_development)
@@ -13,13 +15,4 @@ install(EXPORT VelScrollingCaptureCTargets
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/VelScrollingCapture"
   COMPONENT c_development)
 
-file(RELATIVE_PATH VEL_PREFIX_FROM_PKGCONFIG
-  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
-file(RELATIVE_PATH VEL_INCLUDES_FROM_PKGCONFIG
-  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
-configure_file(
-  ${PROJECT_SOURCE_DIR}/cmake/VelScrollingCaptureC.pc.in
-  ${PROJECT_BINARY_DIR}/VelScrollingCaptureC.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/VelScrollingCaptureC.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-  COMPONENT c_development)
+vel_install_pkgconfig(VelScrollingCaptureC c_development)

@@ -1,5 +1,6 @@
 # Installs the library, its headers, its CMake package and its pkg-config module.
 include(CMakePackageConfigHelpers)
+include(VelInstallPkgConfig)
 
 set(VEL_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/VelScrollingCapture")
 
@@ -44,11 +45,6 @@ if(VEL_FRAMEWORK_FOLDER)
   return()
 endif()
 
-# The module gives its folders relative to its own, so that the installed tree can be moved.
-file(RELATIVE_PATH VEL_PREFIX_FROM_PKGCONFIG
-  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
-file(RELATIVE_PATH VEL_INCLUDES_FROM_PKGCONFIG
-  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
 # OpenCV's own module would link all of its libraries, so it only tells where the headers are.
 set(VEL_OPENCV_LINKS "-lopencv_imgproc -lopencv_core")
 get_target_property(VEL_OPENCV_FOLDER opencv_core LOCATION)
@@ -56,9 +52,4 @@ get_filename_component(VEL_OPENCV_FOLDER "${VEL_OPENCV_FOLDER}" DIRECTORY)
 if(NOT VEL_OPENCV_FOLDER IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
   string(PREPEND VEL_OPENCV_LINKS "-L${VEL_OPENCV_FOLDER} ")
 endif()
-configure_file(
-  ${PROJECT_SOURCE_DIR}/cmake/VelScrollingCapture.pc.in
-  ${PROJECT_BINARY_DIR}/VelScrollingCapture.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/VelScrollingCapture.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-  COMPONENT development)
+vel_install_pkgconfig(VelScrollingCapture development)

@@ -1,7 +1,7 @@
 #include <QCommandLineParser>
-#include <QRegularExpression>
 
 #include <desktop/Arguments.h>
+#include <velscroll/arguments/ChoiceValues.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Desktop {
@@ -9,33 +9,12 @@ namespace {
 
 using Program::BadInput;
 
-xcb_window_t WindowOf(const QString& text) {
-  constexpr int AnyBase = 0;
-  bool isNumber = false;
-  const uint window = text.toUInt(&isNumber, AnyBase);
-  if (!isNumber || window == XCB_WINDOW_NONE) {
-    throw BadInput("--window takes a window's number, such as 0x2a00007");
-  }
-  return window;
+Live::XChoice WindowOf(const QString& text) {
+  return {Program::ParseWindow(text.toStdString()), {}};
 }
 
-cv::Rect RegionOf(const QString& text) {
-  static const QRegularExpression form(R"(^([1-9]\d{0,4})x([1-9]\d{0,4})\+(\d{1,5})\+(\d{1,5})$)");
-  const QRegularExpressionMatch match = form.match(text);
-  if (!match.hasMatch()) {
-    throw BadInput("--region takes width, height, column and row, such as 800x600+100+50");
-  }
-  const auto number = [&match](int group) { return match.captured(group).toInt(); };
-  return {number(3), number(4), number(1), number(2)};
-}
-
-Live::ScrollDirection DirectionOf(const QString& text) {
-  static const QStringList names = {"down", "up", "right", "left"};
-  const int index = names.indexOf(text);
-  if (index < 0) {
-    throw BadInput("--auto takes down, up, right or left");
-  }
-  return static_cast<Live::ScrollDirection>(index);
+Live::XChoice RegionOf(const QString& text) {
+  return {XCB_WINDOW_NONE, Program::ParseRegion(text.toStdString())};
 }
 
 }  // namespace
@@ -76,12 +55,12 @@ Arguments ParseArguments(const QStringList& words) {
     throw BadInput("--auto and --cursor take --window or --region");
   }
   if (hasWindow) {
-    arguments.choice = Live::XChoice{WindowOf(parser.value("window")), {}};
+    arguments.choice = WindowOf(parser.value("window"));
   } else if (hasRegion) {
-    arguments.choice = Live::XChoice{XCB_WINDOW_NONE, RegionOf(parser.value("region"))};
+    arguments.choice = RegionOf(parser.value("region"));
   }
   if (parser.isSet("auto")) {
-    arguments.options.scrollsByItself = DirectionOf(parser.value("auto"));
+    arguments.options.scrollsByItself = Program::ParseDirection(parser.value("auto").toStdString());
   }
   arguments.options.showsPointer = parser.isSet("cursor");
   return arguments;

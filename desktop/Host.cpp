@@ -48,7 +48,13 @@ Host::Host(Platform offered, Questions asked, QObject* parent)
   settling.setSingleShot(true);
 }
 
-Host::~Host() = default;
+/// Pictures in the midst of being saved stop that, and the temporary files of all go with them.
+Host::~Host() {
+  for (PictureWindow* const picture : pictures) {
+    picture->disconnect(this);
+  }
+  qDeleteAll(pictures);
+}
 
 void Host::showStart(const QString& line) {
   if (!startWindow) {
@@ -79,12 +85,6 @@ void Host::record(const PickSource& pick, const RecordingOptions& options) {
   connect(recording, &Recording::failed, this,
           [this](const QString& line) { endRecording(Program::WorkFailed, line); });
   recording->start();
-}
-
-void Host::finish() {
-  if (recording != nullptr) {
-    recording->finish();
-  }
 }
 
 void Host::beginBeside(const QRect& region) {
@@ -147,9 +147,9 @@ void Host::showPicture(const Recorded& recorded) {
       showStart();
     }
   });
-  ++openPictures;
-  connect(window, &QObject::destroyed, this, [this] {
-    --openPictures;
+  pictures << window;
+  connect(window, &QObject::destroyed, this, [this, window] {
+    pictures.removeOne(window);
     endWhenNothingIsLeft();
   });
   window->show();
@@ -158,7 +158,7 @@ void Host::showPicture(const Recorded& recorded) {
 
 void Host::endRecording(int status, const QString& line) {
   dropRecording();
-  if (startWindow || openPictures > 0) {
+  if (startWindow || !pictures.isEmpty()) {
     showStart(line);
   } else {
     emit ended(status, line);
@@ -174,7 +174,7 @@ void Host::dropRecording() {
 
 void Host::endWhenNothingIsLeft() {
   const bool isStartShown = startWindow && startWindow->isVisible();
-  if (openPictures == 0 && recording == nullptr && !isStartShown) {
+  if (pictures.isEmpty() && recording == nullptr && !isStartShown) {
     emit ended(Program::Done, {});
   }
 }

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <QVector>
 #include <functional>
 #include <memory>
 
@@ -41,9 +42,6 @@ class Host : public QObject {
   /// Records at once. Where that comes to nothing, and the start was never shown, this is the end.
   void record(const PickSource& pick, const RecordingOptions& options);
 
-  /// Finishes what is being recorded.
-  void finish();
-
  signals:
   /// Nothing is left to do.
   /// @param status for the shell: see Program::ExitStatus
@@ -66,7 +64,7 @@ class Host : public QObject {
   std::unique_ptr<Panel> panel;              ///< while something is recorded
   Recording* recording = nullptr;            ///< likewise
   QTimer settling;                           ///< before the recording begins
-  int openPictures = 0;
+  QVector<PictureWindow*> pictures;          ///< open ones, which may delete themselves
 };
 
 }  // namespace ScrollingCapture::Desktop

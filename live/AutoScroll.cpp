@@ -52,15 +52,16 @@ std::optional<AutoScroll::Turn> AutoScroll::Next(const RecordingStatus& status) 
 }
 
 /// So many steps that two thirds of the window move on, but not more than twice as many as before:
-/// wheels accelerate.
+/// wheels accelerate. Nor more than the window has pixels, since a step that moves anything moves
+/// one: what moves without the wheel, as a chat does, would make them grow for ever.
 void AutoScroll::Adapt(int moved) {
   if (moved == 0) {
     ++triesWithoutMotion;
     return;
   }
   triesWithoutMotion = 0;
-  const int wanted = steps * extent * 2 / 3 / moved;
-  steps = std::clamp(wanted, 1, 2 * steps);
+  const int wanted = extent * 2 / 3 * steps / moved;
+  steps = std::clamp(wanted, 1, std::min(2 * steps, extent));
 }
 
 /// One step at a time, until something is in sight again that was seen before.

@@ -1,5 +1,6 @@
 #include <utility>
 
+#include <live/AreaAt.h>
 #include <live/CaptureAdding.h>
 
 namespace ScrollingCapture::Live {
@@ -7,10 +8,6 @@ namespace {
 
 constexpr std::size_t MostWaiting = 16;
 constexpr int FirstPart = 1;
-
-cv::Rect AreaAt(const Place& place, const cv::Size& size) {
-  return {{place.column, place.row}, size};
-}
 
 }  // namespace
 
@@ -32,12 +29,6 @@ void CaptureAdding::Add(const cv::Mat& capture) {
   Rethrow();
   waiting.push_back(capture);
   changed.notify_all();
-}
-
-void CaptureAdding::Finish() {
-  std::unique_lock<std::mutex> lock(mutex);
-  changed.wait(lock, [this] { return waiting.empty() || failure; });
-  Rethrow();
 }
 
 bool CaptureAdding::FinishWithin(std::chrono::milliseconds timeout) {

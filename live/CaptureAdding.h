@@ -23,7 +23,7 @@ class CaptureAdding {
   /// Hears of every capture that the session has taken, on that thread.
   using HearOfCapture = std::function<void(const cv::Mat& capture)>;
 
-  /// @param session is used by nobody else as long as this lives, but after Finish; must outlive it
+  /// @param session is used by nobody else while captures wait to be added; must outlive this
   CaptureAdding(CaptureSession& session, HearOfCapture hear);
   CaptureAdding(const CaptureAdding&) = delete;
   CaptureAdding& operator=(const CaptureAdding&) = delete;
@@ -33,10 +33,7 @@ class CaptureAdding {
   /// @param capture CV_8UC4; its pixels are shared
   void Add(const cv::Mat& capture);
 
-  /// Waits until all have been added. Throws what adding one threw.
-  void Finish();
-
-  /// The same, but not longer than that.
+  /// Waits until all have been added, but not longer than that. Throws what adding one threw.
   /// @return whether all have been added
   bool FinishWithin(std::chrono::milliseconds timeout);
 

@@ -1,6 +1,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include <live/AreaAt.h>
 #include <live/CaptureSelection.h>
 
 namespace ScrollingCapture::Live {
@@ -12,10 +13,6 @@ Place MovedBy(const Place& place, const Translation& motion) {
 
 Translation MotionBetween(const Place& before, const Place& now) {
   return {before.row - now.row, before.column - now.column};
-}
-
-cv::Rect AreaAt(const Place& place, const cv::Size& size) {
-  return {{place.column, place.row}, size};
 }
 
 }  // namespace

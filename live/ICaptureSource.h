@@ -21,23 +21,12 @@ struct Frame {
   std::string hindrance;
 };
 
-/// There are no more frames to come.
+/// There are no more frames to come: the window has gone, or has changed its size, so that captures
+/// would not go with those before, or the connection to the window system broke. what() tells the
+/// user which.
 class CaptureEnded : public std::runtime_error {
  public:
-  /// Why there are none.
-  enum class Reason {
-    WindowClosed,   ///< the window has gone
-    WindowResized,  ///< captures of another size do not go with those before
-    ServerLost,     ///< the connection to the window system broke
-  };
-
-  /// @param line the reason in words
-  CaptureEnded(Reason reason, const std::string& line) : std::runtime_error(line), reason(reason) {}
-
-  Reason Why() const { return reason; }
-
- private:
-  Reason reason;
+  using std::runtime_error::runtime_error;
 };
 
 /// Frames of a window, or of a region of the screen: what there is of a platform. One thread at a

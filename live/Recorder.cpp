@@ -24,6 +24,14 @@ bool AreEqual(const cv::Mat& left, const cv::Mat& right) {
 
 }  // namespace
 
+std::optional<std::string> RecordingEnd::NothingCaptured() const {
+  if (status.captures > 0) {
+    return std::nullopt;
+  }
+  const std::string& why = line.empty() ? status.hindrance : line;
+  return "nothing was captured" + (why.empty() ? "" : ": " + why);
+}
+
 Recorder::Recorder(ICaptureSource& source, CaptureSession& session, IRecordingListener& listener,
                    const MatchingSettings& settings)
     : source(source),
@@ -36,7 +44,7 @@ RecordingEnd Recorder::Run() {
   try {
     Loop();
   } catch (const CaptureEnded& ended) {
-    End(RecordingEnd::Reason::SourceLost, ended.what());
+    End(ended.what());
   }
   if (!last.empty()) {
     selection.Finish();
@@ -115,9 +123,8 @@ void Recorder::TurnWheel() {
     turn = autoScroll->Next(adding.Status());
   }
   if (!turn) {
-    const bool gaveUp = autoScroll->GaveUp();
-    End(gaveUp ? RecordingEnd::Reason::Stuck : RecordingEnd::Reason::Reached,
-        gaveUp ? "one step of the wheel scrolls further than what the window shows" : "");
+    End(autoScroll->GaveUp() ? "one step of the wheel scrolls further than what the window shows"
+                             : "");
     return;
   }
   hindrance = source.Scroll(turn->direction, turn->steps);
@@ -127,13 +134,12 @@ void Recorder::TurnWheel() {
   if (turned) {
     lastTurn = lastMotion;
   } else if (lastMotion - lastTurn > UntilStuck) {
-    End(RecordingEnd::Reason::Stuck, hindrance);
+    End(hindrance);
   }
 }
 
-void Recorder::End(RecordingEnd::Reason reason, const std::string& line) {
+void Recorder::End(const std::string& line) {
   hasEnded = true;
-  end.reason = reason;
   end.line = line;
 }
 

@@ -33,16 +33,13 @@ class IRecordingListener {
 
 /// How a recording came to its end.
 struct RecordingEnd {
-  enum class Reason {
-    Asked,      ///< by the listener
-    Reached,    ///< the wheel moves nothing any more, or the limit is reached
-    Stuck,      ///< the wheel could not be turned, or moves too much
-    SourceLost  ///< see CaptureEnded
-  };
-
-  Reason reason = Reason::Asked;
-  std::string line;        ///< what the user should know of it; may be empty
+  /// What the user should know of it: that the source was lost, or why the wheel could not scroll
+  /// on. Empty when the listener asked for the end, or the end of the content or limit is reached.
+  std::string line;
   RecordingStatus status;  ///< as it stood at the end
+
+  /// Where nothing was captured: one line that says so, and why as far as that is known.
+  std::optional<std::string> NothingCaptured() const;
 };
 
 /// Brings what a source shows into a session, while a user, or AutoScroll, scrolls.
@@ -74,7 +71,7 @@ class Recorder {
   bool WayHasChanged();
   void TurnWheel();
   bool MayTurnWheel() const;
-  void End(RecordingEnd::Reason reason, const std::string& line);
+  void End(const std::string& line);
   RecordingStatus Status() const;
 
   ICaptureSource& source;

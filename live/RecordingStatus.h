@@ -25,6 +25,9 @@ struct RecordingStatus {
   /// Then: where it was last that this was not so, relative to the first capture.
   Place lastJoined;
 
+  /// The same as row and column of the picture so far: there the window was at its top left.
+  Place WayBack() const { return {lastJoined.row - seen.y, lastJoined.column - seen.x}; }
+
   /// How many captures join the others in doubt.
   std::size_t doubtful = 0;
 

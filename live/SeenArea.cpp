@@ -26,7 +26,6 @@ void AddOutside(const cv::Rect& whole, const cv::Rect& other, std::vector<cv::Re
 void SeenArea::Add(const cv::Rect& rectangle) {
   if (!Covers(rectangle)) {
     rectangles.push_back(rectangle);
-    bounds |= rectangle;
   }
 }
 

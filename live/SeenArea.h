@@ -14,12 +14,8 @@ class SeenArea {
   /// Whether every pixel of the rectangle has been seen.
   bool Covers(const cv::Rect& rectangle) const;
 
-  /// The smallest rectangle around everything seen; empty as long as that is nothing.
-  const cv::Rect& Bounds() const { return bounds; }
-
  private:
   std::vector<cv::Rect> rectangles;
-  cv::Rect bounds;
 };
 
 }  // namespace ScrollingCapture::Live

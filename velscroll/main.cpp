@@ -1,11 +1,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 
 #ifdef __GLIBC__
 #include <malloc.h>
@@ -18,12 +16,11 @@
 #include <velscroll/record/RecordCommand.h>
 #include <velscroll/stitch/SpillFolder.h>
 #include <velscroll/stitch/StitchCommand.h>
+#include <velscroll/terminal/Explanation.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Interruption.h>
 #include <velscroll/terminal/ProgressBar.h>
 #include <velscroll/terminal/Silence.h>
-
-#include <VelScrollingCapture/session/SpillFileLost.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -32,10 +29,6 @@ int Complain(const Failure& failure) {
   const std::string line = std::string("velscroll: ") + failure.what() + "\n";
   TellUser(line.data(), line.size());
   return failure.Status();
-}
-
-Failure NotEnoughMemory() {
-  return Failed("not enough memory; use fewer --threads or stitch fewer captures at a time");
 }
 
 /// Lets the memory of captures go back to the system as soon as they are released. Otherwise the C
@@ -47,28 +40,31 @@ void ReleaseLargeBlocksAtOnce() {
 #endif
 }
 
+/// In words for whoever has typed a command line.
+std::string WithAdvice(const Explanation& explanation) {
+  switch (explanation.kind) {
+    case Explanation::Kind::SpillFileLost:
+      return explanation.words +
+             "; leave the spill folder alone, or choose another with --spill-folder";
+    case Explanation::Kind::NoMemory:
+      return explanation.words + "; use fewer --threads or stitch fewer captures at a time";
+    case Explanation::Kind::NoThread:
+      return explanation.words + "; stitch fewer captures at a time";
+    case Explanation::Kind::Unexpected:
+      return explanation.words;
+    default:
+      return "unexpected failure: " + explanation.words;
+  }
+}
+
 /// What an exception means to the user.
 Failure Explain(const std::exception_ptr& exception) {
   try {
     std::rethrow_exception(exception);
   } catch (const Failure& failure) {
     return failure;
-  } catch (const SpillFileLost&) {
-    return Failed(
-        "a capture that was spilled to a file cannot be read back; leave the spill folder "
-        "alone, or choose another with --spill-folder");
-  } catch (const std::bad_alloc&) {
-    return NotEnoughMemory();
-  } catch (const cv::Exception& error) {
-    return error.code == cv::Error::StsNoMem
-               ? NotEnoughMemory()
-               : Failed("unexpected failure in image processing: " + error.err);
-  } catch (const std::system_error& error) {
-    return error.code() == std::errc::resource_unavailable_try_again
-               ? Failed("the system allows no further thread; stitch fewer captures at a time")
-               : Failed(std::string("unexpected failure: ") + error.what());
-  } catch (const std::exception& error) {
-    return Failed(std::string("unexpected failure: ") + error.what());
+  } catch (...) {
+    return Failed(WithAdvice(ExplanationOf(exception)));
   }
 }
 
@@ -112,6 +108,7 @@ int main(int argc, char** argv) {
   using namespace ScrollingCapture::Program;
   std::set_terminate(EndAfterWorkerFailure);
   std::signal(SIGXFSZ, SIG_IGN);  // writing then fails like on a full disk
+  std::signal(SIGPIPE, SIG_IGN);  // writing then fails, and what was staged is removed
   cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
   OwnStandardError();
   ReleaseLargeBlocksAtOnce();

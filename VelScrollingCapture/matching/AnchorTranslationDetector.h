@@ -19,8 +19,7 @@ namespace ScrollingCapture {
 class VEL_EXPORT AnchorTranslationDetector : public ITranslationDetector {
  public:
   /// @param orientation the axes along which the content may move
-  /// @param expectConsistentTranslations whether, of several motions that explain two captures
-  ///                    alike, the one that repeats the step before is taken for the right one
+  /// @param expectConsistentTranslations see MatchingSettings
   /// @param threadCount how many threads a sequence detection uses at once
   AnchorTranslationDetector(ScrollOrientation orientation, bool expectConsistentTranslations,
                             unsigned int threadCount);

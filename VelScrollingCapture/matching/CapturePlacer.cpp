@@ -19,9 +19,6 @@ constexpr int LeastVotes = 6;
 constexpr std::size_t MostPlaces = 3;
 constexpr std::size_t MostCapturesOfPlace = 2;
 
-/// No window is as large as that in pixels.
-constexpr int LongestPrescribed = 1 << 18;
-
 /// A proof is taken back when more than this share of its evidence was seen elsewhere as well.
 constexpr std::size_t RepeatedQuarters = 3;
 
@@ -71,16 +68,17 @@ class CapturePlacer::Implementation {
 
   void PlaceAt(std::size_t index, const PreparedCapture& capture, const cv::Point& motion) {
     Require(index, capture);
-    RequireReasonable(motion);
+    RequirePrescribable(ToTranslation(motion));
     if (index == 0) {
       Place(index, capture, {});
       return;
     }
-    const Earlier before = Read(index - 1);
-    const auto pixels = captures.GetImageAt(index);
-    PairMatch match = StudyMotion({*before.pixels, before.prepared.Anchors()},
-                                  {*pixels, capture.Anchors()}, motion, settings);
-    Commit(capture, JoinedTo(index - 1, std::move(match)));
+    Record record = Prescribed(index, capture, motion);
+    // What lies wrong must not bring parts together.
+    if (record.join.verdict != Verdict::None) {
+      JoinParts(record.place, index, capture);
+    }
+    Commit(capture, std::move(record));
   }
 
   std::size_t Count() const { return records.size(); }
@@ -127,16 +125,6 @@ class CapturePlacer::Implementation {
     }
     if (!records.empty()) {
       RequireSameFormat(last.Anchors(), capture.Anchors());
-    }
-  }
-
-  /// So that places can be added up.
-  static void RequireReasonable(const cv::Point& motion) {
-    const auto isTooLong = [](int distance) {
-      return distance > LongestPrescribed || distance < -LongestPrescribed;
-    };
-    if (isTooLong(motion.x) || isTooLong(motion.y)) {
-      throw std::invalid_argument("A prescribed motion is longer than any window.");
     }
   }
 
@@ -189,11 +177,43 @@ class CapturePlacer::Implementation {
       return NewPart();
     }
     PairMatch doubtful = pair;
-    if (index > 1) {
-      doubtful.join =
-          PreferRepetition(std::move(doubtful.join), ToTranslation(MotionSinceBefore(index - 1)));
-    }
+    doubtful.join = PreferRepetition(std::move(doubtful.join), StepsBefore(index));
     return JoinedTo(index - 1, std::move(doubtful));
+  }
+
+  /// The steps that a capture may be thought to repeat, the latest first: where steps are even, a
+  /// pause or a hand on the wheel in between says nothing.
+  std::vector<Translation> StepsBefore(std::size_t index) const {
+    const std::size_t most = settings.expectConsistentTranslations ? index - 1 : 1;
+    std::vector<Translation> steps;
+    for (std::size_t i = index - 1; i > 0 && steps.size() < most; --i) {
+      steps.push_back(ToTranslation(MotionSinceBefore(i)));
+    }
+    return steps;
+  }
+
+  /// The capture at a place that somebody prescribes, proven against the capture before if that
+  /// can be, or else against others that lie there.
+  Record Prescribed(std::size_t index, const PreparedCapture& capture,
+                    const cv::Point& motion) const {
+    const auto study = [&](std::size_t other, const cv::Point& relative) {
+      const Earlier earlier = Read(other);
+      return StudyMotion({*earlier.pixels, earlier.prepared.Anchors()},
+                         {*captures.GetImageAt(index), capture.Anchors()}, relative, settings);
+    };
+    PairMatch match = study(index - 1, motion);
+    const PartPlace before = parts.Resolve(records[index - 1].place);
+    const PartPlace place = {before.part, before.place - motion};
+    for (const std::size_t other : CapturesAt(place, capture.Anchors().size)) {
+      if (IsSure(match.join.verdict)) {
+        break;
+      }
+      PairMatch found = study(other, parts.Resolve(records[other].place).place - place.place);
+      if (IsSure(found.join.verdict)) {
+        return JoinedTo(other, std::move(found));
+      }
+    }
+    return JoinedTo(index - 1, std::move(match));
   }
 
   /// Proves the capture against those that lie where it would lie itself.
@@ -295,6 +315,16 @@ CapturePlacer::CapturePlacer(IImageProvider& captures, const MatchingSettings& s
     : implementation(std::make_unique<Implementation>(captures, settings)) {}
 
 CapturePlacer::~CapturePlacer() = default;
+
+/// So that places can be added up.
+void CapturePlacer::RequirePrescribable(const Translation& motion) {
+  const auto isTooLong = [](int distance) {
+    return distance > LongestPrescribed || distance < -LongestPrescribed;
+  };
+  if (isTooLong(motion.GetRows()) || isTooLong(motion.GetCols())) {
+    throw std::invalid_argument("A prescribed motion is longer than any window.");
+  }
+}
 
 PlacedCapture CapturePlacer::Place(std::size_t index, const PreparedCapture& capture) {
   implementation->Place(index, capture);

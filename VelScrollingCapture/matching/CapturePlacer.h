@@ -71,8 +71,11 @@ class VEL_EXPORT CapturePlacer {
   CapturePlacer& operator=(const CapturePlacer&) = delete;
   ~CapturePlacer();
 
-  /// The anchors of a capture; any number of threads may do this at once.
-  static PreparedCapture Prepare(const cv::Mat& capture) { return PreparedCapture(capture); }
+  /// No prescribed motion is longer than this along an axis, in pixels: no window is as large.
+  static constexpr int LongestPrescribed = 1 << 18;
+
+  /// Throws std::invalid_argument for a motion beyond LongestPrescribed.
+  static void RequirePrescribable(const Translation& motion);
 
   /// Places the next capture, matching it with the one before.
   ///
@@ -86,9 +89,10 @@ class VEL_EXPORT CapturePlacer {
   PlacedCapture Place(std::size_t index, const PreparedCapture& capture, const MatchedPair& pair);
 
   /// The same with a motion since the capture before that somebody prescribes, right or wrong. The
-  /// join tells what the pixels say about that motion: none when they contradict it, doubtful when
-  /// they speak for another one as well. std::invalid_argument is thrown for a motion of more than
-  /// 262,144 pixels along an axis.
+  /// join tells what the pixels say about that place, held against the capture before or else
+  /// against others that lie there: none when they contradict it or when no capture lies there,
+  /// doubtful when they speak for another one as well. std::invalid_argument is thrown for a motion
+  /// beyond LongestPrescribed.
   PlacedCapture PlaceAt(std::size_t index, const PreparedCapture& capture,
                         const Translation& motion);
 

@@ -14,8 +14,7 @@ enum class Verdict {
   /// moves along one axis only, or is small.
   Proven,
   /// The captures do not agree to the pixel (lossy files, text drawn anew, large parts that
-  /// change),
-  /// but one motion explains them far better than every other.
+  /// change), but one motion explains them far better than every other.
   Likely,
   /// Several motions explain the pixels alike. One of them was taken, the others are listed.
   Doubtful,

@@ -9,8 +9,9 @@ struct MatchingSettings {
   /// The axes along which the content may move; with a value outside the list it never does.
   ScrollOrientation orientation = Both;
 
-  /// Whether steps are expected to be even: of several motions that explain a pair of captures, the
-  /// one that repeats the step before is then taken for the right one.
+  /// Whether steps are expected to be even. Of several motions that explain a pair of captures
+  /// alike the one that repeats the step before is taken, and with this the one that repeats the
+  /// latest step that any of them repeats: a pause in between does not matter then.
   bool expectConsistentTranslations = false;
 };
 

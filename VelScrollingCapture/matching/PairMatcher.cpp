@@ -13,7 +13,7 @@ Join MatchPair(const cv::Mat& previous, const cv::Mat& current, const MatchingSe
   const CaptureAnchors later = FindAnchors(current);
   RequireSameFormat(earlier, later);
   Join join = StudyPair({previous, earlier}, {current, later}, settings).join;
-  return stepBefore ? PreferRepetition(std::move(join), *stepBefore) : join;
+  return stepBefore ? PreferRepetition(std::move(join), {*stepBefore}) : join;
 }
 
 }  // namespace ScrollingCapture

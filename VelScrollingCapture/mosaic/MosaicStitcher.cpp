@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include <VelScrollingCapture/core/internal/Messages.h>
 #include <VelScrollingCapture/core/internal/Truncation.h>
 #include <VelScrollingCapture/mosaic/MosaicStitcher.h>
+#include <VelScrollingCapture/mosaic/internal/Refusals.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -40,7 +40,7 @@ class ProgressRange {
   int end;
 };
 
-/// Where the captures lie, the first one at (0, 0). Throws std::length_error when an int cannot
+/// Where the captures lie, the first one at (0, 0). Throws PictureTooLarge when an int cannot
 /// tell.
 std::vector<Place> Accumulate(const std::vector<Translation>& translations) {
   std::vector<Place> places(1);
@@ -51,7 +51,7 @@ std::vector<Place> Accumulate(const std::vector<Translation>& translations) {
     column -= translation.GetCols();
     places.push_back({cv::saturate_cast<int>(row), cv::saturate_cast<int>(column)});
     if (places.back().row != row || places.back().column != column) {
-      throw std::length_error("The captures lie further apart than an int can tell.");
+      throw PictureTooLarge("The captures lie further apart than an int can tell.");
     }
   }
   return places;
@@ -87,9 +87,9 @@ std::unique_ptr<Mosaic> Analyse(IImageProvider& provider,
   try {
     return Mosaic::Analyse(provider, Accumulate(translations), settings, listener,
                            progress.At(DetectionShare), progress.At(AnalysisShare));
-  } catch (const std::invalid_argument& error) {
+  } catch (const UnusableCapture& error) {
     Fail(listener, IStitcherListener::ImageProcessingFailed, error.what());
-  } catch (const std::length_error& error) {
+  } catch (const PictureTooLarge& error) {
     Fail(listener, IStitcherListener::ImageProcessingFailed, error.what());
   }
   return nullptr;

@@ -7,6 +7,14 @@
 #include <VelScrollingCapture/session/internal/SessionEngine.h>
 
 namespace ScrollingCapture {
+namespace {
+
+bool IsSame(const cv::Mat& one, const cv::Mat& other) {
+  return one.size() == other.size() && cv::norm(one, other, cv::NORM_INF) == 0;
+}
+
+}  // namespace
+
 class CaptureSession::State {
  public:
   explicit State(const SessionSettings& settings)
@@ -16,19 +24,32 @@ class CaptureSession::State {
         preview(settings.previewBox ? MakeHostPreview(*settings.previewBox) : nullptr) {}
 
   CaptureOutcome Add(const IncomingCapture& capture) {
-    CaptureOutcome outcome =
-        CaptureIntake(*store.Captures(), preview.get(), settings.keepRepeats).Add(capture.pixels);
+    CaptureOutcome outcome;
+    if (!IsLeftOver(capture.pixels)) {
+      outcome =
+          CaptureIntake(*store.Captures(), preview.get(), settings.keepRepeats).Add(capture.pixels);
+    }
     if (outcome.state != CaptureOutcome::State::Placed) {
       return outcome;
     }
     const std::optional<PlacedCapture> placed = engine->Join(capture);
-    return placed ? OutcomeOf(*placed, store.Captures()->Count() == 1) : outcome;
+    joined = store.Captures()->Count();
+    return placed ? OutcomeOf(*placed, joined == 1) : outcome;
   }
 
   const SessionSettings settings;
   const CaptureStore store;
   const std::unique_ptr<SessionEngine> engine;
   const std::unique_ptr<PreviewImage> preview;
+
+ private:
+  /// Whether the capture has been stored already, when there was no memory to join it.
+  bool IsLeftOver(const cv::Mat& capture) const {
+    IImageProvider& captures = *store.Captures();
+    return captures.Count() > joined && IsSame(*captures.GetLastImage(), capture);
+  }
+
+  std::size_t joined = 0;  ///< of the captures in the store
 };
 
 CaptureSession::CaptureSession(const SessionSettings& settings)
@@ -48,6 +69,9 @@ CaptureOutcome CaptureSession::Add(const IncomingCapture& capture) {
   std::string reason = WhyUnusable(capture.pixels);
   if (!reason.empty()) {
     return {CaptureOutcome::State::Unusable, std::move(reason), {}};
+  }
+  if (capture.motion) {
+    CapturePlacer::RequirePrescribable(*capture.motion);
   }
   return state->Add(capture);
 }

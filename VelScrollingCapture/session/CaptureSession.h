@@ -37,10 +37,10 @@ class VEL_EXPORT CaptureSession {
 
   /// Adds the next capture, unless it repeats the last one or cannot be used.
   ///
-  /// Throws SpillFileLost when an earlier capture, which waits in a file, cannot be read back.
-  /// @param capture its pixels are shared, and with phase correlation the stitch writes to them:
-  /// hand
-  ///                over a copy that nobody else uses
+  /// Throws SpillFileLost when an earlier capture, which waits in a file, cannot be read back, and
+  /// std::invalid_argument for a motion beyond CapturePlacer::LongestPrescribed.
+  /// @param capture its pixels are shared, and with phase correlation the stitch writes to them, so
+  ///                it has to be a copy that nobody else uses
   CaptureOutcome Add(const IncomingCapture& capture);
 
   /// The same, unprepared.

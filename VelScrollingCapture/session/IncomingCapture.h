@@ -18,7 +18,8 @@ struct IncomingCapture {
   std::optional<PreparedCapture> prepared;
 
   /// How far the content moved since the capture before, where somebody prescribes that; right or
-  /// wrong, the capture is placed by it, and its join tells what the pixels say.
+  /// wrong, the capture is placed by it, and its join tells what the pixels say. At most
+  /// CapturePlacer::LongestPrescribed pixels along an axis.
   std::optional<Translation> motion;
 };
 

@@ -34,7 +34,7 @@ struct SessionSettings {
   ScrollOrientation orientation = Both;
 
   /// Whether steps are expected to be even: of two likely motions, the one that repeats the step
-  /// before is then taken.
+  /// before is then taken; with exact joins, the one that repeats any step before.
   bool expectConsistentTranslations = false;
 
   /// The most threads that work at once; 0 counts as 1.

@@ -37,8 +37,7 @@ class VEL_EXPORT StitcherFactory {
   /// A BasicStitcher with an AnchorTranslationDetector, whose motions are proven on the pixels; the
   /// caller is its only owner. A capture that nothing joins counts as one that has not moved.
   /// @param orientation the axes along which the content may move
-  /// @param expectConsistentTranslations whether, of several motions that explain two captures
-  ///        alike, the one that repeats the step before is taken
+  /// @param expectConsistentTranslations see MatchingSettings
   /// @param threadCount the most threads that match captures at once; 0 counts as 1
   static std::shared_ptr<IStitcher> CreateStitcherWithExactJoins(ScrollOrientation orientation,
                                                                  bool expectConsistentTranslations,

@@ -1,4 +1,5 @@
 #include <benchmark/benchmark.h>
+#include <benchmarks/support/WindowSizes.h>
 #include <live/FrameTracker.h>
 #include <testkit/pages/Scenes.h>
 
@@ -8,8 +9,7 @@ namespace ScrollingCapture::Live {
 namespace {
 
 void Sizes(benchmark::internal::Benchmark* benchmark) {
-  benchmark->ArgNames({"width", "height"});
-  benchmark->Args({640, 480})->Args({1920, 1080})->Args({2880, 1800});
+  WindowSizes(benchmark);
   benchmark->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 

@@ -38,7 +38,7 @@ void PlaceAll(benchmark::State& state, int turn) {
     CapturePlacer placer(captures, {});
     for (std::size_t i = 0; i < captures.Count(); ++i) {
       const auto capture = captures.GetImageAt(i);
-      benchmark::DoNotOptimize(placer.Place(i, CapturePlacer::Prepare(*capture)));
+      benchmark::DoNotOptimize(placer.Place(i, PreparedCapture(*capture)));
     }
     seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     bytes = placer.Bytes();

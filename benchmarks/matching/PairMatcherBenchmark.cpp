@@ -1,6 +1,7 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
+#include <benchmarks/support/WindowSizes.h>
 #include <opencv2/imgproc.hpp>
 #include <testkit/pages/Scenes.h>
 
@@ -10,8 +11,7 @@ namespace ScrollingCapture {
 namespace {
 
 void Sizes(benchmark::internal::Benchmark* benchmark) {
-  benchmark->ArgNames({"width", "height"});
-  benchmark->Args({640, 480})->Args({1920, 1080})->Args({2880, 1800});
+  WindowSizes(benchmark);
   benchmark->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 

@@ -1,4 +1,5 @@
 #include <benchmark/benchmark.h>
+#include <benchmarks/support/WindowSizes.h>
 #include <testkit/MatrixTesting.h>
 
 #include <VelScrollingCapture/detection/phase/PhaseCorrelationTranslationDetector.h>
@@ -10,8 +11,7 @@ namespace {
 constexpr int ShrunkWidth = 250;
 
 void Sizes(benchmark::internal::Benchmark* benchmark) {
-  benchmark->ArgNames({"width", "height"});
-  benchmark->Args({640, 480})->Args({1920, 1080})->Args({2880, 1800});
+  WindowSizes(benchmark);
   benchmark->Unit(benchmark::kMicrosecond);
 }
 

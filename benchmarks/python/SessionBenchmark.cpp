@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <optional>
+#include <stdexcept>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -16,8 +17,22 @@ namespace {
 
 namespace py = pybind11;
 
+/// Of the Python that the package is built for, which need not be the one that the shell finds
+/// first: the interpreter looks for its own modules beside the program of this name.
+PyConfig Configuration() {
+  PyConfig configuration;
+  PyConfig_InitPythonConfig(&configuration);
+  const PyStatus status =
+      PyConfig_SetBytesString(&configuration, &configuration.program_name, VEL_PYTHON);
+  if (PyStatus_Exception(status) != 0) {
+    throw std::runtime_error(status.err_msg);
+  }
+  return configuration;
+}
+
 py::module_ Package() {
-  static const py::scoped_interpreter interpreter;
+  static PyConfig configuration = Configuration();
+  static const py::scoped_interpreter interpreter(&configuration);
   py::module_::import("sys").attr("path").attr("insert")(0, VEL_PYTHON_PATH);
   return py::module_::import("velscrollingcapture");
 }

@@ -1,4 +1,5 @@
 #include <benchmark/benchmark.h>
+#include <benchmarks/support/WindowSizes.h>
 #include <testkit/MatrixTesting.h>
 #include <testkit/memory/PeakMemory.h>
 #include <testkit/pages/Page.h>
@@ -37,8 +38,7 @@ void BM_Similarity(benchmark::State& state, Similarity similarity, MakeSecond ma
 }
 
 void Sizes(benchmark::internal::Benchmark* benchmark) {
-  benchmark->ArgNames({"width", "height"});
-  benchmark->Args({640, 480})->Args({1920, 1080})->Args({2880, 1800});
+  WindowSizes(benchmark);
   benchmark->Unit(benchmark::kMicrosecond);
 }
 

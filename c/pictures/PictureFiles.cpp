@@ -10,6 +10,7 @@
 #include <c/pictures/PictureFiles.h>
 #include <velscroll/output/PictureWriting.h>
 #include <velscroll/output/Pieces.h>
+#include <velscroll/output/staging/CommitAll.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::C {
@@ -48,19 +49,13 @@ PictureOutput OutputOf(const char* path, const vel_file_settings* given,
   return output;
 }
 
-std::string Pixels(const cv::Size& size) {
-  return std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels";
-}
-
 /// In words of this interface: the program's advice names options of its own.
 void RequireRoom(const PictureOutput& output, const cv::Size& size) {
-  const Program::PictureFormat& format = Program::PictureFormatOf(output.path);
   try {
     Program::RequireWritable(output, size);
-  } catch (const Program::Failed&) {
-    throw CallFailure(VEL_FILE_UNUSABLE, "an image of " + Pixels(size) + " is too large for " +
-                                             format.name +
-                                             "; set rows_per_file, or write a PNG file");
+  } catch (const Program::TooLargeForFormat& tooLarge) {
+    const std::string cut = tooLarge.HoldsPieces() ? "set rows_per_file, or " : "";
+    throw CallFailure(VEL_FILE_UNUSABLE, tooLarge.Reason() + "; " + cut + "write a PNG file");
   }
 }
 
@@ -89,11 +84,6 @@ class RowsWritten {
   std::int64_t before = 0;
 };
 
-Program::Picture AsRendered(const StitchedPicture& picture) {
-  return {picture.Size(), picture.IsOpaque(),
-          [&picture](const cv::Rect& area) { return picture.Area(area); }};
-}
-
 /// Each part is hidden until all are complete.
 StagedOutputs StageParts(const Parts& parts, const PictureOutput& output, RowsWritten& written) {
   StagedOutputs staged;
@@ -102,7 +92,7 @@ StagedOutputs StageParts(const Parts& parts, const PictureOutput& output, RowsWr
     if (parts.size() > 1) {
       part.path = Program::PieceName(output.path, i + 1);
     }
-    StagedOutputs files = Program::StagePicture(AsRendered(*parts[i]), part,
+    StagedOutputs files = Program::StagePicture(Program::PictureOf(*parts[i]), part,
                                                 [&written](int rows) { written.Tell(rows); });
     std::move(files.begin(), files.end(), std::back_inserter(staged));
     written.EndPart(parts[i]->Size().height);
@@ -119,9 +109,7 @@ void WriteParts(const Parts& parts, const Program::ImageMetadata& metadata, cons
     RequireRoom(output, part->Size());
   }
   RowsWritten written(parts, progress, user);
-  for (const auto& file : StageParts(parts, output, written)) {
-    file->Commit();
-  }
+  Program::CommitAll(StageParts(parts, output, written));
 }
 
 }  // namespace ScrollingCapture::C

@@ -21,15 +21,12 @@ EncodingSettings SettingsFor(Compression compression) {
   return settings;
 }
 
-/// What the formats' own message advises is for a command line.
+/// The program's advice is for a command line.
 void RequireThatItHolds(const std::string& path, const cv::Size& size) {
-  const PictureFormat& format = PictureFormatOf(path);
   try {
-    RequireHolds(format, size, path);
-  } catch (const Failed&) {
-    throw Failed("a picture of " + std::to_string(size.width) + " x " +
-                 std::to_string(size.height) + " pixels is too large for " + format.name +
-                 "; save it as PNG");
+    RequireHolds(PictureFormatOf(path), size, path);
+  } catch (const TooLargeForFormat& tooLarge) {
+    throw Failed(tooLarge.Reason() + "; save it as PNG");
   }
 }
 
@@ -39,10 +36,8 @@ void WritePictureFile(const RecordedPicture& picture, const std::string& path,
                       Compression compression, const HearOfProgress& progress) {
   const cv::Size size = picture.Size();
   RequireThatItHolds(path, size);
-  const Picture rendered = {size, picture.IsOpaque(),
-                            [&picture](const cv::Rect& area) { return picture.Area(area); }};
   const auto files = StagePicture(
-      rendered, {path, SettingsFor(compression), {}, {}},
+      PictureOf(picture), {path, SettingsFor(compression), {}, {}},
       [&](int rows) { progress(static_cast<int>(std::int64_t{100} * rows / size.height)); });
   for (const auto& file : files) {
     file->Commit();

@@ -14,11 +14,13 @@
 
 #include <desktop/picture/PictureFile.h>
 #include <desktop/picture/PictureWindow.h>
+#include <velscroll/files/SameFile.h>
+#include <velscroll/output/Pieces.h>
 
 namespace ScrollingCapture::Desktop {
 namespace {
 
-QString SuggestedPath() {
+QString DefaultFile() {
   const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
   const QString folder = QDir(pictures).exists() ? pictures : QDir::homePath();
   const QString now = QDateTime::currentDateTime().toString("yyyy-MM-dd HHmmss");
@@ -36,7 +38,7 @@ PictureWindow::PictureWindow(const Recorded& recorded, ClosingQuestion asking, Q
     : QMainWindow(parent),
       question(std::move(asking)),
       parts(recorded.parts),
-      isPartSaved(recorded.parts.size(), false),
+      files(recorded.parts.size()),
       pictureView(new PictureView),
       state(new QLabel),
       progress(new QProgressBar),
@@ -78,9 +80,9 @@ void PictureWindow::addActions() {
   add(tr("Copy"), {QKeySequence::Copy}, [this] { copy(); });
   bar->addWidget(dragHandle);
   bar->addSeparator();
-  add(tr("Fit"), {Qt::CTRL + Qt::Key_0}, [this] { pictureView->fitWhole(); });
-  add(tr("Width"), {Qt::CTRL + Qt::Key_2}, [this] { pictureView->fitWidth(); });
-  add(tr("100 %"), {Qt::CTRL + Qt::Key_1}, [this] { pictureView->showActualSize(); });
+  add(tr("Fit"), {QKeySequence("Ctrl+0")}, [this] { pictureView->fitWhole(); });
+  add(tr("Width"), {QKeySequence("Ctrl+2")}, [this] { pictureView->fitWidth(); });
+  add(tr("100 %"), {QKeySequence("Ctrl+1")}, [this] { pictureView->showActualSize(); });
   add(tr("+"), {QKeySequence::ZoomIn}, [this] { pictureView->zoomIn(); });
   add(tr("−"), {QKeySequence::ZoomOut}, [this] { pictureView->zoomOut(); });
 }
@@ -117,7 +119,10 @@ void PictureWindow::showPart(int part) {
   copiesWhenReady = false;
   dragHandle->setTransfer(nullptr);
   transfer = std::make_unique<PictureTransfer>(picture);
-  connect(transfer.get(), &PictureTransfer::failed, this, &PictureWindow::say);
+  connect(transfer.get(), &PictureTransfer::failed, this, [this](const QString& line) {
+    copiesWhenReady = false;
+    say(line);
+  });
   connect(transfer.get(), &PictureTransfer::ready, this, [this] {
     if (copiesWhenReady) {
       copiesWhenReady = false;
@@ -143,7 +148,7 @@ void PictureWindow::askWhereToSave() {
   dialog->setAcceptMode(QFileDialog::AcceptSave);
   dialog->setNameFilters(FormatFilters());
   dialog->setDefaultSuffix(ExtensionOf(FormatFilters().front()));
-  dialog->selectFile(savePath.isEmpty() ? SuggestedPath() : savePath);
+  dialog->selectFile(suggestedFile());
   connect(dialog, &QFileDialog::filterSelected, dialog,
           [dialog](const QString& filter) { dialog->setDefaultSuffix(ExtensionOf(filter)); });
   connect(dialog, &QFileDialog::fileSelected, this, &PictureWindow::save);
@@ -151,12 +156,25 @@ void PictureWindow::askWhereToSave() {
   dialog->open();
 }
 
+/// Every part has a file of its own: where the name is another part's, it gets this one's number.
+QString PictureWindow::suggestedFile() const {
+  const auto part = static_cast<std::size_t>(shown);
+  if (!files[part].isEmpty()) {
+    return files[part];
+  }
+  const QString file = chosenFile.isEmpty() ? DefaultFile() : chosenFile;
+  return std::count(files.begin(), files.end(), file) == 0
+             ? file
+             : QString::fromStdString(Program::PieceName(file.toStdString(), part + 1));
+}
+
 void PictureWindow::save(const QString& path) {
   if (saving.isBusy()) {
     say(tr("Another file is being saved"));
     return;
   }
-  savePath = path;
+  chosenFile = path == suggestedFile() ? chosenFile : path;
+  fileBeingSaved = path;
   beingSaved = shown;
   progress->setValue(0);
   progress->setVisible(true);
@@ -180,13 +198,23 @@ void PictureWindow::endSaving(bool isWritten, const QString& line) {
     emit saveFailed(line);
     return;
   }
-  isPartSaved[static_cast<std::size_t>(beingSaved)] = true;
+  noteSaved();
   showState();
-  say(tr("Saved as %1").arg(savePath));
-  emit saved(savePath);
+  say(tr("Saved as %1").arg(fileBeingSaved));
+  emit saved(fileBeingSaved);
   if (closes) {
     close();
   }
+}
+
+/// Another part that was in the same file is lost from it.
+void PictureWindow::noteSaved() {
+  for (QString& file : files) {
+    if (Program::IsSameFile(file.toStdString(), fileBeingSaved.toStdString())) {
+      file.clear();
+    }
+  }
+  files[static_cast<std::size_t>(beingSaved)] = fileBeingSaved;
 }
 
 void PictureWindow::closeEvent(QCloseEvent* event) {
@@ -203,21 +231,18 @@ void PictureWindow::closeEvent(QCloseEvent* event) {
     showUnsavedPart();
     askWhereToSave();
   }
-  if (event->isAccepted()) {
-    emit closed();
-  }
 }
 
 bool PictureWindow::isSaved() const { return countUnsaved() == 0; }
 
 std::size_t PictureWindow::countUnsaved() const {
-  return static_cast<std::size_t>(std::count(isPartSaved.begin(), isPartSaved.end(), false));
+  return static_cast<std::size_t>(std::count(files.begin(), files.end(), QString()));
 }
 
 void PictureWindow::showUnsavedPart() {
-  const auto unsaved = std::find(isPartSaved.begin(), isPartSaved.end(), false);
+  const auto unsaved = std::find(files.begin(), files.end(), QString());
   if (partChoice != nullptr) {
-    partChoice->setCurrentIndex(static_cast<int>(unsaved - isPartSaved.begin()));
+    partChoice->setCurrentIndex(static_cast<int>(unsaved - files.begin()));
   }
 }
 

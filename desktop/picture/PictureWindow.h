@@ -44,7 +44,6 @@ class PictureWindow : public QMainWindow {
   void saveFailed(const QString& line);
   void copied();
   void newCaptureAsked();
-  void closed();
 
  protected:
   /// Asks when something is not saved, and waits until what is being saved is.
@@ -55,7 +54,9 @@ class PictureWindow : public QMainWindow {
   void addPartChoice();
   void showNotes(const QStringList& notes);
   void askWhereToSave();
+  QString suggestedFile() const;
   void endSaving(bool isWritten, const QString& line);
+  void noteSaved();
   void showUnsavedPart();
   void say(const QString& line);
   void showState();
@@ -64,10 +65,11 @@ class PictureWindow : public QMainWindow {
 
   const ClosingQuestion question;
   const std::vector<SharedPicture> parts;
-  std::vector<bool> isPartSaved;
+  std::vector<QString> files;  ///< that the parts are saved in; empty: not saved
   int shown = 0;
   int beingSaved = 0;
-  QString savePath;
+  QString fileBeingSaved;
+  QString chosenFile;  ///< by the user last, instead of what was suggested
   bool closesWhenSaved = false;
   bool copiesWhenReady = false;
   PictureView* pictureView;

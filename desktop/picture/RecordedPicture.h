@@ -20,20 +20,15 @@ struct RecordingStore {
 
 /// One part of what was recorded. Any number of threads may read it at once. Its captures, and the
 /// files that they wait in, go with it.
-class RecordedPicture {
+class RecordedPicture : public StitchedPicture {
  public:
   /// @param kept not null
   RecordedPicture(std::shared_ptr<const StitchedPicture> shown,
                   std::shared_ptr<RecordingStore> kept);
 
-  /// Width and height in pixels.
-  const cv::Size& Size() const { return size; }
-
-  /// Whether no pixel is even partly transparent.
-  bool IsOpaque() const { return isOpaque; }
-
-  /// See StitchedPicture::Area.
-  cv::Mat Area(const cv::Rect& area) const;
+  cv::Size Size() const override { return size; }
+  bool IsOpaque() const override { return isOpaque; }
+  cv::Mat Area(const cv::Rect& area) const override;
 
  private:
   std::shared_ptr<RecordingStore> store;  ///< goes last, since the picture needs its files

@@ -8,7 +8,6 @@
 namespace ScrollingCapture::Desktop {
 namespace {
 
-constexpr int HighestLevel = 20;
 constexpr int StripPixels = 1 << 20;
 
 /// Rounded up, so that the last pixels of a picture are not lost.
@@ -27,9 +26,7 @@ cv::Rect AreaOf(const Tile& tile, const cv::Size& picture) {
   return cv::Rect(tile.column * reach, tile.row * reach, reach, reach) & whole;
 }
 
-int LevelFor(double zoom) {
-  return zoom >= 1 ? 0 : std::min(static_cast<int>(std::log2(1 / zoom)), HighestLevel);
-}
+int LevelFor(double zoom) { return zoom >= 1 ? 0 : static_cast<int>(std::log2(1 / zoom)); }
 
 QImage DrawTile(const RecordedPicture& picture, const Tile& tile,
                 const std::function<bool()>& goOn) {

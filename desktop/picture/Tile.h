@@ -29,7 +29,7 @@ inline int ReachOf(int level) { return Tile::Side << level; }
 cv::Rect AreaOf(const Tile& tile, const cv::Size& picture);
 
 /// The level at which tiles have as many pixels as a zoom shows, or up to twice as many.
-/// @param zoom pixels of the screen for one of the picture
+/// @param zoom pixels of the screen for one of the picture, above 0
 int LevelFor(double zoom);
 
 /// Draws a tile, with no more than some MiB of the picture in memory. Throws what Area throws.

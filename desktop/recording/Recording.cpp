@@ -78,13 +78,11 @@ Live::RecordingEnd Recording::record(Live::ICaptureSource& source) {
   try {
     end = recorder.Run();
   } catch (const std::exception&) {
-    end.reason = Live::RecordingEnd::Reason::SourceLost;
     end.line = Explain(std::current_exception()).toStdString();
     end.status = lastStatus;
   }
-  const std::string why = !end.line.empty() ? end.line : end.status.hindrance;
-  if (end.status.captures == 0) {
-    throw Program::Failed("nothing was captured" + (why.empty() ? std::string() : ": " + why));
+  if (const auto nothing = end.NothingCaptured()) {
+    throw Program::Failed(*nothing);
   }
   return end;
 }

@@ -9,13 +9,12 @@ namespace {
 
 QString Translated(const char* words) { return QCoreApplication::translate("Recording", words); }
 
-/// The way back, where there is one: the window's first row and column then.
-QString TooFastWords(const Live::RecordingStatus& status) {
-  const int row = status.lastJoined.row - status.seen.y;
-  const int column = status.lastJoined.column - status.seen.x;
-  const QString where = column == 0 ? Translated("row %1").arg(QLocale().toString(row))
-                                    : Translated("row %1, column %2")
-                                          .arg(QLocale().toString(row), QLocale().toString(column));
+QString TooFastWords(const Place& wayBack) {
+  const QString row = QLocale().toString(wayBack.row);
+  const QString where =
+      wayBack.column == 0
+          ? Translated("row %1").arg(row)
+          : Translated("row %1, column %2").arg(row, QLocale().toString(wayBack.column));
   return Translated("Too fast: scroll back to where %1 of the picture was at the top").arg(where);
 }
 
@@ -37,7 +36,7 @@ QString WarningWords(const Live::RecordingStatus& status) {
     return AsLine(status.hindrance);
   }
   if (status.tooFast) {
-    return TooFastWords(status);
+    return TooFastWords(status.WayBack());
   }
   return status.doubtful > 0 ? DoubtWords(status.doubtful) : QString();
 }

@@ -19,16 +19,6 @@ namespace {
 
 constexpr int LongestSide = 64;
 
-/// A window of the page, or else pixels of its own.
-cv::Mat AnyCapture(FuzzedDataProvider& data, const cv::Mat& page, const cv::Size& size) {
-  if (data.ConsumeIntegralInRange(0, 5) == 0) {
-    return AnyPixels(data, size, page.type());
-  }
-  const int column = data.ConsumeIntegralInRange(0, page.cols - size.width);
-  const int row = data.ConsumeIntegralInRange(0, page.rows - size.height);
-  return page(cv::Rect({column, row}, size)).clone();
-}
-
 void ExpectSound(const PlacedCapture& placed, std::size_t index) {
   Expect(placed.part >= 1 && placed.part <= static_cast<int>(index) + 1, "parts are numbered");
   Expect(placed.join.equal >= 0 && placed.join.equal <= placed.join.compared,
@@ -44,7 +34,7 @@ void PlaceOneByOne(FuzzedDataProvider& data, BasicImageProvider& captures,
   CapturePlacer placer(captures, settings);
   for (std::size_t i = 0; i < captures.Count(); ++i) {
     const cv::Mat& capture = *captures.GetImageAt(i);
-    const PreparedCapture prepared = CapturePlacer::Prepare(capture);
+    const PreparedCapture prepared = PreparedCapture(capture);
     if (data.ConsumeIntegralInRange(0, 3) == 0) {
       const Translation motion = AnyTranslation(data, capture.size());
       const bool isSmall = std::abs(std::int64_t{motion.GetRows()}) < (1 << 18) &&
@@ -86,7 +76,7 @@ void PlaceAny(FuzzedDataProvider& data) {
   BasicImageProvider captures;
   const auto count = data.ConsumeIntegralInRange<std::size_t>(1, 6);
   for (std::size_t i = 0; i < count; ++i) {
-    cv::Mat capture = AnyCapture(data, page, size);
+    cv::Mat capture = AnyCaptureOf(data, page, size, 6);
     captures.Add(capture);
   }
   PlaceOneByOne(data, captures, settings);

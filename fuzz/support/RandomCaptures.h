@@ -30,6 +30,18 @@ inline cv::Mat AnyPixels(FuzzedDataProvider& data, const cv::Size& size, int typ
   return image;
 }
 
+/// What a window shows that scrolls over a page, or else, about once in `times` calls, pixels of
+/// its own.
+inline cv::Mat AnyCaptureOf(FuzzedDataProvider& data, const cv::Mat& page, const cv::Size& size,
+                            int times) {
+  if (data.ConsumeIntegralInRange(0, times - 1) == 0) {
+    return AnyPixels(data, size, page.type());
+  }
+  const int column = data.ConsumeIntegralInRange(0, page.cols - size.width);
+  const int row = data.ConsumeIntegralInRange(0, page.rows - size.height);
+  return page(cv::Rect({column, row}, size)).clone();
+}
+
 /// A number near the lengths that matter, or else any number at all.
 inline int AnyCoordinate(FuzzedDataProvider& data, int length) {
   constexpr int Lowest = std::numeric_limits<int>::min();

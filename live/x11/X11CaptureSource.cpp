@@ -15,7 +15,6 @@ using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds BetweenGuesses(16);  // where no changes are told
-constexpr std::uint8_t SentFlag = 0x80;
 
 std::string NumberOf(xcb_window_t window) {
   std::ostringstream number;
@@ -127,14 +126,14 @@ void X11CaptureSource::TakeEvents() {
 }
 
 void X11CaptureSource::Take(const xcb_generic_event_t& event) {
-  const int type = event.response_type & ~SentFlag;
+  const int type = EventType(event);
   if (type == XCB_DESTROY_NOTIFY) {
-    throw CaptureEnded(CaptureEnded::Reason::WindowClosed, "the window was closed");
+    throw CaptureEnded("the window was closed");
   }
   if (type == XCB_CONFIGURE_NOTIFY) {
     const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
     if (cv::Size(configured.width, configured.height) != area.size()) {
-      throw CaptureEnded(CaptureEnded::Reason::WindowResized, "the window changed its size");
+      throw CaptureEnded("the window changed its size");
     }
   }
   if (type == XCB_MAP_NOTIFY && IsWindow()) {
@@ -146,7 +145,7 @@ void X11CaptureSource::Take(const xcb_generic_event_t& event) {
 
 void X11CaptureSource::RequireServer() const {
   if (connection.IsLost()) {
-    throw CaptureEnded(CaptureEnded::Reason::ServerLost, "the connection to the X server broke");
+    throw CaptureEnded("the connection to the X server broke");
   }
 }
 
@@ -174,9 +173,7 @@ cv::Mat X11CaptureSource::Read() {
 }
 
 std::string X11CaptureSource::Scroll(ScrollDirection direction, int steps) {
-  const cv::Rect screen(0, 0, connection.Screen().width_in_pixels,
-                        connection.Screen().height_in_pixels);
-  const cv::Rect visible = Region() & screen;
+  const cv::Rect visible = Region() & WholeDisplay(connection);
   if (visible.empty() || scrolled == XCB_WINDOW_NONE) {
     return "there is no window to scroll at the region's middle";
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -60,6 +61,18 @@ class XConnection {
     return XReply<Content>(receive(connection, request(connection, arguments...), nullptr));
   }
 
+  /// Agrees with the server on the version of an extension, which is to be done before anything
+  /// else is asked of it: AgreeOn(xcb_damage_id, xcb_damage_query_version,
+  /// xcb_damage_query_version_reply, 1, 1).
+  /// @param major,minor the version that is wanted
+  /// @return the version that there is; null where the server has no such extension
+  template <typename Request, typename Receive>
+  auto AgreeOn(xcb_extension_t& extension, Request queryVersion, Receive receive,
+               std::uint32_t major, std::uint32_t minor) const {
+    using Version = decltype(Ask(queryVersion, receive, major, minor));
+    return Has(extension) ? Ask(queryVersion, receive, major, minor) : Version();
+  }
+
   /// Waits until the server has done everything asked so far.
   void Sync() const { Ask(xcb_get_input_focus, xcb_get_input_focus_reply); }
 
@@ -67,6 +80,12 @@ class XConnection {
   xcb_connection_t* connection;
   xcb_screen_t* screen = nullptr;
 };
+
+/// What happened, such as XCB_KEY_PRESS, whether the server or another program tells of it.
+inline int EventType(const xcb_generic_event_t& event) {
+  constexpr int SentByProgram = 0x80;
+  return event.response_type & ~SentByProgram;
+}
 
 /// Waits for the server's answer to a checked request.
 /// @return whether it was done

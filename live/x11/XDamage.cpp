@@ -1,17 +1,10 @@
 #include <live/x11/XDamage.h>
 
 namespace ScrollingCapture::Live {
-namespace {
-
-constexpr std::uint8_t SentFlag = 0x80;
-
-}  // namespace
 
 XDamage::XDamage(const XConnection& connection, xcb_window_t window) : connection(connection) {
-  if (!connection.Has(xcb_damage_id) ||
-      !connection.Ask(xcb_damage_query_version, xcb_damage_query_version_reply,
-                      std::uint32_t{XCB_DAMAGE_MAJOR_VERSION},
-                      std::uint32_t{XCB_DAMAGE_MINOR_VERSION})) {
+  if (!connection.AgreeOn(xcb_damage_id, xcb_damage_query_version, xcb_damage_query_version_reply,
+                          XCB_DAMAGE_MAJOR_VERSION, XCB_DAMAGE_MINOR_VERSION)) {
     return;
   }
   const xcb_damage_damage_t made = xcb_generate_id(connection.Get());
@@ -28,8 +21,8 @@ XDamage::~XDamage() {
 }
 
 bool XDamage::IsIn(const xcb_generic_event_t& event, const cv::Rect& area) const {
-  if (!IsHeard() || (event.response_type & ~SentFlag) !=
-                        connection.FirstEventOf(xcb_damage_id) + XCB_DAMAGE_NOTIFY) {
+  if (!IsHeard() ||
+      EventType(event) != connection.FirstEventOf(xcb_damage_id) + XCB_DAMAGE_NOTIFY) {
     return false;
   }
   const auto& drawn = reinterpret_cast<const xcb_damage_notify_event_t&>(event).area;

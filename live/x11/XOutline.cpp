@@ -21,10 +21,8 @@ std::array<cv::Rect, 4> SidesOf(const cv::Rect& area) {
 
 /// The pointer goes through the windows then, to what is below.
 void LetPointerThrough(const XConnection& connection, const std::array<xcb_window_t, 4>& windows) {
-  if (!connection.Has(xcb_xfixes_id) ||
-      !connection.Ask(xcb_xfixes_query_version, xcb_xfixes_query_version_reply,
-                      std::uint32_t{XCB_XFIXES_MAJOR_VERSION},
-                      std::uint32_t{XCB_XFIXES_MINOR_VERSION})) {
+  if (!connection.AgreeOn(xcb_xfixes_id, xcb_xfixes_query_version, xcb_xfixes_query_version_reply,
+                          XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION)) {
     return;
   }
   const xcb_xfixes_region_t nothing = xcb_generate_id(connection.Get());

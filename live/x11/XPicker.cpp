@@ -5,16 +5,15 @@
 #include <thread>
 
 #include <live/x11/XConnection.h>
+#include <live/x11/XKeySymbols.h>
 #include <live/x11/XOutline.h>
 #include <live/x11/XPicker.h>
 #include <live/x11/XWindows.h>
-#include <xcb/xcb_keysyms.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 namespace ScrollingCapture::Live {
 namespace {
 
-constexpr std::uint8_t SentFlag = 0x80;
 constexpr int ShortestDrag = 8;  // in pixels; anything shorter is a click
 constexpr std::uint16_t CrosshairShape = 34;
 
@@ -65,7 +64,7 @@ class Picker {
 
   /// @return whether the user has chosen or cancelled
   bool Take(const xcb_generic_event_t& event) {
-    switch (event.response_type & ~SentFlag) {
+    switch (EventType(event)) {
       case XCB_BUTTON_PRESS:
         return Press(reinterpret_cast<const xcb_button_press_event_t&>(event));
       case XCB_MOTION_NOTIFY:
@@ -120,8 +119,7 @@ class Picker {
   }
 
   bool IsEscape(const xcb_key_press_event_t& event) const {
-    const std::unique_ptr<xcb_key_symbols_t, decltype(&xcb_key_symbols_free)> symbols(
-        xcb_key_symbols_alloc(connection.Get()), &xcb_key_symbols_free);
+    const XKeySymbols symbols = KeySymbolsOf(connection);
     return xcb_key_symbols_get_keysym(symbols.get(), event.detail, 0) == XKB_KEY_Escape;
   }
 
@@ -151,11 +149,14 @@ std::optional<XChoice> Pick(const XConnection& connection, const std::function<b
   constexpr std::chrono::milliseconds Moment(20);
   const XGrabbedInput input(connection);
   Picker picker(connection);
-  while (goOn() && !connection.IsLost()) {
+  while (goOn()) {
     while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection.Get())}) {
       if (picker.Take(*event)) {
         return picker.choice;
       }
+    }
+    if (connection.IsLost()) {
+      throw CaptureFailure("the connection to the X server broke");
     }
     std::this_thread::sleep_for(Moment);
   }

@@ -23,8 +23,8 @@ struct XPixels {
 
 /// Turns the server's pixels into a capture's: of colours with more than 8 bits the upper ones,
 /// which give back every colour that was drawn with 8 bits.
-/// @param rows   of `width` pixels of 32 bits each, without gaps
-/// @param target CV_8UC4: gets red, green, blue, and an alpha of 255
+/// @param rows   as many as the target has, each of as many pixels of 32 bits, without gaps
+/// @param target CV_8UC4 of the size wanted: gets red, green, blue, and an alpha of 255
 void ConvertPixels(const std::uint32_t* rows, const XPixels& pixels, cv::Mat& target);
 
 }  // namespace ScrollingCapture::Live

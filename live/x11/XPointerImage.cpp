@@ -19,10 +19,8 @@ void Lay(std::uint32_t pixel, cv::Vec4b& under) {
 }  // namespace
 
 void DrawPointer(const XConnection& connection, const cv::Point& origin, cv::Mat& capture) {
-  if (!connection.Has(xcb_xfixes_id) ||
-      !connection.Ask(xcb_xfixes_query_version, xcb_xfixes_query_version_reply,
-                      std::uint32_t{XCB_XFIXES_MAJOR_VERSION},
-                      std::uint32_t{XCB_XFIXES_MINOR_VERSION})) {
+  if (!connection.AgreeOn(xcb_xfixes_id, xcb_xfixes_query_version, xcb_xfixes_query_version_reply,
+                          XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION)) {
     return;
   }
   const auto pointer =

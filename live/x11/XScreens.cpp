@@ -8,17 +8,12 @@ namespace {
 using Resources = xcb_randr_get_screen_resources_current_reply_t;
 
 XReply<Resources> ResourcesOf(const XConnection& connection) {
-  if (!connection.Has(xcb_randr_id) ||
-      !connection.Ask(xcb_randr_query_version, xcb_randr_query_version_reply, std::uint32_t{1},
-                      std::uint32_t{3})) {
+  if (!connection.AgreeOn(xcb_randr_id, xcb_randr_query_version, xcb_randr_query_version_reply, 1,
+                          3)) {
     return nullptr;
   }
   return connection.Ask(xcb_randr_get_screen_resources_current,
                         xcb_randr_get_screen_resources_current_reply, connection.Root());
-}
-
-cv::Rect WholeDisplay(const XConnection& connection) {
-  return {0, 0, connection.Screen().width_in_pixels, connection.Screen().height_in_pixels};
 }
 
 std::string NameOfOutput(const XConnection& connection, xcb_randr_output_t output) {
@@ -32,6 +27,10 @@ std::string NameOfOutput(const XConnection& connection, xcb_randr_output_t outpu
 }
 
 }  // namespace
+
+cv::Rect WholeDisplay(const XConnection& connection) {
+  return {0, 0, connection.Screen().width_in_pixels, connection.Screen().height_in_pixels};
+}
 
 std::vector<cv::Rect> ScreensOf(const XConnection& connection) {
   std::vector<cv::Rect> screens;

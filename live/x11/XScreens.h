@@ -8,6 +8,9 @@
 
 namespace ScrollingCapture::Live {
 
+/// The rectangle around all screens, in pixels; they need not fill it.
+cv::Rect WholeDisplay(const XConnection& connection);
+
 /// Where the screens lie that make up the display, in pixels. They may overlap.
 std::vector<cv::Rect> ScreensOf(const XConnection& connection);
 

@@ -1,27 +1,18 @@
-#include <algorithm>
-#include <cctype>
 #include <sstream>
 #include <vector>
 
+#include <live/x11/LowerCase.h>
+#include <live/x11/XKeySymbols.h>
 #include <live/x11/XStopKey.h>
-#include <xcb/xcb_keysyms.h>
 #include <xkbcommon/xkbcommon.h>
 
 namespace ScrollingCapture::Live {
 namespace {
 
-constexpr std::uint8_t SentFlag = 0x80;
-
 struct Key {
   xkb_keysym_t symbol = XKB_KEY_NoSymbol;
   unsigned int modifiers = 0;
 };
-
-std::string LowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  return text;
-}
 
 /// The bit of a modifier's name; 0 when it is none.
 unsigned int ModifierOf(const std::string& name) {
@@ -69,8 +60,7 @@ Key ParseKey(const std::string& name) {
 
 /// The codes of the keys that give a symbol.
 std::vector<xcb_keycode_t> CodesOf(const XConnection& connection, xkb_keysym_t symbol) {
-  const std::unique_ptr<xcb_key_symbols_t, decltype(&xcb_key_symbols_free)> symbols(
-      xcb_key_symbols_alloc(connection.Get()), &xcb_key_symbols_free);
+  const XKeySymbols symbols = KeySymbolsOf(connection);
   const XReply<xcb_keycode_t> codes(xcb_key_symbols_get_keycode(symbols.get(), symbol));
   std::vector<xcb_keycode_t> found;
   for (const xcb_keycode_t* code = codes.get(); code != nullptr && *code != XCB_NO_SYMBOL; ++code) {
@@ -112,7 +102,7 @@ XStopKey::XStopKey(const std::string& name) {
 bool XStopKey::WasPressed() {
   bool wasPressed = false;
   while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection.Get())}) {
-    wasPressed = wasPressed || (event->response_type & ~SentFlag) == XCB_KEY_PRESS;
+    wasPressed = wasPressed || EventType(*event) == XCB_KEY_PRESS;
   }
   return wasPressed;
 }

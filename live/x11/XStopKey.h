@@ -10,9 +10,8 @@ namespace ScrollingCapture::Live {
 /// lives.
 class XStopKey {
  public:
-  /// @param name such as F12, Pause or Ctrl+Shift+s: names of X key symbols, after modifiers.
-  /// Throws
-  ///             CaptureFailure when there is no such key, or another program has taken it.
+  /// Throws CaptureFailure when there is no such key, or another program has taken it.
+  /// @param name such as F12, Pause or Ctrl+Shift+s: names of X key symbols, after modifiers
   explicit XStopKey(const std::string& name);
 
   /// Whether it was pressed since the last call.

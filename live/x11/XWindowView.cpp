@@ -7,12 +7,9 @@ namespace {
 
 /// Pixmaps of windows came with version 0.2.
 bool HasWindowPixmaps(const XConnection& connection) {
-  if (!connection.Has(xcb_composite_id)) {
-    return false;
-  }
-  const auto version = connection.Ask(
-      xcb_composite_query_version, xcb_composite_query_version_reply,
-      std::uint32_t{XCB_COMPOSITE_MAJOR_VERSION}, std::uint32_t{XCB_COMPOSITE_MINOR_VERSION});
+  const auto version = connection.AgreeOn(xcb_composite_id, xcb_composite_query_version,
+                                          xcb_composite_query_version_reply,
+                                          XCB_COMPOSITE_MAJOR_VERSION, XCB_COMPOSITE_MINOR_VERSION);
   return version && (version->major_version > 0 || version->minor_version >= 2);
 }
 

@@ -1,7 +1,8 @@
 #include <algorithm>
-#include <cctype>
 #include <sstream>
 
+#include <live/x11/LowerCase.h>
+#include <live/x11/XScreens.h>
 #include <live/x11/XWindows.h>
 
 namespace ScrollingCapture::Live {
@@ -75,12 +76,6 @@ std::vector<xcb_window_t> ProgramWindows(const XConnection& connection) {
   return {first, first + list->value_len};
 }
 
-std::string LowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  return text;
-}
-
 std::string Named(const XConnection& connection, const std::vector<xcb_window_t>& windows) {
   std::ostringstream names;
   for (const xcb_window_t window : windows) {
@@ -111,9 +106,7 @@ bool IsViewable(const XConnection& connection, xcb_window_t window) {
 
 bool IsCovered(const XConnection& connection, xcb_window_t window) {
   const std::optional<cv::Rect> area = AreaOnScreen(connection, window);
-  const cv::Rect screen(0, 0, connection.Screen().width_in_pixels,
-                        connection.Screen().height_in_pixels);
-  if (!area || (*area & screen) != *area) {
+  if (!area || (*area & WholeDisplay(connection)) != *area) {
     return true;
   }
   while (window != XCB_WINDOW_NONE && window != connection.Root()) {

@@ -20,7 +20,7 @@ class Saving {
   /// capture, Failed, Cancelled when it is told to stop, and what rendering throws.
   void Stage(const TellProgress& tell);
 
-  /// Shows everything. Throws Failed.
+  /// Shows everything. Throws BadInput when the report has the name of a piece or part, and Failed.
   void Commit() { outputs.Commit(); }
 
   /// The files of the picture.
@@ -30,9 +30,6 @@ class Saving {
   std::string Summary() const;
 
  private:
-  void StagePart(std::size_t index, const TellProgress& tell);
-  void RequireNoCaptureReplaced() const;
-
   const Stitched& stitched;
   Program::ReportContent content;
   Program::Outputs outputs;

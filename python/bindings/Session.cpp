@@ -1,64 +1,29 @@
 #include <new>
 #include <optional>
 #include <stdexcept>
-#include <thread>
-#include <utility>
 
 #include <python/bindings/Remarks.h>
 #include <python/bindings/Session.h>
+#include <velscroll/stitch/StitchListener.h>
 #include <velscroll/terminal/Failure.h>
-
-#include <VelScrollingCapture/core/IStitcherListener.h>
 
 namespace ScrollingCapture::Python {
 namespace {
 
 using Program::BadInput;
 
-/// Passes the progress on, and notes why a stitch failed and when its detection ended.
-class StitchListener : public IStitcherListener {
- public:
-  explicit StitchListener(const TellProgress& tell) : tell(tell) {}
-
-  /// While translations are detected, the calls come from other threads.
-  bool ProgressCallback(int percent) override {
-    if (!detectionSeconds && std::this_thread::get_id() == stitching) {
-      detectionSeconds = clock.Lap();
-    }
-    return tell(percent);
+[[noreturn]] void ExplainFailure(const Program::StitchListener& listener,
+                                 const std::vector<std::string>& remarks) {
+  switch (listener.Error().value_or(IStitcherListener::NoTranslations)) {
+    case IStitcherListener::Cancelled:
+      throw Program::Cancelled();
+    case IStitcherListener::ImageProcessingFailed:
+      throw std::bad_alloc();
+    default:
+      throw std::runtime_error("the captures could not be stitched" +
+                               (remarks.empty() ? std::string() : ": " + remarks.front()));
   }
-
-  void StitchingComplete(bool /*success*/) override {}
-
-  bool StitchingError(StitcherErrorCodes code, bool /*fatal*/) override {
-    error = code;
-    return false;
-  }
-
-  void FillTimes(Program::StageSeconds& seconds) {
-    seconds.detection = detectionSeconds.value_or(0);
-    seconds.composing = clock.Lap();
-  }
-
-  [[noreturn]] void ExplainFailure(const std::vector<std::string>& remarks) const {
-    switch (error.value_or(NoTranslations)) {
-      case Cancelled:
-        throw Program::Cancelled();
-      case ImageProcessingFailed:
-        throw std::bad_alloc();
-      default:
-        throw std::runtime_error("the captures could not be stitched" +
-                                 (remarks.empty() ? std::string() : ": " + remarks.front()));
-    }
-  }
-
- private:
-  const TellProgress& tell;
-  const std::thread::id stitching = std::this_thread::get_id();
-  Program::StageClock clock;
-  std::optional<double> detectionSeconds;
-  std::optional<StitcherErrorCodes> error;
-};
+}
 
 }  // namespace
 
@@ -107,11 +72,11 @@ Stitched Session::Stitch(const TellProgress& tell) {
     end = "a session with phase correlation stitches once; begin a new one";
   }
   Program::StageSeconds seconds = {clock.Lap(), 0, 0, 0};
-  StitchListener listener(tell);
+  Program::StitchListener listener(tell);
   const Remarks remarks;
   const std::optional<SessionResult> result = session.Stitch(&listener);
   if (!result) {
-    listener.ExplainFailure(remarks.Lines());
+    ExplainFailure(listener, remarks.Lines());
   }
   listener.FillTimes(seconds);
   Stitched stitched = Describe(*result);

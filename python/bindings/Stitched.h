@@ -13,17 +13,17 @@
 namespace ScrollingCapture::Python {
 
 /// A stitched picture that any thread may ask for pixels.
-class LockedPicture {
+class LockedPicture : public StitchedPicture {
  public:
   /// @param mutex is held while the picture reads the captures of a session
   LockedPicture(std::shared_ptr<const StitchedPicture> picture, std::shared_ptr<std::mutex> mutex);
 
-  cv::Size Size() const { return size; }
-  bool IsOpaque() const { return opaque; }
+  cv::Size Size() const override { return size; }
+  bool IsOpaque() const override { return opaque; }
 
   /// As StitchedPicture::Area. Throws std::invalid_argument when the area is empty or reaches
   /// outside the picture.
-  cv::Mat Area(const cv::Rect& area) const;
+  cv::Mat Area(const cv::Rect& area) const override;
 
  private:
   const std::shared_ptr<const StitchedPicture> picture;

@@ -155,8 +155,8 @@ class Result:
         """Writes the picture, row by row, and gives the names of the files.
 
         The extension tells the format: .png, .tif, .tiff, .bmp, .webp (lossless), .jpg or .jpeg; "-"
-        is standard output, in PNG. Several parts become page-1.png, page-2.png and so on. All files
-        appear when everything has been written, or none.
+        is standard output, in PNG. Several parts become page-1.png, page-2.png and so on. No file
+        appears before everything has been written.
 
         jpeg_quality is 1 to 100, png_level 0 (fast) to 9 (small). background, such as "#f0f0f0" or
         "white", shows where no capture does. split cuts the picture into files of at most that many
@@ -164,7 +164,8 @@ class Result:
         progress is called on this thread with 0 to 100.
 
         Raises ValueError for an extension that stands for no format, a picture that the format cannot
-        hold, and a file that is one of the captures; OSError when a file cannot be written.
+        hold, a file that is one of the captures, and a report called like a file of the picture;
+        OSError when a file cannot be written.
         """
         options = output_options(
             path, jpeg_quality=jpeg_quality, png_level=png_level, background=background, split=split,

@@ -50,8 +50,7 @@ class MemoryFault {
 /// Calls `attempt(fault)` for the failure of every allocation that its operation makes, and at last
 /// without any. No matrix may be left behind.
 /// @param attempt sets up what it needs, hands the operation to MemoryFault::HitsDuring, and looks
-/// at
-///                the outcome
+///                at the outcome
 template <typename Attempt>
 void ForEachFailingAllocation(FailingAllocator::Failures failures, Attempt attempt) {
   const size_t liveBefore = FailingAllocator::LiveMatrices();

@@ -50,4 +50,15 @@ class ThrowingListener : public IStitcherListener {
   size_t calls = 0;
 };
 
+/// Whether the work ends by what a listener throws.
+template <typename Work>
+bool EndsByListener(Work work) {
+  try {
+    work();
+  } catch (const ListenerFailure&) {
+    return true;
+  }
+  return false;
+}
+
 }  // namespace ScrollingCapture::Testing

@@ -25,6 +25,7 @@ using Testing::CaptureCount;
 using Testing::CaptureSize;
 using Testing::ContentBox;
 using Testing::CountFailingAttempts;
+using Testing::EndsByListener;
 using Testing::FailingAllocator;
 using Testing::ForEachFailingAllocation;
 using testing::HasSubstr;
@@ -196,12 +197,8 @@ TEST(BorderDetectionListener, EndsTheStitchByThrowingAndLosesNothing) {
     cv::Mat result;
     const auto stitcher = MakeStitcher();
     ThrowingListener listener(passing);
-    bool threw = false;
-    try {
-      EXPECT_TRUE(stitcher->Stitch(captures, result, &listener, 0, 100, true));
-    } catch (const ListenerFailure&) {
-      threw = true;
-    }
+    const bool threw = EndsByListener(
+        [&] { EXPECT_TRUE(stitcher->Stitch(captures, result, &listener, 0, 100, true)); });
     EXPECT_EQ(threw, listener.HasThrown());
     EXPECT_TRUE(result.empty() || SameBits(result, window.BorderedPage()));
     BasicImageProvider again = CapturesOf(window);

@@ -1,6 +1,7 @@
 // Files of pictures: what is in them, and that a failure leaves none.
 
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <unistd.h>
 
@@ -111,6 +112,17 @@ TEST_F(PictureFiles, AreSeveralWhenThePictureIsCut) {
   EXPECT_TRUE(SameBits(Read(folder.Prefix() + "page-2.png"), whole.rowRange(100, 200)));
 }
 
+TEST_F(PictureFiles, AreNotWrittenOverOneAnother) {
+  std::filesystem::create_symlink("page-2.png", folder.Prefix() + "page-1.png");
+  Testing::WriteFile(folder.Prefix() + "page-2.png", "before");
+  vel_file_settings settings = DefaultSettings();
+  settings.rows_per_file = 100;
+  EXPECT_EQ(Write("page.png", &settings), VEL_FILE_UNUSABLE);
+  EXPECT_THAT(Message(), HasSubstr("page-2.png'; choose different names"));
+  EXPECT_EQ(Testing::ReadFile(folder.Prefix() + "page-2.png"), "before");
+  EXPECT_EQ(folder.Contents().size(), 2U);
+}
+
 TEST_F(PictureFiles, AreOneForEachPart) {
   const auto parts = StitchAt(page, {0, 40, 500, 540});
   const std::string path = folder.Prefix() + "page.png";
@@ -160,17 +172,38 @@ TEST_F(PictureFiles, AreNotWrittenToAFullDisk) {
   EXPECT_EQ(Testing::ReadFile(folder.Prefix() + "page.bmp"), "before");
 }
 
-TEST_F(PictureFiles, AreNotWrittenInAFormatThatIsTooSmall) {
-  cv::Mat wide(2, 16384, CV_8UC4, cv::Scalar::all(255));
+struct Excess {
+  const char* name;
+  cv::Size size;
+  std::string message;
+};
+
+void PrintTo(const Excess& excess, std::ostream* stream) { *stream << excess.name; }
+
+class PictureFilesTooLarge : public PictureFiles, public testing::WithParamInterface<Excess> {};
+
+TEST_P(PictureFilesTooLarge, AreNotWrittenAndTheCallerHearsWhatWouldDo) {
   const auto session = Testing::MakeSession();
-  Testing::Add(session.get(), wide);
-  const auto tooWide = Testing::PartOf(Testing::Stitch(session.get()).get());
+  Testing::Add(session.get(), cv::Mat(GetParam().size, CV_8UC4, cv::Scalar::all(255)));
+  const auto tooLarge = Testing::PartOf(Testing::Stitch(session.get()).get());
   const std::string path = folder.Prefix() + "page.webp";
-  EXPECT_EQ(vel_picture_write(tooWide.get(), path.c_str(), nullptr, nullptr, nullptr),
+  EXPECT_EQ(vel_picture_write(tooLarge.get(), path.c_str(), nullptr, nullptr, nullptr),
             VEL_FILE_UNUSABLE);
-  EXPECT_THAT(Testing::MessageOf(tooWide.get()), HasSubstr("too large for WebP"));
+  EXPECT_EQ(Testing::MessageOf(tooLarge.get()), GetParam().message);
   EXPECT_THAT(folder.Contents(), IsEmpty());
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    WebP, PictureFilesTooLarge,
+    testing::Values(Excess{"Columns",
+                           {16384, 2},
+                           "an image of 16384 x 2 pixels is too large for WebP, which holds at "
+                           "most 16383 rows or columns; write a PNG file"},
+                    Excess{"Rows",
+                           {2, 16384},
+                           "an image of 2 x 16384 pixels is too large for WebP, which holds at "
+                           "most 16383 rows or columns; set rows_per_file, or write a PNG file"}),
+    [](const auto& excess) { return std::string(excess.param.name); });
 
 TEST_F(PictureFiles, AreNotWrittenWithSettingsOutOfRange) {
   const auto refuses = [this](void (*spoil)(vel_file_settings&)) {

@@ -34,6 +34,15 @@ TEST(ArgumentsTest, AskForHelpAndVersion) {
   EXPECT_TRUE(Parse({"--version"}).text.startsWith("velscroll-desktop "));
 }
 
+TEST(ArgumentsTest, AreRefusedInWordsThatQuoteThem) {
+  try {
+    Parse({"--region", "99999x9+0+0"});
+    FAIL() << "a screen is not so wide";
+  } catch (const Program::BadInput& refusal) {
+    EXPECT_TRUE(QString(refusal.what()).endsWith("not '99999x9+0+0'")) << refusal.what();
+  }
+}
+
 class BadArgumentsTest : public testing::TestWithParam<QStringList> {};
 
 TEST_P(BadArgumentsTest, AreRefused) { EXPECT_THROW(Parse(GetParam()), Program::BadInput); }

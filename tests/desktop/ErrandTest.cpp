@@ -33,10 +33,10 @@ TEST_P(ErrandFailureTest, IsToldInOneLine) {
 INSTANTIATE_TEST_SUITE_P(
     Exceptions, ErrandFailureTest,
     testing::Values(
-        FailureCase{"OfMemory", [] { throw std::bad_alloc(); }, "There is not enough memory"},
+        FailureCase{"OfMemory", [] { throw std::bad_alloc(); }, "Not enough memory"},
         FailureCase{"OfMemoryInOpenCV",
                     [] { throw cv::Exception(cv::Error::StsNoMem, "no", "f", "f.cpp", 1); },
-                    "There is not enough memory"},
+                    "Not enough memory"},
         FailureCase{"OfAnyKind", [] { throw std::runtime_error("two\nlines"); }, "Two lines"},
         FailureCase{"WithoutWords", [] { throw 5; }, "Unexpected failure"}),
     [](const auto& tested) { return tested.param.name; });

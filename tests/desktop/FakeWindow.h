@@ -36,7 +36,7 @@ class FakeSource : public Live::ICaptureSource {
   bool WaitForChange(std::chrono::milliseconds timeout) override {
     std::this_thread::sleep_for(std::min(timeout, std::chrono::milliseconds(5)));
     if (window.isClosed) {
-      throw Live::CaptureEnded(Live::CaptureEnded::Reason::WindowClosed, "the window was closed");
+      throw Live::CaptureEnded("the window was closed");
     }
     return window.row != grabbedRow;
   }

@@ -4,6 +4,7 @@
 
 #include <desktop/Host.h>
 #include <gtest/gtest.h>
+#include <testkit/TemporaryFolder.h>
 #include <velscroll/terminal/Failure.h>
 
 #include "FakeWindow.h"
@@ -87,6 +88,26 @@ TEST_F(HostTest, RecordsBesideAPanelAndShowsThePicture) {
   picture->close();
   EXPECT_EQ(closingQuestions, 1);
   EXPECT_TRUE(WaitForTheEnd(Program::Done));
+}
+
+TEST_F(HostTest, TakesThePicturesAndTheirFilesWithIt) {
+  const Testing::TemporaryFolder folder;
+  qputenv("TMPDIR", QByteArray::fromStdString(folder.Path().string()));
+  {
+    Host other({PickOf(window), {}, {}}, DialogQuestions());
+    other.record(PickOf(window), {});
+    auto* const panel = WaitFor<Panel>();
+    ASSERT_NE(panel, nullptr);
+    ASSERT_TRUE(WaitForRows(*panel, "200 rows"));
+    Click(*panel, "finish");
+    auto* const picture = WaitFor<PictureWindow>();
+    ASSERT_NE(picture, nullptr);
+    picture->copy();
+    EXPECT_TRUE(WaitUntil([&] { return folder.Contents().size() == 2; }));
+  }
+  qunsetenv("TMPDIR");
+  EXPECT_EQ(Shown<PictureWindow>(), nullptr);
+  EXPECT_TRUE(folder.Contents().empty());
 }
 
 TEST_F(HostTest, ShowsTheStartAgainWhenTheUserDiscards) {

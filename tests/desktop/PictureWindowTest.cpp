@@ -1,8 +1,11 @@
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDirIterator>
 #include <QFileDialog>
 #include <QSignalSpy>
+#include <QStatusBar>
 
 #include <desktop/picture/PictureWindow.h>
 #include <desktop/support/Pixels.h>
@@ -47,6 +50,17 @@ class PictureWindowTest : public testing::Test {
     return failed.isEmpty() ? QString() : failed[0][0].toString();
   }
 
+  /// What the user is offered to save the part under that is shown.
+  static QString SuggestedFile(PictureWindow& window) {
+    for (QAction* const action : window.findChildren<QAction*>()) {
+      if (action->text() == "Save As…") {
+        action->trigger();
+      }
+    }
+    std::unique_ptr<QFileDialog> dialog(window.findChild<QFileDialog*>());
+    return dialog ? dialog->selectedFiles().value(0) : QString();
+  }
+
   const Testing::TemporaryFolder folder;
   const cv::Mat pixels = Testing::NoiseCapture({300, 700}, 8);
   QStringList questions;
@@ -78,8 +92,10 @@ TEST_F(PictureWindowTest, TellsWhyItCannotSaveAndStaysUnsaved) {
 
 TEST_F(PictureWindowTest, TellsWhichFormatHoldsATallPicture) {
   const auto window = Open({RecordedAs(std::make_shared<EndlessPicture>())});
-  EXPECT_EQ(Save(*window, PathOf("page.jpg")),
-            "A picture of 800 x 4000000 pixels is too large for JPEG; save it as PNG");
+  EXPECT_EQ(
+      Save(*window, PathOf("page.jpg")),
+      "An image of 800 x 4000000 pixels is too large for JPEG, which holds at most 65500 rows "
+      "or columns; save it as PNG");
 }
 
 TEST_F(PictureWindowTest, LeavesTheOldFileWhenThePictureCannotBeRead) {
@@ -146,6 +162,47 @@ TEST_F(PictureWindowTest, AsksForEveryPart) {
   EXPECT_TRUE(window->close());
 }
 
+TEST_F(PictureWindowTest, SuggestsAFileOfItsOwnForEveryPart) {
+  const auto window = Open({RecordedFrom(pixels), RecordedFrom(pixels.rowRange(0, 100))});
+  EXPECT_EQ(Save(*window, PathOf("page.png")), "");
+  EXPECT_EQ(SuggestedFile(*window), PathOf("page.png"));
+  window->showPart(1);
+  EXPECT_EQ(SuggestedFile(*window), PathOf("page-2.png"));
+  EXPECT_EQ(Save(*window, PathOf("page-2.png")), "");
+  window->showPart(0);
+  EXPECT_EQ(SuggestedFile(*window), PathOf("page.png"));
+}
+
+TEST_F(PictureWindowTest, SuggestsNoFileOfAnotherPartForTheFirstOne) {
+  const auto window = Open({RecordedFrom(pixels), RecordedFrom(pixels.rowRange(0, 100))});
+  window->showPart(1);
+  EXPECT_EQ(Save(*window, PathOf("page.png")), "");
+  window->showPart(0);
+  EXPECT_EQ(SuggestedFile(*window), PathOf("page-1.png"));
+}
+
+TEST_F(PictureWindowTest, CountsAPartAsUnsavedWhoseFileAnotherPartHasReplaced) {
+  const auto window = Open({RecordedFrom(pixels), RecordedFrom(pixels.rowRange(0, 100))});
+  EXPECT_EQ(Save(*window, PathOf("page.png")), "");
+  window->showPart(1);
+  EXPECT_EQ(Save(*window, PathOf("./page.png")), "");
+  EXPECT_FALSE(window->isSaved());
+  EXPECT_FALSE(window->close());
+  EXPECT_EQ(questions, QStringList("1 of 2 parts of the picture are not saved."));
+  window->showPart(0);
+  EXPECT_EQ(Save(*window, PathOf("page-1.png")), "");
+  EXPECT_TRUE(window->isSaved());
+}
+
+TEST_F(PictureWindowTest, KeepsAPartSavedWhoseFileAnotherPartCouldNotReplace) {
+  const auto window = Open({RecordedFrom(pixels), RecordedAs(std::make_shared<LostPicture>())});
+  EXPECT_EQ(Save(*window, PathOf("page.png")), "");
+  window->showPart(1);
+  EXPECT_NE(Save(*window, PathOf("page.png")), "");
+  EXPECT_FALSE(window->close());
+  EXPECT_EQ(questions, QStringList("1 of 2 parts of the picture are not saved."));
+}
+
 TEST_F(PictureWindowTest, CopiesThePictureAsAnImageAndAsAFile) {
   const auto window = Open({RecordedFrom(pixels)});
   QSignalSpy copied(window.get(), &PictureWindow::copied);
@@ -157,6 +214,32 @@ TEST_F(PictureWindowTest, CopiesThePictureAsAnImageAndAsAFile) {
   ASSERT_EQ(data->urls().size(), 1);
   EXPECT_TRUE(Testing::SameBits(ReadBack(data->urls()[0].toLocalFile().toStdString()), pixels));
   EXPECT_TRUE(QImage::fromData(data->data("image/png")).width() == pixels.cols);
+}
+
+/// Tells where temporary files go.
+class CopyTest : public PictureWindowTest {
+ protected:
+  ~CopyTest() override { qunsetenv("TMPDIR"); }
+
+  bool IsPrepared() const {
+    QDirIterator files(PathOf(""), {"scrolling-capture.png"}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    return files.hasNext();
+  }
+};
+
+TEST_F(CopyTest, IsForgottenWhenItFails) {
+  const auto window = Open({RecordedFrom(pixels)});
+  QSignalSpy copied(window.get(), &PictureWindow::copied);
+  qputenv("TMPDIR", "/nowhere");
+  window->copy();
+  ASSERT_TRUE(WaitUntil(
+      [&] { return window->statusBar()->currentMessage().startsWith("No temporary folder"); }));
+  qputenv("TMPDIR", PathOf("").toLocal8Bit());
+  QTest::mousePress(window->findChild<DragHandle*>(), Qt::LeftButton);
+  ASSERT_TRUE(WaitUntil([this] { return IsPrepared(); }));
+  QTest::qWait(200);
+  EXPECT_EQ(copied.count(), 0) << "by now the user wants to drag it";
 }
 
 TEST_F(PictureWindowTest, LeavesNoTemporaryFile) {

@@ -87,6 +87,18 @@ TEST(AutoScroll, ScrollsBackStepByStepAndTakesSmallerSteps) {
   EXPECT_EQ(again->steps, 2);
 }
 
+TEST(AutoScroll, TurnsNoMoreStepsThanTheWindowHasRowsHoweverLittleTheyMove) {
+  AutoScroll scroll(ScrollDirection::Down, 0, Window);
+  Wheel wheel(16, 100000);
+  for (int i = 0; i < 60; ++i) {
+    const auto turn = scroll.Next(wheel.Status());
+    ASSERT_TRUE(turn.has_value());
+    ASSERT_GE(turn->steps, 1);
+    ASSERT_LE(turn->steps, Window.height);
+    wheel.Turn({turn->direction, 1});
+  }
+}
+
 TEST(AutoScroll, GivesUpWhereOneStepIsTooMuch) {
   AutoScroll scroll(ScrollDirection::Up, 0, Window);
   RecordingStatus status;

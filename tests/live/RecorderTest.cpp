@@ -1,3 +1,4 @@
+#include <chrono>
 #include <functional>
 #include <stdexcept>
 #include <vector>
@@ -13,8 +14,6 @@
 namespace ScrollingCapture::Live {
 namespace {
 
-using ::testing::Each;
-using ::testing::ElementsAre;
 using Testing::SameBits;
 using Testing::ScriptedSource;
 
@@ -62,8 +61,8 @@ TEST_F(Recording, KeepsWhatAUserScrollsOver) {
   }
   EndAfterScript();
   const RecordingEnd end = Run();
-  EXPECT_EQ(end.reason, RecordingEnd::Reason::Asked);
   EXPECT_EQ(end.line, "");
+  EXPECT_EQ(end.NothingCaptured(), std::nullopt);
   EXPECT_EQ(end.status.captures, listener.kept);
   ExpectRows(0, 800);
 }
@@ -79,11 +78,8 @@ TEST_F(Recording, TellsTheStepWhenTheContentHasComeToRest) {
 TEST_F(Recording, KeepsWhatWasCapturedWhenTheWindowGoes) {
   source.Go({0, 100});
   source.Go({0, 180});
-  source.Then(
-      [] { throw CaptureEnded(CaptureEnded::Reason::WindowClosed, "the window was closed"); });
-  const RecordingEnd end = Run();
-  EXPECT_EQ(end.reason, RecordingEnd::Reason::SourceLost);
-  EXPECT_EQ(end.line, "the window was closed");
+  source.Then([] { throw CaptureEnded("the window was closed"); });
+  EXPECT_EQ(Run().line, "the window was closed");
   ExpectRows(0, 480);
 }
 
@@ -107,6 +103,17 @@ TEST_F(Recording, OfNothingEndsWithoutCaptures) {
   const RecordingEnd end = Run();
   EXPECT_EQ(end.status.captures, 0U);
   EXPECT_EQ(end.status.hindrance, "covered");
+  EXPECT_EQ(end.NothingCaptured(), "nothing was captured: covered");
+}
+
+TEST_F(Recording, OfNothingTellsFirstWhatEndedIt) {
+  source.hindrance = "covered";
+  source.Then([] { throw CaptureEnded("the window was closed"); });
+  EXPECT_EQ(Run().NothingCaptured(), "nothing was captured: the window was closed");
+}
+
+TEST_F(Recording, OfNothingMayHaveNoReason) {
+  EXPECT_EQ(RecordingEnd().NothingCaptured(), "nothing was captured");
 }
 
 TEST_F(Recording, EndsByWhatTheListenerThrows) {
@@ -116,15 +123,14 @@ TEST_F(Recording, EndsByWhatTheListenerThrows) {
 
 TEST_F(Recording, ScrollsToTheEndByItself) {
   recorder.ScrollBy({ScrollDirection::Down, 0, Window});
-  const RecordingEnd end = Run();
-  EXPECT_EQ(end.reason, RecordingEnd::Reason::Reached);
+  EXPECT_EQ(Run().line, "");
   ExpectRows(0, 2400);
 }
 
 TEST_F(Recording, ScrollsNoFurtherThanTheLimit) {
   recorder.ScrollBy({ScrollDirection::Down, 700, Window});
   const RecordingEnd end = Run();
-  EXPECT_EQ(end.reason, RecordingEnd::Reason::Reached);
+  EXPECT_EQ(end.line, "");
   EXPECT_GE(end.status.seen.height, 700);
   EXPECT_LE(end.status.seen.height, 900);
 }
@@ -137,10 +143,27 @@ TEST_F(Recording, TurnsTheWheelAgainOnceNothingIsInItsWay) {
   source.Then([this] { source.obstacle.clear(); });
   recorder.ScrollBy({ScrollDirection::Down, 500, Window});
   const RecordingEnd end = Run();
-  EXPECT_EQ(end.reason, RecordingEnd::Reason::Reached);
+  EXPECT_EQ(end.line, "");
+  EXPECT_GE(end.status.seen.height, 500);
   EXPECT_TRUE(std::any_of(
       listener.statuses.begin(), listener.statuses.end(),
       [](const RecordingStatus& status) { return status.hindrance == "another window"; }));
+}
+
+TEST_F(Recording, EndsWhereOneStepOfTheWheelIsTooMuch) {
+  source.pixelsOfStep = Window.height + 100;
+  recorder.ScrollBy({ScrollDirection::Down, 0, Window});
+  EXPECT_EQ(Run().line, "one step of the wheel scrolls further than what the window shows");
+  EXPECT_EQ(listener.kept, 2U);
+}
+
+TEST_F(Recording, EndsWhenTheWheelCannotBeTurnedForTenSeconds) {
+  source.obstacle = "another window";
+  recorder.ScrollBy({ScrollDirection::Down, 0, Window});
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(Run().line, "another window");
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+  ExpectRows(0, Window.height);
 }
 
 }  // namespace

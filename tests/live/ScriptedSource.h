@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <live/ICaptureSource.h>
 #include <opencv2/core.hpp>
@@ -40,7 +39,6 @@ class ScriptedSource : public Live::ICaptureSource {
   }
 
   std::string Scroll(Live::ScrollDirection direction, int steps) override {
-    turns.push_back(steps);
     if (obstacle.empty()) {
       const int sign =
           direction == Live::ScrollDirection::Down || direction == Live::ScrollDirection::Right
@@ -71,9 +69,8 @@ class ScriptedSource : public Live::ICaptureSource {
 
   cv::Point place;
   int pixelsOfStep = 40;
-  std::string hindrance;   ///< of seeing
-  std::string obstacle;    ///< of scrolling
-  std::vector<int> turns;  ///< steps that the wheel was asked for
+  std::string hindrance;  ///< of seeing
+  std::string obstacle;   ///< of scrolling
   cv::Mat page;
 
  private:

@@ -23,7 +23,7 @@ class Journey {
   explicit Journey(const std::vector<cv::Mat>& captures, const MatchingSettings& settings = {})
       : provider(ProviderOf(captures)), placer(*provider, settings) {
     for (std::size_t i = 0; i < captures.size(); ++i) {
-      placer.Place(i, CapturePlacer::Prepare(captures[i]));
+      placer.Place(i, PreparedCapture(captures[i]));
     }
   }
 
@@ -100,12 +100,28 @@ TEST(CapturePlacer, TakesADoubtfulStepThatRepeatsTheOneBefore) {
   const std::vector<cv::Mat> captures = CapturesAt(page, {3, 43, 83});
   const auto provider = ProviderOf(captures);
   CapturePlacer placer(*provider, {});
-  placer.Place(0, CapturePlacer::Prepare(captures[0]));
-  placer.PlaceAt(1, CapturePlacer::Prepare(captures[1]), {-40, 0});
-  const PlacedCapture placed = placer.Place(2, CapturePlacer::Prepare(captures[2]));
+  placer.Place(0, PreparedCapture(captures[0]));
+  placer.PlaceAt(1, PreparedCapture(captures[1]), {-40, 0});
+  const PlacedCapture placed = placer.Place(2, PreparedCapture(captures[2]));
   EXPECT_EQ(placed.join.verdict, Verdict::Doubtful);
   EXPECT_EQ(placed.join.motion, Translation(-40, 0));
   EXPECT_EQ(placed.place, (Place{80, 0}));
+}
+
+TEST(CapturePlacer, TakesADoubtfulStepAsBeforeAPauseWhereStepsAreEven) {
+  const cv::Mat page = DrawEqualRows({TravelWindow.width, 1500}, 28);
+  const std::vector<cv::Mat> captures = CapturesAt(page, {3, 43, 43, 83});
+  const auto provider = ProviderOf(captures);
+  for (const bool even : {false, true}) {
+    CapturePlacer placer(*provider, {Both, even});
+    placer.Place(0, PreparedCapture(captures[0]));
+    placer.PlaceAt(1, PreparedCapture(captures[1]), {-40, 0});
+    placer.PlaceAt(2, PreparedCapture(captures[2]), {0, 0});
+    const Join join = placer.Place(3, PreparedCapture(captures[3])).join;
+    EXPECT_EQ(join.verdict, Verdict::Doubtful);
+    EXPECT_EQ(join.motion == Translation(-40, 0), even) << join.motion;
+    EXPECT_EQ(join.alternatives.front() == Translation(-12, 0), even) << "the smallest one first";
+  }
 }
 
 TEST(CapturePlacer, TakesAProofBackWhenItsContentIsSeenElsewhere) {
@@ -116,11 +132,11 @@ TEST(CapturePlacer, TakesAProofBackWhenItsContentIsSeenElsewhere) {
   const auto provider = ProviderOf(captures);
   CapturePlacer placer(*provider, {});
   for (std::size_t i = 0; i < 2; ++i) {
-    placer.Place(i, CapturePlacer::Prepare(captures[i]));
+    placer.Place(i, PreparedCapture(captures[i]));
   }
   EXPECT_EQ(placer.At(1).join.verdict, Verdict::Proven);
   for (std::size_t i = 2; i < captures.size(); ++i) {
-    placer.Place(i, CapturePlacer::Prepare(captures[i]));
+    placer.Place(i, PreparedCapture(captures[i]));
   }
   EXPECT_EQ(placer.At(4).place, (Place{800, 0}));
   EXPECT_EQ(placer.At(1).join.verdict, Verdict::Likely);
@@ -131,12 +147,12 @@ TEST(CapturePlacer, ProvesAPrescribedMotion) {
   const std::vector<cv::Mat> captures = CapturesAt(Page(), {0, 150, 300});
   const auto provider = ProviderOf(captures);
   CapturePlacer placer(*provider, {});
-  placer.PlaceAt(0, CapturePlacer::Prepare(captures[0]), {5, 5});
+  placer.PlaceAt(0, PreparedCapture(captures[0]), {5, 5});
   EXPECT_EQ(placer.At(0).place, Place());
-  const PlacedCapture right = placer.PlaceAt(1, CapturePlacer::Prepare(captures[1]), {-150, 0});
+  const PlacedCapture right = placer.PlaceAt(1, PreparedCapture(captures[1]), {-150, 0});
   EXPECT_EQ(right.join.verdict, Verdict::Proven);
   EXPECT_EQ(right.place, (Place{150, 0}));
-  const PlacedCapture wrong = placer.PlaceAt(2, CapturePlacer::Prepare(captures[2]), {-100, 7});
+  const PlacedCapture wrong = placer.PlaceAt(2, PreparedCapture(captures[2]), {-100, 7});
   EXPECT_EQ(wrong.join.verdict, Verdict::None);
   EXPECT_EQ(wrong.join.motion, Translation(-100, 7));
   EXPECT_EQ(wrong.place, (Place{250, -7}));
@@ -145,13 +161,40 @@ TEST(CapturePlacer, ProvesAPrescribedMotion) {
   EXPECT_LT(wrong.join.equal, wrong.join.compared);
 }
 
+TEST(CapturePlacer, ProvesAPrescribedMotionOnWhateverLiesThere) {
+  const std::vector<cv::Mat> captures = CapturesAt(Page(), {0, 150, 300, 450, 20});
+  const auto provider = ProviderOf(captures);
+  CapturePlacer placer(*provider, {});
+  for (std::size_t i = 0; i < 4; ++i) {
+    placer.Place(i, PreparedCapture(captures[i]));
+  }
+  const PlacedCapture placed = placer.PlaceAt(4, PreparedCapture(captures[4]), {430, 0});
+  EXPECT_EQ(placed.join.verdict, Verdict::Proven);
+  EXPECT_EQ(placed.join.motion, Translation(430, 0));
+  EXPECT_EQ(placed.joinedTo, 0U);
+}
+
+TEST(CapturePlacer, JoinsPartsByAPrescribedMotionUnlessItIsContradicted) {
+  const std::vector<cv::Mat> captures = CapturesAt(Page(), {0, 600, 380, 190});
+  const auto provider = ProviderOf(captures);
+  for (const int rows : {190, 180}) {
+    CapturePlacer placer(*provider, {});
+    placer.Place(0, PreparedCapture(captures[0]));
+    placer.Place(1, PreparedCapture(captures[1]));
+    ASSERT_EQ(placer.At(1).part, 2);
+    placer.Place(2, PreparedCapture(captures[2]));
+    const PlacedCapture placed = placer.PlaceAt(3, PreparedCapture(captures[3]), {rows, 0});
+    EXPECT_EQ(placed.part, rows == 190 ? 1 : 2);
+  }
+}
+
 TEST(CapturePlacer, ListsTheOtherMotionWhenOneOfSeveralIsPrescribed) {
   const cv::Mat page = DrawEqualRows({TravelWindow.width, 1500}, 28);
   const std::vector<cv::Mat> captures = CapturesAt(page, {3, 43});
   const auto provider = ProviderOf(captures);
   CapturePlacer placer(*provider, {});
-  placer.Place(0, CapturePlacer::Prepare(captures[0]));
-  const Join join = placer.PlaceAt(1, CapturePlacer::Prepare(captures[1]), {-40, 0}).join;
+  placer.Place(0, PreparedCapture(captures[0]));
+  const Join join = placer.PlaceAt(1, PreparedCapture(captures[1]), {-40, 0}).join;
   EXPECT_EQ(join.verdict, Verdict::Doubtful);
   EXPECT_EQ(join.motion, Translation(-40, 0));
   EXPECT_THAT(join.alternatives, testing::Contains(Translation(-12, 0)));
@@ -162,8 +205,8 @@ TEST(CapturePlacer, RefusesAbsurdPrescriptionsAndTakesFarOnes) {
   const std::vector<cv::Mat> captures = CapturesAt(Page(), {0, 150});
   const auto provider = ProviderOf(captures);
   CapturePlacer placer(*provider, {});
-  placer.Place(0, CapturePlacer::Prepare(captures[0]));
-  const PreparedCapture second = CapturePlacer::Prepare(captures[1]);
+  placer.Place(0, PreparedCapture(captures[0]));
+  const PreparedCapture second = PreparedCapture(captures[1]);
   EXPECT_THROW(placer.PlaceAt(1, second, {0, std::numeric_limits<int>::min()}),
                std::invalid_argument);
   EXPECT_THROW(placer.PlaceAt(1, second, {300'000, 0}), std::invalid_argument);
@@ -198,7 +241,7 @@ TEST(CapturePlacer, LooksAtFewCapturesOfAnotherPartThatIsMuchAlike) {
   std::size_t index = 0;
   for (cv::Mat capture : captures) {
     provider.Add(capture);
-    placer.Place(index++, CapturePlacer::Prepare(capture));
+    placer.Place(index++, PreparedCapture(capture));
   }
   EXPECT_EQ(placer.At(index - 1).part, 2);
   EXPECT_LE(provider.reads, 80);
@@ -208,14 +251,14 @@ TEST(CapturePlacer, RefusesCapturesOutOfOrderAndOfAnotherFormat) {
   const std::vector<cv::Mat> captures = CapturesAt(Page(), {0, 150});
   const auto provider = ProviderOf(captures);
   CapturePlacer placer(*provider, {});
-  const PreparedCapture first = CapturePlacer::Prepare(captures[0]);
+  const PreparedCapture first = PreparedCapture(captures[0]);
   EXPECT_THROW(placer.Place(1, first), std::invalid_argument);
   placer.Place(0, first);
   EXPECT_THROW(placer.Place(0, first), std::invalid_argument);
-  const PreparedCapture narrow = CapturePlacer::Prepare(captures[1].colRange(0, 400));
+  const PreparedCapture narrow = PreparedCapture(captures[1].colRange(0, 400));
   EXPECT_THROW(placer.Place(1, narrow), std::invalid_argument);
   EXPECT_EQ(placer.Count(), 1);
-  EXPECT_EQ(placer.Place(1, CapturePlacer::Prepare(captures[1])).place, (Place{150, 0}));
+  EXPECT_EQ(placer.Place(1, PreparedCapture(captures[1])).place, (Place{150, 0}));
 }
 
 TEST(CapturePlacer, RemembersNoMoreForCapturesThatShowNothingNew) {
@@ -225,7 +268,7 @@ TEST(CapturePlacer, RemembersNoMoreForCapturesThatShowNothingNew) {
   CapturePlacer placer(*provider, {});
   std::size_t index = 0;
   for (const cv::Mat& capture : captures) {
-    placer.Place(index++, CapturePlacer::Prepare(capture));
+    placer.Place(index++, PreparedCapture(capture));
   }
   const std::size_t bytes = placer.Bytes();
   EXPECT_LE(bytes, page.total() + 200'000);
@@ -234,7 +277,7 @@ TEST(CapturePlacer, RemembersNoMoreForCapturesThatShowNothingNew) {
     cv::Mat capture = captures.back().clone();
     Lay(DrawPhoto({200, 100}, 100 + film), capture, {140, 100});
     provider->Add(capture);
-    placer.Place(index++, CapturePlacer::Prepare(capture));
+    placer.Place(index++, PreparedCapture(capture));
   }
   EXPECT_EQ(placer.At(index - 1).place, (Place{380, 0}));
   EXPECT_LE(placer.Bytes(), page.total() + 200'000);

@@ -63,9 +63,9 @@ TEST(CapturePlacerAllocations, PlaceNothingWhenTheyFail) {
   const auto attempt = [&](size_t passing) {
     CapturePlacer placer(*provider, {});
     for (std::size_t i = 0; i < 3; ++i) {
-      placer.Place(i, CapturePlacer::Prepare(captures[i]));
+      placer.Place(i, PreparedCapture(captures[i]));
     }
-    const PreparedCapture last = CapturePlacer::Prepare(captures[3]);
+    const PreparedCapture last = PreparedCapture(captures[3]);
     bool hasFailed = false;
     {
       const FailingAllocator memory(passing, FailingAllocator::First);

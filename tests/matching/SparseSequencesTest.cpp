@@ -108,7 +108,7 @@ void PlaceAll(const Page& page, const std::vector<int>& rows, const Treatment& t
   for (std::size_t i = 0; i < rows.size(); ++i) {
     cv::Mat capture = treatment.apply(Window(page.pixels, Size, {0, rows[i]}));
     captures.Add(capture);
-    placer.Place(i, CapturePlacer::Prepare(capture));
+    placer.Place(i, PreparedCapture(capture));
   }
   Count(page.name + ", " + treatment.name, placer, rows, counts);
 }

@@ -55,7 +55,9 @@ TEST(Votes, AreBoundedWhereAnAnchorCoversTheWholeCapture) {
     anchors.push_back({5, i});
   }
   const CaptureAnchors capture = With(anchors);
-  EXPECT_LE(MotionsOfRepeatedAnchors(capture, capture, Both).size(), 20000U);
+  const std::size_t motions = MotionsOfRepeatedAnchors(capture, capture, Both).size();
+  EXPECT_GT(motions, 0U);
+  EXPECT_LE(motions, 20000U);
 }
 
 TEST(Votes, KnowWhichMotionsAreAllowed) {

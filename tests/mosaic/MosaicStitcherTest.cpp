@@ -1,4 +1,5 @@
 #include <memory>
+#include <stdexcept>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -49,6 +50,24 @@ TEST_F(MosaicStitcherTest, PlacesEachCaptureAgainstTheOneBefore) {
 TEST_F(MosaicStitcherTest, GivesTheDetectorNineTenthsOfTheRange) {
   ASSERT_TRUE(stitcher.Stitch(captures, result, nullptr, 10, 60, true));
   EXPECT_THAT(detector->ranges, ElementsAre(std::make_pair(10, 55)));
+}
+
+class LostCaptures : public BasicImageProvider {
+ public:
+  std::shared_ptr<cv::Mat> GetImageAt(size_t index) override {
+    if (index == 2) {
+      throw std::invalid_argument("The capture is lost.");
+    }
+    return BasicImageProvider::GetImageAt(index);
+  }
+};
+
+TEST_F(MosaicStitcherTest, ExceptionsOfTheProviderPassWhateverTheyAre) {
+  LostCaptures lost;
+  Testing::AddAll(lost, Scene().Captures());
+  RecordingListener listener;
+  EXPECT_THROW(stitcher.Stitch(lost, result, &listener, 0, 100, true), std::invalid_argument);
+  EXPECT_THAT(listener.calls, testing::Not(testing::Contains(testing::HasSubstr("error"))));
 }
 
 TEST_F(MosaicStitcherTest, ProgressGrowsToTheEndAndCompletionIsTold) {

@@ -215,6 +215,14 @@ class Files(unittest.TestCase):
         with self.assertRaisesRegex(ValueError, "'capture 1' is not an image"):
             vel.Session().add(b"text")
 
+    def test_empty_file_is_refused(self):
+        path = self.folder / "empty.png"
+        path.touch()
+        with self.assertRaisesRegex(ValueError, "empty.png' is empty"):
+            vel.stitch([path])
+        with self.assertRaisesRegex(ValueError, "'capture 1' is empty"):
+            vel.Session().add(b"")
+
     def test_image_cut_short_is_refused(self):
         file = io.BytesIO()
         Image.fromarray(self.page).save(file, "bmp")

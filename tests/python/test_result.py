@@ -182,9 +182,13 @@ class Files(unittest.TestCase):
         self.assert_nothing_written()
 
     def test_picture_too_large_for_the_format_is_refused(self):
-        wide = np.zeros((20, 16384), np.uint8)
-        with self.assertRaisesRegex(ValueError, "too large for WebP"):
-            vel.stitch([wide]).save(self.folder / "page.webp")
+        cases = [
+            ((20, 16384), "too large for WebP, .* columns; write a PNG file$"),
+            ((16384, 20), "too large for WebP, .* columns; set split, or write a PNG file$"),
+        ]
+        for shape, message in cases:
+            with self.subTest(shape=shape), self.assertRaisesRegex(ValueError, message):
+                vel.stitch([np.zeros(shape, np.uint8)]).save(self.folder / "page.webp")
         self.assert_nothing_written()
 
     def test_full_disk_is_an_os_error(self):

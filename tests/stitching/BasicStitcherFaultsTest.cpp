@@ -23,6 +23,7 @@ namespace {
 
 using Testing::CountFailingAttempts;
 using testing::ElementsAre;
+using Testing::EndsByListener;
 using Testing::FailingAllocator;
 using Testing::ForEachFailingAllocation;
 using Testing::ListenerFailure;
@@ -131,12 +132,8 @@ TEST(BasicStitcherListener, EndsTheStitchByThrowingAndLosesNothing) {
     const auto stitcher =
         StitcherFactory::CreateBasicStitcher(ScrollOrientation::Vertical, false, 2);
     ThrowingListener listener(passing);
-    bool threw = false;
-    try {
-      EXPECT_TRUE(stitcher->Stitch(captures, result, &listener, 0, 100, true));
-    } catch (const ListenerFailure&) {
-      threw = true;
-    }
+    const bool threw = EndsByListener(
+        [&] { EXPECT_TRUE(stitcher->Stitch(captures, result, &listener, 0, 100, true)); });
     EXPECT_EQ(threw, listener.HasThrown());
     const bool threwAtCompletion = passing == EndOfDetection + Composing;
     EXPECT_EQ(listener.completed, !threwAtCompletion);

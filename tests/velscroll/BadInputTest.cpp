@@ -77,6 +77,11 @@ TEST_F(BadInput, DamagedFileIsNamed) {
   ExpectRefusal({"capture-1.png", "capture-2.png"}, HasSubstr("'capture-2.png' is damaged"));
 }
 
+TEST_F(BadInput, DamagedBigTiffFileIsNamed) {
+  WriteBytes("a.tif", std::string("II+\0\x08\0\0\0", 8) + std::string(40, '\xAA'));
+  ExpectRefusal({"a.tif"}, HasSubstr("'a.tif' is damaged or cut short"));
+}
+
 TEST_F(BadInput, ControlCharactersInANameDoNotBreakTheLine) {
   ExpectRefusal({"two\nlines\x1b.png"}, HasSubstr("'two?lines?.png'"));
 }

@@ -98,6 +98,28 @@ TEST_F(InputFiles, DoNotTakeInWhatAnEarlierRunWrote) {
               ElementsAre("capture-1.png", "capture-2.png", "capture-3.png"));
 }
 
+/// They may as well be captures: nothing but a name speaks for pieces.
+TEST_F(InputFiles, TakeInPiecesThatAnEarlierRunWroteAndKeepThem) {
+  WriteScroll();
+  const std::vector<std::string> arguments = {".", "-o", "page.png", "--split", "80"};
+  ASSERT_EQ(Run(arguments).status, 0);
+  ASSERT_EQ(ReadImage("page-1.png").rows, 80);
+  std::filesystem::remove(PathOf("page-2.png"));  // of another size than the captures
+  const std::string before = ReadBytes("page-1.png");
+  const Testing::ProgramResult result = Run(arguments);
+  EXPECT_EQ(result.status, 1);
+  Testing::ExpectOneLine(result);
+  EXPECT_THAT(result.standardError, HasSubstr("over the capture 'page-1.png'"));
+  EXPECT_TRUE(ReadBytes("page-1.png") == before);
+}
+
+TEST_F(InputFiles, CalledLikePiecesOfTheResultAreTakenIn) {
+  WriteCapture("page-1.png", 0);
+  WriteCapture("page-2.png", 30);
+  EXPECT_THAT(FilesIn(Report({"."})), ElementsAre("./page-1.png", "./page-2.png"));
+  EXPECT_EQ(ReadImage("page.png").rows, 110);
+}
+
 TEST_F(InputFiles, AreNeverOverwritten) {
   WriteScroll();
   const std::string before = ReadBytes("capture-3.png");

@@ -120,10 +120,22 @@ TEST_F(Joins, OfAScrollBackAreFound) {
   EXPECT_EQ(cv::norm(ReadImage("page.png"), page(cv::Rect(0, 0, 96, 190)), cv::NORM_INF), 0);
 }
 
+TEST_F(Joins, ThatThePreviewCannotPlaceAreRemarkedOnInTheReportOnly) {
+  WriteScroll();
+  WriteCapture("far.png", 250);
+  const std::vector<std::string> captures = {"capture-1.png", "capture-2.png", "far.png"};
+  const std::string warning = Stitch(captures).standardError;
+  ASSERT_THAT(WrittenReport().at("remarks"), ::testing::IsEmpty());
+  std::vector<std::string> arguments = captures;
+  arguments.insert(arguments.end(), {"--preview", "preview.png"});
+  EXPECT_EQ(Stitch(arguments).standardError, warning);
+  EXPECT_THAT(WrittenReport().at("remarks"), Not(::testing::IsEmpty()));
+}
+
 TEST_F(Joins, InPartsDoNotGoToStandardOutput) {
   WriteTwoParts();
   const Testing::ProgramResult result = Run({"2.png", "3.png", "-o", "-"});
-  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.status, 2);
   Testing::ExpectOneLine(result);
   EXPECT_THAT(result.standardError, HasSubstr("2 parts, which cannot all go to standard output"));
 }
@@ -212,6 +224,50 @@ TEST_F(Joins, ThatAReportDoesNotKnowAreFound) {
   EXPECT_EQ(WrittenReport().at("captures").at(1).at("join").at("rows"), -30);
 }
 
+struct JourneyDown {
+  const char* name;
+  std::vector<int> rows;
+};
+
+class GivenBackJoins : public Joins, public ::testing::WithParamInterface<JourneyDown> {};
+
+TEST_P(GivenBackJoins, MakeTheSamePictureWhenNobodyHasEditedThem) {
+  std::vector<std::string> arguments;
+  for (const int row : GetParam().rows) {
+    arguments.push_back(std::to_string(arguments.size()) + ".png");
+    WriteCapture(arguments.back(), row);
+  }
+  const Testing::ProgramResult first = Stitch(arguments);
+  const json report = WrittenReport();
+  WriteReport("unedited.json", report);
+  arguments.insert(arguments.end(), {"--joins", "unedited.json"});
+  const Testing::ProgramResult again = Stitch(arguments);
+  EXPECT_EQ(again.status, first.status);
+  EXPECT_EQ(again.standardOutput, first.standardOutput);
+  EXPECT_EQ(again.standardError, first.standardError);
+  EXPECT_EQ(WrittenReport().at("captures"), report.at("captures"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Journeys, GivenBackJoins,
+                         ::testing::Values(JourneyDown{"Down", {0, 30, 60}},
+                                           JourneyDown{"WithAPartThatALaterCaptureJoins",
+                                                       {0, 90, 45}},
+                                           JourneyDown{"BackFurtherThanTheWindow", {0, 50, 100, 3}},
+                                           JourneyDown{"BackToAnotherPart", {0, 30, 250, 20}}),
+                         [](const auto& journey) { return std::string(journey.param.name); });
+
+TEST_F(Joins, ThatAreMissingCanBePrescribed) {
+  WriteCapture("1.png", 0);
+  WriteCapture("2.png", 78);
+  ASSERT_EQ(Stitch({"1.png", "2.png"}).status, 3) << "two rows are too few to go by";
+  json report = WrittenReport();
+  ASSERT_EQ(report["captures"][1]["join"]["verdict"], "none");
+  report["captures"][1]["join"]["rows"] = -78;
+  WriteReport("corrected.json", report);
+  ASSERT_EQ(Stitch({"1.png", "2.png", "--joins", "corrected.json"}).status, 0);
+  EXPECT_EQ(cv::norm(ReadImage("page.png"), page(cv::Rect(0, 0, 96, 158)), cv::NORM_INF), 0);
+}
+
 struct BadReport {
   const char* name;
   std::string content;
@@ -241,6 +297,7 @@ std::string CaptureEntries(const std::string& first, const std::string& second) 
 INSTANTIATE_TEST_SUITE_P(
     Reports, BadReports,
     ::testing::Values(
+        BadReport{"Empty", "", "'bad.json' has no captures to read joins from"},
         BadReport{"Damaged", "{\"captures\": [", "has no captures to read joins from"},
         BadReport{"WithoutCaptures", "{}", "has no captures to read joins from"},
         BadReport{"OfNumbers", "{\"captures\": [1, 2]}", "does not tell how 'a.png' is joined"},
@@ -252,6 +309,25 @@ INSTANTIATE_TEST_SUITE_P(
         BadReport{"WithAMotionInWords",
                   CaptureEntries("null", R"({"verdict": "likely", "rows": "many"})"),
                   "does not tell how 'b.png' is joined"},
+        BadReport{"WithAFraction",
+                  CaptureEntries("null", R"({"verdict": "likely", "rows": -30.9, "columns": 0})"),
+                  "does not tell how 'b.png' is joined"},
+        BadReport{"WithATruthValue",
+                  CaptureEntries("null", R"({"verdict": "likely", "rows": -30, "columns": false})"),
+                  "does not tell how 'b.png' is joined"},
+        BadReport{
+            "WithAMotionThatNoIntTells",
+            CaptureEntries("null", R"({"verdict": "likely", "rows": -4294967326, "columns": 0})"),
+            "does not tell how 'b.png' is joined"},
+        BadReport{
+            "WithTheSmallestInt",
+            CaptureEntries("null", R"({"verdict": "likely", "rows": -2147483648, "columns": 0})"),
+            "does not tell how 'b.png' is joined"},
+        BadReport{
+            "WithTheLargestNumber",
+            CaptureEntries("null",
+                           R"({"verdict": "likely", "rows": 18446744073709551586, "columns": 0})"),
+            "does not tell how 'b.png' is joined"},
         BadReport{"WithAMotionBeyondTheCapture",
                   CaptureEntries("null", R"({"verdict": "likely", "rows": -80, "columns": 0})"),
                   "leaves nothing in common"}),

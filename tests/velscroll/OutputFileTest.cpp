@@ -117,6 +117,44 @@ TEST_F(OutputFile, AppearsOnlyWithItsReport) {
   EXPECT_EQ(Names(), before);
 }
 
+struct SharedName {
+  const char* name;
+  std::vector<std::string> arguments;
+};
+void PrintTo(const SharedName& shared, std::ostream* stream) { *stream << shared.name; }
+
+class OutputFileOfTwoResults : public OutputFile,
+                               public ::testing::WithParamInterface<SharedName> {};
+
+/// The program makes names as well, of which the user has typed none.
+TEST_P(OutputFileOfTwoResults, IsRefusedAndNothingIsWritten) {
+  WriteScroll();
+  WriteCapture("far.png", 250);
+  WriteBytes("page-1.png", "the old file");
+  const auto before = Names();
+  std::vector<std::string> arguments = {"capture-1.png", "capture-2.png", "-o", "page.png"};
+  arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
+  const Testing::ProgramResult result = Run(arguments);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.standardError, HasSubstr("two results would both be written to"));
+  EXPECT_EQ(Names(), before);
+  EXPECT_EQ(ReadBytes("page-1.png"), "the old file");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Names, OutputFileOfTwoResults,
+    ::testing::Values(SharedName{"PieceAndPreview", {"--split", "60", "--preview", "page-1.png"}},
+                      SharedName{"PieceAndReport", {"--split", "60", "--report", "page-2.png"}},
+                      SharedName{"PartAndPreview", {"far.png", "--preview", "./page-1.png"}},
+                      SharedName{"PartAndReport", {"far.png", "--report", "page-2.png"}}),
+    [](const auto& shared) { return shared.param.name; });
+
+TEST_F(OutputFile, MayBeCalledLikeAPieceThatThereIsNot) {
+  WriteScroll();
+  EXPECT_EQ(Run({"capture-*.png", "-o", "page.png", "--report", "page-1.png"}).status, 0);
+  EXPECT_EQ(ReadImage("page.png").rows, 140);
+}
+
 TEST_F(OutputFile, IsNotWrittenWhenTheReportCannotBe) {
   WriteScroll();
   const auto before = Names();

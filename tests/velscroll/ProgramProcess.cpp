@@ -37,11 +37,22 @@ void Redirect(int number, const std::string& path) {
   close(file);
 }
 
+/// As in a pipe to a program that has read enough.
+void RedirectToNobody(int number) {
+  std::array<int, 2> ends = {};
+  if (pipe(ends.data()) == 0) {
+    dup2(ends[1], number);
+    close(ends[0]);
+    close(ends[1]);
+  }
+}
+
 /// Makes this process the program; returns only on failure.
 void Become(const std::vector<std::string>& arguments, const ProgramSetting& setting) {
   std::signal(SIGINT, setting.ignoresInterrupt ? SIG_IGN : SIG_DFL);
   std::signal(SIGTERM, SIG_DFL);
   std::signal(SIGHUP, SIG_DFL);
+  std::signal(SIGPIPE, SIG_DFL);
   Limit(RLIMIT_FSIZE, setting.fileSizeLimit);
   Limit(RLIMIT_AS, setting.memoryLimit);
   std::vector<std::string> words = {VELSCROLL_PROGRAM};
@@ -86,6 +97,9 @@ ProgramProcess::ProgramProcess(const std::vector<std::string>& arguments,
       BeControlledBy(errorPath);
     }
     Redirect(STDOUT_FILENO, outputs.Prefix() + "output");
+    if (setting.hasNoReader) {
+      RedirectToNobody(STDOUT_FILENO);
+    }
     Redirect(STDERR_FILENO, errorPath);
     Become(arguments, setting);
     std::_Exit(NotStarted);

@@ -22,6 +22,7 @@ struct ProgramSetting {
   std::string folder;                   ///< the current folder
   bool hasTerminal = false;             ///< whether standard error is a terminal
   bool isControlled = false;            ///< whether that terminal is also where keys are typed
+  bool hasNoReader = false;             ///< whether standard output is a pipe that nobody reads
   bool ignoresInterrupt = false;        ///< whether it inherits Ctrl-C as ignored
   std::optional<rlim_t> fileSizeLimit;  ///< in bytes; writing beyond it fails
   std::optional<rlim_t> memoryLimit;    ///< of the address space, in bytes

@@ -39,5 +39,17 @@ TEST_F(StandardOutput, GetsNothingFromARunThatFails) {
   Testing::ExpectOneLine(result);
 }
 
+TEST_F(StandardOutput, ThatNobodyReadsLeavesNothingBehind) {
+  const auto before = Names();
+  Testing::ProgramSetting setting;
+  setting.hasNoReader = true;
+  const Testing::ProgramResult result =
+      Run({"capture-*.png", "-o", "-", "--report", "page.json"}, setting);
+  EXPECT_EQ(result.status, 1);
+  Testing::ExpectOneLine(result);
+  EXPECT_THAT(result.standardError, HasSubstr("cannot write to standard output: Broken pipe"));
+  EXPECT_EQ(Names(), before);
+}
+
 }  // namespace
 }  // namespace ScrollingCapture

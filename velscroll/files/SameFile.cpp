@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <system_error>
 
 #include <velscroll/files/SameFile.h>
@@ -7,13 +6,16 @@ namespace ScrollingCapture::Program {
 
 namespace fs = std::filesystem;
 
+fs::path ResolvedPath(const std::string& path) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(path, error);
+  const fs::path resolved = fs::weakly_canonical(absolute, error);
+  return error ? absolute.lexically_normal() : resolved;
+}
+
 bool IsSameFile(const std::string& first, const std::string& second) {
   std::error_code error;
-  if (fs::equivalent(first, second, error) && !error) {
-    return true;
-  }
-  const fs::path firstPath = fs::weakly_canonical(fs::absolute(first, error), error);
-  return !error && firstPath == fs::weakly_canonical(fs::absolute(second, error), error) && !error;
+  return fs::equivalent(first, second, error) || ResolvedPath(first) == ResolvedPath(second);
 }
 
 }  // namespace ScrollingCapture::Program

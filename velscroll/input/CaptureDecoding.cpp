@@ -1,11 +1,9 @@
-#include <algorithm>
-#include <array>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
+#include <velscroll/codecs/Signature.h>
 #include <velscroll/input/CaptureDecoding.h>
 #include <velscroll/input/JpegEnd.h>
 #include <velscroll/pixels/Premultiplication.h>
@@ -13,20 +11,6 @@
 
 namespace ScrollingCapture::Program {
 namespace {
-
-/// What files of the common formats start with. WebP shares its start with other media files.
-constexpr std::array<std::string_view, 6> Signatures = {"\x89PNG",    "\xFF\xD8\xFF", "RIFF",
-                                                        {"II*\0", 4}, {"MM\0*", 4},   "BM"};
-
-bool StartsLikeAnImage(const std::vector<unsigned char>& file) {
-  return std::any_of(Signatures.begin(), Signatures.end(), [&file](std::string_view signature) {
-    return file.size() >= signature.size() &&
-           std::equal(signature.begin(), signature.end(), file.begin(),
-                      [](char expected, unsigned char found) {
-                        return static_cast<unsigned char>(expected) == found;
-                      });
-  });
-}
 
 [[noreturn]] void RefuseDamaged() {
   throw UnusableImage("is damaged or cut short; save the capture again or leave it out");
@@ -88,12 +72,15 @@ cv::Mat ToRgba(const cv::Mat& image) {
 }  // namespace
 
 cv::Mat DecodeCapture(const std::vector<unsigned char>& file) {
+  if (file.empty()) {
+    throw UnusableImage("is empty; save the capture again or leave it out");
+  }
   if (IsJpegCutShort(file)) {
     RefuseDamaged();
   }
   cv::Mat image = Decode(file);
   if (image.empty()) {
-    if (StartsLikeAnImage(file)) {
+    if (SignatureOf(file)) {
       RefuseDamaged();
     }
     throw UnusableImage("is not an image that can be read; leave it out");

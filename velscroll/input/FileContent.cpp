@@ -52,9 +52,6 @@ std::vector<unsigned char> ReadFile(const std::string& path) {
       break;
     }
   }
-  if (content.empty()) {
-    throw BadInput(Quoted(path) + " is empty; save the capture again or leave it out");
-  }
   return content;
 }
 

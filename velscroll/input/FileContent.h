@@ -5,8 +5,8 @@
 
 namespace ScrollingCapture::Program {
 
-/// All bytes of a file, which may also be a pipe. Throws BadInput when it cannot be read or is
-/// empty, and Cancelled when the user stops the work.
+/// All bytes of a file, which may also be a pipe. Throws BadInput when it cannot be read, and
+/// Cancelled when the user stops the work.
 std::vector<unsigned char> ReadFile(const std::string& path);
 
 }  // namespace ScrollingCapture::Program

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <filesystem>
 #include <glob.h>
 #include <string_view>
@@ -9,6 +8,7 @@
 #include <velscroll/files/SameFile.h>
 #include <velscroll/input/InputFiles.h>
 #include <velscroll/input/NaturalOrder.h>
+#include <velscroll/names/LowerCase.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
@@ -21,9 +21,7 @@ constexpr std::array<std::string_view, 20> ImageExtensions = {
     ".pbm", ".pgm", ".ppm",  ".pxm", ".pnm",  ".pam", ".gif",  ".avif", ".ras", ".sr"};
 
 bool HasImageExtension(const fs::path& path) {
-  std::string extension = path.extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+  const std::string extension = LowerCase(path.extension().string());
   return std::find(ImageExtensions.begin(), ImageExtensions.end(), extension) !=
          ImageExtensions.end();
 }

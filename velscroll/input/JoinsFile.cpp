@@ -1,9 +1,13 @@
+#include <cmath>
 #include <filesystem>
+#include <stdexcept>
 
 #include <nlohmann/json.hpp>
 #include <velscroll/input/FileContent.h>
 #include <velscroll/input/JoinsFile.h>
 #include <velscroll/terminal/Failure.h>
+
+#include <VelScrollingCapture/matching/CapturePlacer.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -30,14 +34,38 @@ bool IsAbout(const Json& capture, const std::string& file) {
   return FileName(capture.at("file").get<std::string>()) == written.get<std::string>();
 }
 
-std::optional<Translation> MotionOf(const Json& capture) {
-  const Json& join = capture.at("join");
-  if (join.is_null()) {
-    return std::nullopt;
+/// The parser's own conversion would take fractions, truth values, and what no int can tell.
+int PixelsOf(const Json& number) {
+  const auto pixels = number.get<double>();
+  if (!number.is_number_integer() || std::abs(pixels) > CapturePlacer::LongestPrescribed) {
+    throw std::out_of_range("This is not a number of pixels.");
   }
-  const Translation motion(join.at("rows").get<int>(), join.at("columns").get<int>());
-  const bool isUnknown = join.at("verdict") == "none" && motion == Translation();
-  return isUnknown ? std::nullopt : std::make_optional(motion);
+  return static_cast<int>(pixels);
+}
+
+Translation MotionOf(const Json& told) {
+  return {PixelsOf(told.at("rows")), PixelsOf(told.at("columns"))};
+}
+
+/// Whether the report knew of no motion, as far as nobody has put one there: nothing joins the
+/// capture to those before it, or not to the part of the one before.
+bool IsUnknown(const Json& capture, const Json& before) {
+  const Json& join = capture.at("join");
+  const bool isEdited =
+      MotionOf(join) !=
+      (capture.contains("translation") ? MotionOf(capture.at("translation")) : Translation());
+  const bool isOfOtherPart = capture.value("part", Json()) != before.value("part", Json());
+  return !isEdited && (join.at("verdict") == "none" || isOfOtherPart);
+}
+
+std::optional<Translation> MotionTo(const Json& capture, const Json& before) {
+  const bool isUnknown = capture.at("join").is_null() || IsUnknown(capture, before);
+  return isUnknown ? std::nullopt : std::make_optional(MotionOf(capture.at("join")));
+}
+
+[[noreturn]] void RefuseJoin(const std::string& path, const std::string& capture) {
+  throw BadInput(Quoted(path) + " does not tell how " + Quoted(capture) +
+                 R"( is joined; write "join": {"verdict": ..., "rows": ..., "columns": ...})");
 }
 
 void RequireSame(bool same, const std::string& path) {
@@ -57,10 +85,11 @@ std::vector<std::optional<Translation>> ReadJoins(const std::string& path,
   for (size_t i = 0; i < captures.size(); ++i) {
     try {
       RequireSame(IsAbout(told[i], captures[i]), path);
-      motions.push_back(MotionOf(told[i]));
+      motions.push_back(MotionTo(told[i], i > 0 ? told[i - 1] : told[i]));
     } catch (const Json::exception&) {
-      throw BadInput(Quoted(path) + " does not tell how " + Quoted(captures[i]) +
-                     R"( is joined; write "join": {"verdict": ..., "rows": ..., "columns": ...})");
+      RefuseJoin(path, captures[i]);
+    } catch (const std::out_of_range&) {
+      RefuseJoin(path, captures[i]);
     }
   }
   return motions;

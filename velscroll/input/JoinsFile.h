@@ -9,8 +9,8 @@
 namespace ScrollingCapture::Program {
 
 /// The motions that a report tells, which a person may have corrected: one element a capture, how
-/// far the content moved since the capture before. Nothing for the first capture, and for one that
-/// nothing joins to it.
+/// far the content moved since the capture before. Nothing for the first capture, and where the
+/// report knew of none and nobody has put one there.
 ///
 /// Throws BadInput when the file cannot be read, is no report, or is one about other captures.
 /// @param captures the files that the report has to be about, in whatever folder

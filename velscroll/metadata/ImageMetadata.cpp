@@ -1,7 +1,6 @@
-#include <algorithm>
 #include <cmath>
-#include <string_view>
 
+#include <velscroll/codecs/Signature.h>
 #include <velscroll/metadata/ImageMetadata.h>
 #include <velscroll/metadata/MetadataReaders.h>
 
@@ -10,29 +9,22 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-bool Has(const Bytes& bytes, size_t offset, std::string_view text) {
-  return bytes.size() >= offset + text.size() &&
-         std::equal(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset),
-                    [](char expected, unsigned char found) {
-                      return static_cast<unsigned char>(expected) == found;
-                    });
-}
-
 ImageMetadata ReadAny(const Bytes& file) {
-  if (Has(file, 0, "\x89PNG")) {
-    return ReadPngMetadata(file);
+  const std::optional<Signature> signature = SignatureOf(file);
+  if (!signature) {
+    return {};
   }
-  if (Has(file, 0, "\xFF\xD8\xFF")) {
-    return ReadJpegMetadata(file);
-  }
-  if (Has(file, 0, "RIFF")) {
-    return ReadWebPMetadata(file);
-  }
-  if (Has(file, 0, "BM")) {
-    return ReadBmpMetadata(file);
-  }
-  if (Has(file, 0, "II") || Has(file, 0, "MM")) {
-    return ReadTiffMetadata(file);
+  switch (*signature) {
+    case Signature::Png:
+      return ReadPngMetadata(file);
+    case Signature::Jpeg:
+      return ReadJpegMetadata(file);
+    case Signature::Tiff:
+      return ReadTiffMetadata(file);
+    case Signature::WebP:
+      return ReadWebPMetadata(file);
+    case Signature::Bmp:
+      return ReadBmpMetadata(file);
   }
   return {};
 }
@@ -48,8 +40,8 @@ bool IsProfileForRgb(const Bytes& profile) {
   }
   const size_t length = (size_t{profile[0]} << 24U) + (size_t{profile[1]} << 16U) +
                         (size_t{profile[2]} << 8U) + profile[3];
-  return length == profile.size() && Has(profile, ColourSpace, "RGB ") &&
-         Has(profile, Signature, "acsp");
+  return length == profile.size() && HasAt(profile, ColourSpace, "RGB ") &&
+         HasAt(profile, Signature, "acsp");
 }
 
 bool IsPlausible(double pixelsPerMetre) {

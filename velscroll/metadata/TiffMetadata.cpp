@@ -4,6 +4,7 @@
 #include <memory>
 #include <tiffio.h>
 
+#include <velscroll/codecs/TiffErrors.h>
 #include <velscroll/metadata/MetadataReaders.h>
 
 namespace ScrollingCapture::Program {
@@ -41,25 +42,17 @@ int Close(thandle_t /*handle*/) { return 0; }
 
 toff_t Size(thandle_t handle) { return static_cast<Reading*>(handle)->file.size(); }
 
-int Keep(TIFF* /*tiff*/, void* /*user*/, const char* /*module*/, const char* /*format*/,
-         va_list /*arguments*/) {
-  return 1;
-}
-
 using Tiff = std::unique_ptr<TIFF, decltype(&TIFFClose)>;
 
 /// Quietly, and without what a damaged directory would take in memory. Not mapped, so that nothing
 /// beyond the end can be read.
 Tiff Open(Reading& reading) {
   constexpr auto MostMemory = static_cast<tmsize_t>(4 * MostProfileBytes);
-  const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(
-      TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
+  const TiffOptions options = QuietTiffOptions();
   if (!options) {
     return {nullptr, TIFFClose};
   }
   TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), MostMemory);
-  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), Keep, nullptr);
-  TIFFOpenOptionsSetWarningHandlerExtR(options.get(), Keep, nullptr);
   return {TIFFClientOpenExt("capture", "rm", &reading, Read, RefuseToWrite, Seek, Close, Size,
                             nullptr, nullptr, options.get()),
           TIFFClose};

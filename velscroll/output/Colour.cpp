@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <charconv>
 #include <optional>
 #include <utility>
 
+#include <velscroll/names/LowerCase.h>
 #include <velscroll/output/Colour.h>
 #include <velscroll/terminal/Failure.h>
 
@@ -29,12 +29,6 @@ constexpr std::array<std::pair<const char*, Colour>, 16> Names = {{
     {"fuchsia", {255, 0, 255}},
     {"purple", {128, 0, 128}},
 }};
-
-std::string LowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  return text;
-}
 
 /// Each digit of the short form stands for two equal ones.
 std::string InLongForm(const std::string& digits) {

@@ -2,9 +2,9 @@
 #include <iterator>
 #include <utility>
 
-#include <velscroll/files/SameFile.h>
 #include <velscroll/output/Outputs.h>
 #include <velscroll/output/Pieces.h>
+#include <velscroll/output/staging/CommitAll.h>
 #include <velscroll/output/staging/StagedStandardOutput.h>
 #include <velscroll/terminal/Failure.h>
 #include <velscroll/terminal/Interruption.h>
@@ -13,18 +13,6 @@ namespace ScrollingCapture::Program {
 namespace {
 
 bool IsStandardOutput(const std::string& name) { return name == StagedStandardOutput::Argument; }
-
-/// The file that comes last would replace the others.
-void RequireDifferentFiles(const std::vector<std::string>& names) {
-  for (size_t i = 0; i < names.size(); ++i) {
-    for (size_t j = i + 1; j < names.size(); ++j) {
-      if (IsSameFile(names[i], names[j])) {
-        throw BadInput("two results would both be written to " + Quoted(names[i]) +
-                       "; choose different names");
-      }
-    }
-  }
-}
 
 }  // namespace
 
@@ -35,9 +23,9 @@ Outputs::Outputs(const OutputSettings& asked) : settings(asked) {
   }
   const std::vector<std::string> names = Names();
   for (const std::string& name : names) {
-    MakeStagedOutput(name);
+    MakeStagedOutput(name, name == asked.report ? "the report" : "the image");
   }
-  RequireDifferentFiles(names);
+  RequireDifferentTargets(names);
 }
 
 std::vector<std::string> Outputs::Names() const {
@@ -60,8 +48,8 @@ std::string Outputs::NameOfPart(size_t part, size_t count) const {
 
 void Outputs::RequireWritable(const std::vector<cv::Size>& parts) const {
   if (parts.size() > 1 && IsStandardOutput(settings.image)) {
-    throw Failed("the picture is in " + std::to_string(parts.size()) +
-                 " parts, which cannot all go to standard output; name a file with -o FILE");
+    throw BadInput("the picture is in " + std::to_string(parts.size()) +
+                   " parts, which cannot all go to standard output; name a file with -o FILE");
   }
   for (const cv::Size& size : parts) {
     Program::RequireWritable({settings.image, settings.encoding, {}, settings.mostRowsPerFile},
@@ -96,9 +84,7 @@ void Outputs::StageReport(const std::string& text) {
 
 void Outputs::Commit() {
   StopIfInterrupted();
-  for (const auto& output : staged) {
-    output->Commit();
-  }
+  CommitAll(staged);
 }
 
 }  // namespace ScrollingCapture::Program

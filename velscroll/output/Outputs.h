@@ -19,12 +19,12 @@ struct OutputSettings {
   std::optional<int> mostRowsPerFile;  ///< cut the picture into pieces that have no more
 };
 
-/// The results that a run writes. They appear after everything has been written, or not at all.
+/// The results that a run writes. They appear after everything has been written.
 class Outputs {
  public:
   /// Throws BadInput when a file cannot be written where it is asked for, has an extension without
   /// a format, or is asked for twice.
-  explicit Outputs(const OutputSettings& settings);
+  explicit Outputs(const OutputSettings& asked);
 
   /// The paths of all files, as they are asked for.
   std::vector<std::string> Names() const;
@@ -41,7 +41,8 @@ class Outputs {
   std::string NameOfPart(size_t part, size_t count) const;
 
   /// Throws Failed when the parts of the picture cannot be written in the format that was asked
-  /// for: to be called as soon as their sizes are known.
+  /// for, and BadInput when several parts or pieces would go to standard output: to be called as
+  /// soon as their sizes are known.
   void RequireWritable(const std::vector<cv::Size>& parts) const;
 
   /// Writes a part of the picture, but not yet under its name.
@@ -58,7 +59,8 @@ class Outputs {
   /// The same for the report's text; only when TakesReport().
   void StageReport(const std::string& text);
 
-  /// Shows everything that was staged. Throws Failed or Cancelled.
+  /// Shows everything that was staged, as CommitAll does. Throws BadInput when a piece or part has
+  /// the name of another result, Failed and Cancelled.
   void Commit();
 
  private:

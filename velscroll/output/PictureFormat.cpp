@@ -1,11 +1,10 @@
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <limits>
 
+#include <velscroll/names/LowerCase.h>
 #include <velscroll/output/PictureFormat.h>
 #include <velscroll/output/staging/StagedStandardOutput.h>
-#include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -67,20 +66,13 @@ std::string Advice(const PictureFormat& format, const cv::Size& size) {
   return split + "write a " + other->name + " file (" + other->extensions.front() + ") instead";
 }
 
-std::string LowerCaseExtension(const std::string& path) {
-  std::string extension = std::filesystem::path(path).extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  return extension;
-}
-
 }  // namespace
 
 const PictureFormat& PictureFormatOf(const std::string& path) {
   if (path == StagedStandardOutput::Argument) {
     return Formats().front();
   }
-  const std::string extension = LowerCaseExtension(path);
+  const std::string extension = LowerCase(std::filesystem::path(path).extension().string());
   for (const PictureFormat& format : Formats()) {
     if (std::find(format.extensions.begin(), format.extensions.end(), extension) !=
         format.extensions.end()) {
@@ -104,9 +96,12 @@ std::string PictureFormatList() {
 
 void RequireHolds(const PictureFormat& format, const cv::Size& size, const std::string& path) {
   if (!Holds(format, size)) {
-    throw Failed("cannot write " + Quoted(path) + ": an image of " + std::to_string(size.width) +
-                 " x " + std::to_string(size.height) + " pixels is too large for " + format.name +
-                 ", which holds at most " + LimitOf(format) + "; " + Advice(format, size));
+    const std::string reason = "an image of " + std::to_string(size.width) + " x " +
+                               std::to_string(size.height) + " pixels is too large for " +
+                               format.name + ", which holds at most " + LimitOf(format);
+    throw TooLargeForFormat(
+        "cannot write " + Quoted(path) + ": " + reason + "; " + Advice(format, size), reason,
+        MostRows(format, size.width) > 0);
   }
 }
 

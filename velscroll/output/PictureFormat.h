@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <opencv2/core.hpp>
+#include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
 
@@ -27,8 +29,25 @@ const PictureFormat& PictureFormatOf(const std::string& path);
 /// The extensions that PictureFormatOf knows, for messages.
 std::string PictureFormatList();
 
-/// Throws Failed when a picture of this size cannot be written in the format. The message tells of
-/// --split, where fewer rows in a file would do, and of a format that can hold the picture.
+/// A format cannot hold a picture. The message has the program's advice: --split, where fewer rows
+/// in a file would do, and a format that can hold the picture.
+class TooLargeForFormat : public Failed {
+ public:
+  TooLargeForFormat(const std::string& message, std::string why, bool piecesWouldDo)
+      : Failed(message), reason(std::move(why)), holdsPieces(piecesWouldDo) {}
+
+  /// What is too large for what, for interfaces that give advice in words of their own.
+  const std::string& Reason() const { return reason; }
+
+  /// Whether fewer rows in a file would do.
+  bool HoldsPieces() const { return holdsPieces; }
+
+ private:
+  std::string reason;
+  bool holdsPieces;
+};
+
+/// Throws TooLargeForFormat when a picture of this size cannot be written in the format.
 void RequireHolds(const PictureFormat& format, const cv::Size& size, const std::string& path);
 
 }  // namespace ScrollingCapture::Program

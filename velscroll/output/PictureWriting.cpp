@@ -79,4 +79,9 @@ Picture PictureOf(const cv::Mat& image) {
   return {image.size(), IsOpaque(image), [image](const cv::Rect& area) { return image(area); }};
 }
 
+Picture PictureOf(const StitchedPicture& picture) {
+  return {picture.Size(), picture.IsOpaque(),
+          [&picture](const cv::Rect& area) { return picture.Area(area); }};
+}
+
 }  // namespace ScrollingCapture::Program

@@ -11,6 +11,8 @@
 #include <velscroll/output/RowWriter.h>
 #include <velscroll/output/staging/StagedOutput.h>
 
+#include <VelScrollingCapture/session/StitchedPicture.h>
+
 namespace ScrollingCapture::Program {
 
 /// Where a picture goes, and how.
@@ -24,8 +26,9 @@ struct PictureOutput {
 /// Told after every some rows how many of them have been taken. May throw, which ends the writing.
 using RowProgress = std::function<void(int rows)>;
 
-/// Throws Failed when the picture, or pieces of as many rows as asked for, cannot be written in the
-/// format: to be called as soon as the size is known.
+/// Throws TooLargeForFormat when the picture, or pieces of as many rows as asked for, cannot be
+/// written in the format, and BadInput for pieces on standard output: to be called as soon as the
+/// size is known.
 void RequireWritable(const PictureOutput& output, const cv::Size& size);
 
 /// Writes a picture into files that are not yet under their names: one, or one for each piece, if
@@ -40,7 +43,10 @@ std::vector<std::unique_ptr<StagedOutput>> StagePicture(const Picture& picture,
 
 /// A picture that is in memory already.
 /// @param image CV_8UC4 with the channels red, green, blue and premultiplied alpha; its pixels are
-/// shared
+///              shared
 Picture PictureOf(const cv::Mat& image);
+
+/// A picture that a stitch has made, which has to live as long.
+Picture PictureOf(const StitchedPicture& picture);
 
 }  // namespace ScrollingCapture::Program

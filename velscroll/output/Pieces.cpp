@@ -1,8 +1,6 @@
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <filesystem>
-#include <system_error>
 
 #include <velscroll/output/Pieces.h>
 #include <velscroll/output/Strips.h>
@@ -43,17 +41,6 @@ int CutFor(const Picture& picture, int top, int mostRows) {
   return row < 0 ? lowest : std::min(row + 1, lowest);
 }
 
-bool IsNumber(const std::string& text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](unsigned char letter) { return std::isdigit(letter) != 0; });
-}
-
-bool IsSameFolder(const fs::path& first, const fs::path& second) {
-  const auto named = [](const fs::path& folder) { return folder.empty() ? "." : folder; };
-  std::error_code error;
-  return fs::equivalent(named(first), named(second), error);
-}
-
 }  // namespace
 
 std::vector<cv::Range> CutIntoPieces(const Picture& picture, int mostRows) {
@@ -73,16 +60,6 @@ std::string PieceName(const std::string& path, size_t number) {
   const std::string extension = piece.extension().string();
   piece.replace_extension();
   return piece.string() + "-" + std::to_string(number) + extension;
-}
-
-bool IsPieceOf(const std::string& path, const std::string& file) {
-  const fs::path whole(path);
-  const fs::path piece(file);
-  const std::string start = whole.stem().string() + "-";
-  const std::string stem = piece.stem().string();
-  return piece.extension() == whole.extension() && stem.size() > start.size() &&
-         stem.compare(0, start.size(), start) == 0 && IsNumber(stem.substr(start.size())) &&
-         IsSameFolder(whole.parent_path(), piece.parent_path());
 }
 
 }  // namespace ScrollingCapture::Program

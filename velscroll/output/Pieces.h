@@ -20,7 +20,4 @@ std::vector<cv::Range> CutIntoPieces(const Picture& picture, int mostRows);
 /// @param number from 1
 std::string PieceName(const std::string& path, size_t number);
 
-/// Whether a file is one that PieceName can name for a path, however the folder of both is written.
-bool IsPieceOf(const std::string& path, const std::string& file);
-
 }  // namespace ScrollingCapture::Program

@@ -47,7 +47,7 @@ class RowWriter {
   /// Takes the next rows. Throws Failed, Cancelled when the user stops the work, and
   /// std::bad_alloc.
   /// @param rows CV_8UC4 with the channels red, green, blue and premultiplied alpha, as wide as the
-  /// picture; its pixels are shared and must stay as they are until Finish returns
+  ///             picture; its pixels are shared and must stay as they are until Finish returns
   void Write(const cv::Mat& rows);
 
   /// Ends the file when all rows have been written. Throws as Write does.

@@ -1,4 +1,3 @@
-#include <opencv2/imgproc.hpp>
 #include <velscroll/pixels/Premultiplication.h>
 
 namespace ScrollingCapture::Program {
@@ -39,18 +38,6 @@ void Unpremultiply(cv::Mat& image) {
       pixel[channel] = static_cast<unsigned char>(alpha == 0 ? 0 : (scaled + alpha / 2) / alpha);
     }
   });
-}
-
-cv::Mat OnWhite(const cv::Mat& image) {
-  cv::Mat colours;
-  cv::cvtColor(image, colours, cv::COLOR_BGRA2BGR);
-  cv::Mat alpha;
-  cv::extractChannel(image, alpha, AlphaChannel);
-  cv::bitwise_not(alpha, alpha);
-  cv::Mat white;
-  cv::cvtColor(alpha, white, cv::COLOR_GRAY2BGR);
-  cv::add(colours, white, colours);
-  return colours;
 }
 
 bool IsOpaque(const cv::Mat& image) {

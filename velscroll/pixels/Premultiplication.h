@@ -14,11 +14,6 @@ void Premultiply(cv::Mat& image);
 /// @param image CV_8UC4 with the alpha last, no colour above its alpha
 void Unpremultiply(cv::Mat& image);
 
-/// Lays an image on white.
-/// @param image CV_8UC4, premultiplied, with the alpha last
-/// @return CV_8UC3
-cv::Mat OnWhite(const cv::Mat& image);
-
 /// Whether no pixel is even partly transparent.
 /// @param image CV_8UC4 with the alpha last
 bool IsOpaque(const cv::Mat& image);

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <exception>
 #include <filesystem>
 #include <iomanip>
 #include <sstream>
@@ -5,6 +7,7 @@
 
 #include <velscroll/output/PictureWriting.h>
 #include <velscroll/record/CaptureFolder.h>
+#include <velscroll/terminal/Explanation.h>
 #include <velscroll/terminal/Failure.h>
 
 namespace ScrollingCapture::Program {
@@ -21,6 +24,24 @@ void MakeFolder(const std::string& folder) {
   }
 }
 
+bool IsCapture(const fs::path& file) {
+  return file.filename().string().rfind("capture-", 0) == 0 && file.extension() == ".png";
+}
+
+void RequireNoCaptures(const std::string& folder) {
+  std::error_code error;
+  const fs::directory_iterator files(folder, error);
+  if (error) {
+    throw BadInput("cannot look into the folder " + Quoted(folder) +
+                   " of --keep-captures: " + error.message());
+  }
+  if (std::any_of(fs::begin(files), fs::end(files),
+                  [](const fs::directory_entry& file) { return IsCapture(file.path()); })) {
+    throw BadInput("the folder " + Quoted(folder) +
+                   " of --keep-captures holds captures already; name another one");
+  }
+}
+
 void Write(const cv::Mat& capture, const std::string& path) {
   EncodingSettings fast;
   fast.pngLevel = 1;
@@ -32,14 +53,9 @@ void Write(const cv::Mat& capture, const std::string& path) {
 }  // namespace
 
 CaptureFolder::CaptureFolder(const std::string& folder) : folder(folder) {
-  if (folder.empty()) {
-    return;
-  }
-  MakeFolder(folder);
-  std::error_code ignored;
-  if (fs::exists(NameOf(0), ignored)) {
-    throw BadInput("the folder " + Quoted(folder) +
-                   " of --keep-captures holds captures already; name another one");
+  if (!folder.empty()) {
+    MakeFolder(folder);
+    RequireNoCaptures(folder);
   }
 }
 
@@ -56,8 +72,8 @@ void CaptureFolder::Keep(const cv::Mat& capture) {
   }
   try {
     Write(capture, path);
-  } catch (const Failure& failure) {
-    trouble = failure.what();
+  } catch (const std::exception&) {
+    trouble = ExplanationOf(std::current_exception()).words;
   }
 }
 

@@ -10,8 +10,8 @@ namespace ScrollingCapture::Program {
 /// Keeps captures as PNG files in a folder: capture-0001.png, capture-0002.png, ...
 class CaptureFolder {
  public:
-  /// Makes the folder unless it is there. Throws BadInput when that is not possible, or captures
-  /// are in it already.
+  /// Makes the folder unless it is there. Throws BadInput when that is not possible, or any file
+  /// capture-*.png is in it already: those of two recordings would be stitched as one.
   /// @param folder empty: nothing is kept
   explicit CaptureFolder(const std::string& folder);
 
@@ -19,7 +19,8 @@ class CaptureFolder {
   /// @param index from 0
   std::string NameOf(std::size_t index) const;
 
-  /// Keeps the next capture. One that cannot be written ends the keeping, but nothing else.
+  /// Keeps the next capture. One that cannot be written ends the keeping, but nothing else, for
+  /// whatever reason that is.
   /// @param capture CV_8UC4: red, green, blue, opaque
   void Keep(const cv::Mat& capture);
 

@@ -1,6 +1,8 @@
 #include <chrono>
 #include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include <live/Recorder.h>
 #include <live/x11/X11CaptureSource.h>
@@ -13,10 +15,12 @@
 #include <velscroll/record/RecordCommand.h>
 #include <velscroll/record/RecordEnding.h>
 #include <velscroll/record/StatusLine.h>
+#include <velscroll/stitch/PictureStaging.h>
 #include <velscroll/stitch/PrivateSettings.h>
 #include <velscroll/stitch/Results.h>
 #include <velscroll/stitch/StageClock.h>
 #include <velscroll/terminal/Console.h>
+#include <velscroll/terminal/HeldMessages.h>
 #include <velscroll/terminal/Interruption.h>
 
 namespace ScrollingCapture::Program {
@@ -93,9 +97,8 @@ ReadFiles Describe(const CaptureFolder& folder) {
 
 /// Throws Failed when nothing was captured.
 void TellEnd(const Live::RecordingEnd& end, Console& console) {
-  const std::string why = !end.line.empty() ? end.line : end.status.hindrance;
-  if (end.status.captures == 0) {
-    throw Failed("nothing was captured" + (why.empty() ? std::string() : ": " + why));
+  if (const auto nothing = end.NothingCaptured()) {
+    throw Failed(*nothing);
   }
   if (!end.line.empty()) {
     console.Warn(end.line + "; what was captured until then is saved");
@@ -116,14 +119,17 @@ ReportContent RecordEverything(const RecordArguments& arguments, CaptureFolder& 
     recorder.ScrollBy({*arguments.autoScroll, arguments.limit, source.Region().size()});
   }
   StageClock clock;
+  const HeldMessages messages;
   TellEnd(recorder.Run(), console);
   WarnOfFullDisk(session, console);
   if (!folder.Trouble().empty()) {
     console.Warn(folder.Trouble() + "; not all captures are in the folder of --keep-captures");
   }
   const double recording = clock.Lap();
-  ReportContent content = StitchAndStage(session, arguments.session, arguments.strict,
-                                         Describe(folder), outputs, console);
+  ReadFiles recorded = Describe(folder);
+  recorded.remarks = messages.Lines();
+  ReportContent content =
+      StitchAndStage(session, arguments.session, arguments.strict, recorded, outputs, console);
   content.seconds.reading = recording;
   return content;
 }
@@ -138,6 +144,15 @@ std::optional<Clipboard> ClipboardOf(const RecordArguments& arguments) {
   return Clipboard();
 }
 
+/// A clipboard holds one picture.
+void PutFirst(const std::vector<std::string>& files, const Clipboard& clipboard, Console& console) {
+  clipboard.Put(files.front());
+  if (files.size() > 1) {
+    console.Warn("the picture is in " + std::to_string(files.size()) +
+                 " files; only the first one, " + Quoted(files.front()) + ", is on the clipboard");
+  }
+}
+
 }  // namespace
 
 ExitStatus RunRecordCommand(const RecordArguments& arguments) try {
@@ -148,7 +163,7 @@ ExitStatus RunRecordCommand(const RecordArguments& arguments) try {
   const ReportContent content = RecordEverything(arguments, folder, outputs, console);
   const ExitStatus status = ShowResults(content, outputs, console);
   if (clipboard) {
-    clipboard->Put(content.parts.front().pieces.front());
+    PutFirst(FilesOf(content.parts), *clipboard, console);
   }
   return status;
 } catch (const Live::CaptureFailure& failure) {

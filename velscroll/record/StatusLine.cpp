@@ -22,12 +22,9 @@ std::string StepText(const Translation& motion) {
   return text;
 }
 
-std::string WayBack(const Live::RecordingStatus& status) {
-  return "too fast: scroll back a little, to where row " +
-         std::to_string(status.lastJoined.row - status.seen.y) +
-         (status.lastJoined.column != status.seen.x
-              ? ", column " + std::to_string(status.lastJoined.column - status.seen.x)
-              : "") +
+std::string WayBackText(const Place& place) {
+  return "too fast: scroll back a little, to where row " + std::to_string(place.row) +
+         (place.column != 0 ? ", column " + std::to_string(place.column) : "") +
          " of the picture was at the top";
 }
 
@@ -41,7 +38,7 @@ std::string StatusLine(const Live::RecordingStatus& status) {
   const std::string size = std::to_string(status.seen.height) + " rows, " +
                            std::to_string(status.seen.width) + " columns" +
                            (step.empty() ? std::string() : ", last step " + step);
-  return size + "; " + (status.tooFast ? WayBack(status) : "Enter ends");
+  return size + "; " + (status.tooFast ? WayBackText(status.WayBack()) : "Enter ends");
 }
 
 }  // namespace ScrollingCapture::Program

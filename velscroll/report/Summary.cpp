@@ -13,7 +13,7 @@ std::string CountOf(const std::vector<ReportedCapture>& captures, ReportedCaptur
   return count == 0 ? std::string() : ", " + std::to_string(count) + remark;
 }
 
-std::string FilesOf(const ReportedPart& part) {
+std::string RangeOfFiles(const ReportedPart& part) {
   return part.pieces.size() == 1 ? part.pieces.front()
                                  : part.pieces.front() + " to " + part.pieces.back();
 }
@@ -21,8 +21,8 @@ std::string FilesOf(const ReportedPart& part) {
 std::string PartsOf(const ReportContent& content) {
   std::string parts;
   for (const ReportedPart& part : content.parts) {
-    parts += (parts.empty() ? "" : ", ") + FilesOf(part) + ": " + std::to_string(part.size.width) +
-             " x " + std::to_string(part.size.height) + " pixels";
+    parts += (parts.empty() ? "" : ", ") + RangeOfFiles(part) + ": " +
+             std::to_string(part.size.width) + " x " + std::to_string(part.size.height) + " pixels";
   }
   return parts;
 }

@@ -32,9 +32,9 @@ ReportContent StitchAndStage(CaptureSession& session, const SessionSettings& set
   // Before the long work, since the box may turn out too small.
   const cv::Mat preview = outputs.TakesPreview() ? PreviewOf(session) : cv::Mat();
   const Stitched stitched = RunStitch(session, console);
-  content.seconds.detection = stitched.detectionSeconds;
-  content.seconds.composing = stitched.composingSeconds;
-  content.remarks = stitched.remarks;
+  content.seconds = stitched.seconds;
+  content.remarks = read.remarks;
+  content.remarks.insert(content.remarks.end(), stitched.remarks.begin(), stitched.remarks.end());
   content.borders = stitched.result.borders;
   content.captures = DescribeCaptures(read.files, stitched.result.captures);
   content.warnings = WarningsAbout(content.captures);
@@ -43,7 +43,9 @@ ReportContent StitchAndStage(CaptureSession& session, const SessionSettings& set
   }
 
   StageClock clock;
-  content.parts = StageParts(stitched.result.parts, read.metadata, outputs, console);
+  RequireWritable(stitched.result.parts, outputs);
+  content.parts = StageParts(stitched.result.parts, read.metadata, outputs,
+                             [&](int percent) { console.ShowProgress("Writing", percent); });
   if (outputs.TakesPreview()) {
     outputs.StagePreview(preview);
   }

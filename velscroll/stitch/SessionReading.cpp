@@ -4,6 +4,7 @@
 #include <velscroll/input/CaptureReading.h>
 #include <velscroll/stitch/SessionReading.h>
 #include <velscroll/terminal/Failure.h>
+#include <velscroll/terminal/HeldMessages.h>
 
 namespace ScrollingCapture::Program {
 namespace {
@@ -29,11 +30,11 @@ class Reader {
 
   void Add(size_t index, const IncomingCapture& capture) {
     const std::string& file = captures.paths[index];
-    RequireOverlap(file, capture);
     const CaptureOutcome outcome = session.Add(capture);
     if (outcome.state == CaptureOutcome::State::Unusable) {
       throw BadInput(Quoted(file) + " " + outcome.reason);
     }
+    RequireOverlap(file, capture, outcome);
     const bool repeats = outcome.state == CaptureOutcome::State::Repeated;
     read.files.push_back(
         {file, repeats ? std::make_optional(JoinOfRepeat(kept, capture.pixels)) : std::nullopt});
@@ -48,10 +49,14 @@ class Reader {
   ReadFiles read;
 
  private:
-  static void RequireOverlap(const std::string& file, const IncomingCapture& capture) {
-    if (capture.motion && !Overlaps(*capture.motion, capture.pixels.size())) {
+  /// Exact joins know of every capture that may lie there, phase correlation of the one before.
+  static void RequireOverlap(const std::string& file, const IncomingCapture& capture,
+                             const CaptureOutcome& outcome) {
+    const bool overlaps = !capture.motion || Overlaps(*capture.motion, capture.pixels.size()) ||
+                          (outcome.placed && outcome.placed->join.compared > 0);
+    if (!overlaps) {
       throw BadInput("the motion that --joins gives for " + Quoted(file) +
-                     " leaves nothing in common with the capture before; correct it");
+                     " leaves nothing in common with the captures before; correct it");
     }
   }
 
@@ -77,6 +82,7 @@ bool WarnOfFullDisk(const CaptureSession& session, Console& console) {
 ReadFiles ReadInto(CaptureSession& session, const CaptureFiles& captures, unsigned int threads,
                    Console& console) {
   Reader reader(session, captures, console);
+  const HeldMessages messages;
   console.ShowProgress("Reading", 0);
   ReadCaptures(captures.paths, threads, [&reader](size_t index, CaptureImage image) {
     if (index == 0) {
@@ -86,6 +92,7 @@ ReadFiles ReadInto(CaptureSession& session, const CaptureFiles& captures, unsign
       reader.Add(index, capture);
     };
   });
+  reader.read.remarks = messages.Lines();
   return std::move(reader.read);
 }
 

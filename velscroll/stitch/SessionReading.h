@@ -23,7 +23,8 @@ struct CaptureFiles {
 /// What was read.
 struct ReadFiles {
   std::vector<CaptureFile> files;
-  ImageMetadata metadata;  ///< of the first one
+  ImageMetadata metadata;            ///< of the first one
+  std::vector<std::string> remarks;  ///< what the library said meanwhile
 };
 
 /// Reads files and adds them to a session, on some threads. Warns once when captures have to stay

@@ -1,8 +1,6 @@
-#include <algorithm>
-
-#include <velscroll/files/SameFile.h>
 #include <velscroll/input/InputFiles.h>
 #include <velscroll/input/JoinsFile.h>
+#include <velscroll/stitch/PictureStaging.h>
 #include <velscroll/stitch/PrivateSettings.h>
 #include <velscroll/stitch/Results.h>
 #include <velscroll/stitch/SessionReading.h>
@@ -41,20 +39,6 @@ ReportContent StageEverything(const Task& task, Outputs& outputs, Console& conso
   return content;
 }
 
-/// Pieces and parts have names that nobody has typed.
-void RequireNoCaptureOverwritten(const std::vector<ReportedPart>& parts,
-                                 const std::vector<std::string>& captures) {
-  for (const ReportedPart& part : parts) {
-    for (const std::string& piece : part.pieces) {
-      const auto isPiece = [&piece](const std::string& file) { return IsSameFile(file, piece); };
-      if (std::any_of(captures.begin(), captures.end(), isPiece)) {
-        throw Failed("the result would be written over the capture " + Quoted(piece) +
-                     "; choose another name to write to");
-      }
-    }
-  }
-}
-
 }  // namespace
 
 ExitStatus RunStitchCommand(const Arguments& arguments) {
@@ -62,7 +46,9 @@ ExitStatus RunStitchCommand(const Arguments& arguments) {
   const Task task = TaskOf(arguments, outputs.Names());
   Console console(arguments.loudness, !outputs.UseStandardOutput());
   const ReportContent content = StageEverything(task, outputs, console);
-  RequireNoCaptureOverwritten(content.parts, task.captures.paths);
+  if (const auto complaint = OverwriteComplaint(content)) {
+    throw Failed(*complaint);
+  }
   return ShowResults(content, outputs, console);
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include <velscroll/report/Report.h>
 #include <velscroll/terminal/Console.h>
 
 #include <VelScrollingCapture/session/CaptureSession.h>
@@ -12,8 +13,7 @@ namespace ScrollingCapture::Program {
 /// What came of a stitch.
 struct Stitched {
   SessionResult result;
-  double detectionSeconds = 0;
-  double composingSeconds = 0;
+  StageSeconds seconds;              ///< of detection and composing
   std::vector<std::string> remarks;  ///< what the library said meanwhile
 };
 

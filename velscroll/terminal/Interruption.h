@@ -7,9 +7,9 @@ namespace ScrollingCapture::Program {
 /// with as ignored (under nohup, in a script's background) stays ignored.
 void ListenForInterruption();
 
-/// From now on the first of these signals only asks for the end of what goes
-/// on, and the work has to be finished. Ctrl-C after that asks for the end of the work; a further
-/// termination request or closed terminal does not.
+/// From now on the first of these signals only asks for the end of what goes on, and the work has
+/// to be finished. Ctrl-C after that asks for the end of the work; a further termination request or
+/// closed terminal does not.
 void LetFirstSignalFinish();
 
 /// Whether such a first signal has come. Safe from any thread.

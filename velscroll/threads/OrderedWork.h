@@ -19,7 +19,7 @@ namespace ScrollingCapture::Program {
 class OrderedWork {
  public:
   /// @param threads how many work at once at most, the one that adds items included; at least 1.
-  /// More than 16 do not: what they hold would take much memory.
+  ///                More than 16 do not: what they hold would take much memory.
   explicit OrderedWork(unsigned int threads);
   OrderedWork(const OrderedWork&) = delete;
   OrderedWork& operator=(const OrderedWork&) = delete;

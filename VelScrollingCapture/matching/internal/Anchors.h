@@ -45,7 +45,7 @@ inline cv::Point CentreOf(const cv::Point& place) {
 void RequireUsableCapture(const cv::Mat& capture);
 
 /// How many zero bits the spread hash of an anchor begins with: fewer in small captures, which have
-/// few patches to choose from. Eight bytes an anchor then stay far below the size of the capture.
+/// few patches to choose from.
 int SelectingZeroBits(const cv::Size& size, int channels);
 
 /// The anchors of a capture that RequireUsableCapture accepts.

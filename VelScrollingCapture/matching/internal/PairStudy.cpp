@@ -85,6 +85,7 @@ class PairStudyRun {
     }
     std::vector<cv::Point> rivals(join.alternatives.size());
     std::transform(join.alternatives.begin(), join.alternatives.end(), rivals.begin(), ToPoint);
+    std::sort(rivals.begin(), rivals.end(), IsSmaller);
     SetMotions(motion, rivals, join);
     found.evidence.clear();
     return found;
@@ -406,10 +407,18 @@ PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& lat
   return PairStudyRun(earlier, later, settings).RunFor(motion);
 }
 
-Join PreferRepetition(Join join, const Translation& stepBefore) {
-  const auto repeated = std::find(join.alternatives.begin(), join.alternatives.end(), stepBefore);
-  if (join.verdict == Verdict::Doubtful && repeated != join.alternatives.end()) {
-    std::swap(join.motion, *repeated);
+Join PreferRepetition(Join join, const std::vector<Translation>& steps) {
+  auto& others = join.alternatives;
+  for (const Translation& step : steps) {
+    if (step == join.motion) {
+      break;
+    }
+    const auto repeated = std::find(others.begin(), others.end(), step);
+    if (repeated != others.end()) {
+      std::rotate(others.begin(), repeated, repeated + 1);
+      std::swap(join.motion, others.front());
+      break;
+    }
   }
   return join;
 }

@@ -41,8 +41,9 @@ PairMatch StudyExpectedMotion(const AnchoredCapture& earlier, const AnchoredCapt
 PairMatch StudyMotion(const AnchoredCapture& earlier, const AnchoredCapture& later,
                       const cv::Point& motion, const MatchingSettings& settings);
 
-/// Of the motions of a doubtful join, takes the one that repeats the step before.
-Join PreferRepetition(Join join, const Translation& stepBefore);
+/// Of the motions of a doubtful join, takes the one that repeats a step before; of several, the one
+/// that repeats the earlier element.
+Join PreferRepetition(Join join, const std::vector<Translation>& steps);
 
 /// Throws std::invalid_argument unless both captures are of one size and one type.
 void RequireSameFormat(const CaptureAnchors& earlier, const CaptureAnchors& later);

@@ -175,18 +175,20 @@ std::vector<CountedMotion> MotionsOfRepeatedAnchors(const CaptureAnchors& earlie
   MotionTally tally;
   std::size_t pairs = 0;
   ForEachSharedHash(earlier, later, [&](const Group& left, const Group& right) {
-    const std::size_t rights = std::min(right.Count(), MostPairsOfHash / left.Count());
+    const std::size_t lefts = std::min(left.Count(), MostPairsOfHash);
+    const std::size_t rights = std::min(right.Count(), MostPairsOfHash / lefts);
     if (left.Count() > 1 || right.Count() > 1) {
       for (auto one = right.first; one != right.first + static_cast<std::ptrdiff_t>(rights);
            ++one) {
-        for (auto other = left.first; other != left.last; ++other) {
+        for (auto other = left.first; other != left.first + static_cast<std::ptrdiff_t>(lefts);
+             ++other) {
           const cv::Point motion = later.PlaceOf(*one) - earlier.PlaceOf(*other);
           if (IsAllowed(motion, orientation)) {
             tally.Add(motion);
           }
         }
       }
-      pairs += rights * left.Count();
+      pairs += rights * lefts;
     }
     return pairs < MostPairs;
   });

@@ -2,9 +2,9 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
-#include <stdexcept>
 
 #include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
+#include <VelScrollingCapture/mosaic/internal/Refusals.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -26,7 +26,7 @@ class Extent {
 
 int Narrowed(std::int64_t length) {
   if (length > std::numeric_limits<int>::max()) {
-    throw std::length_error("The picture has more rows or columns than an int can tell.");
+    throw PictureTooLarge("The picture has more rows or columns than an int can tell.");
   }
   return static_cast<int>(length);
 }

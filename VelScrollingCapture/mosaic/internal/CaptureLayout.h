@@ -14,7 +14,7 @@ namespace ScrollingCapture {
 /// Where captures of one size lie in the picture whose top-left pixel is at (0, 0).
 class CaptureLayout {
  public:
-  /// Throws std::length_error when an int cannot hold the picture's rows or columns.
+  /// Throws PictureTooLarge when an int cannot hold the picture's rows or columns.
   CaptureLayout(const cv::Size& captureSize, const std::vector<Place>& places);
 
   size_t Count() const { return corners.size(); }

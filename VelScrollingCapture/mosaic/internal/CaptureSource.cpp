@@ -1,7 +1,7 @@
-#include <stdexcept>
 #include <string>
 
 #include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
+#include <VelScrollingCapture/mosaic/internal/Refusals.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -9,7 +9,7 @@ namespace {
 std::shared_ptr<const cv::Mat> Fetch(IImageProvider& provider, size_t index) {
   std::shared_ptr<const cv::Mat> capture = provider.GetImageAt(index);
   if (capture == nullptr || capture->dims > 2 || capture->empty()) {
-    throw std::invalid_argument("Capture " + std::to_string(index) + " has no pixels.");
+    throw UnusableCapture("Capture " + std::to_string(index) + " has no pixels.");
   }
   return capture;
 }
@@ -26,7 +26,7 @@ CaptureSource::CaptureSource(IImageProvider& provider)
   part = cv::Rect({}, size);
   type = first->type();
   if (first->depth() != CV_8U || first->channels() > 4) {
-    throw std::invalid_argument("A mosaic takes captures of 8 bits a channel, 4 channels at most.");
+    throw UnusableCapture("A mosaic takes captures of 8 bits a channel, 4 channels at most.");
   }
 }
 
@@ -38,8 +38,8 @@ CaptureSource::CaptureSource(const CaptureSource& whole, const cv::Rect& part)
 std::shared_ptr<const cv::Mat> CaptureSource::Get(size_t index) const {
   auto capture = Fetch(provider, index);
   if (capture->size() != size || capture->type() != type) {
-    throw std::invalid_argument("Capture " + std::to_string(index) +
-                                " differs in size or type from the first one.");
+    throw UnusableCapture("Capture " + std::to_string(index) +
+                          " differs in size or type from the first one.");
   }
   return part.size() == size ? capture : std::make_shared<const cv::Mat>(*capture, part);
 }

@@ -12,7 +12,7 @@ namespace ScrollingCapture {
 /// Hands out captures to read, all of one size and type.
 class CaptureSource {
  public:
-  /// Throws std::invalid_argument when the first capture has no pixels, or not of 8 bits a channel.
+  /// Throws UnusableCapture when the first capture has no pixels, or not of 8 bits a channel.
   explicit CaptureSource(IImageProvider& provider);
 
   /// The same part of every capture of another source.
@@ -24,7 +24,7 @@ class CaptureSource {
   cv::Size CaptureSize() const { return part.size(); }
   int Type() const { return type; }
 
-  /// The capture at `index`, or its part. Throws std::invalid_argument when it is not like the
+  /// The capture at `index`, or its part. Throws UnusableCapture when it is not like the
   /// first one; exceptions of the provider pass.
   std::shared_ptr<const cv::Mat> Get(size_t index) const;
 

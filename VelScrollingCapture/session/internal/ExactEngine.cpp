@@ -82,7 +82,11 @@ ExactEngine::ExactEngine(const SessionSettings& settings, std::shared_ptr<IImage
       placer(*this->captures, {settings.orientation, settings.expectConsistentTranslations}) {}
 
 std::optional<PlacedCapture> ExactEngine::Join(const IncomingCapture& capture) {
-  PlaceLeftOver(captures->Count() - 1);
+  const std::size_t index = captures->Count() - 1;
+  if (capture.motion) {
+    prescribed[index] = *capture.motion;
+  }
+  PlaceLeftOver(index);
   return PlaceNext(capture);
 }
 
@@ -119,8 +123,9 @@ PlacedCapture ExactEngine::PlaceNext(const IncomingCapture& capture) {
   const std::size_t index = placer.Count();
   const PreparedCapture prepared =
       capture.prepared ? *capture.prepared : PreparedCapture(capture.pixels);
-  const PlacedCapture placed = capture.motion && index > 0
-                                   ? placer.PlaceAt(index, prepared, *capture.motion)
+  const auto motion = prescribed.find(index);
+  const PlacedCapture placed = motion != prescribed.end()
+                                   ? placer.PlaceAt(index, prepared, motion->second)
                                    : placer.Place(index, prepared);
   allOpaque = allOpaque && Covers(capture.pixels);
   return placed;

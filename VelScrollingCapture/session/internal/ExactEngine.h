@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -25,6 +27,7 @@ class ExactEngine : public SessionEngine {
   const std::shared_ptr<IImageProvider> captures;
   const MosaicSettings mosaicSettings;
   CapturePlacer placer;
+  std::map<std::size_t, Translation> prescribed;
   bool allOpaque = true;
 };
 

@@ -98,7 +98,15 @@ bool ReadPixels(std::ifstream& file, const SpillHeader& header, cv::Mat& image) 
   return file.good();
 }
 
-/// A file that is open for writing; null when it cannot be opened.
+/// Leaves devices and the like alone, which a path may name as well.
+void RemovePartialFile(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_regular_file(std::filesystem::symlink_status(path, ignored))) {
+    std::filesystem::remove(path, ignored);
+  }
+}
+
+/// A file that is open for writing; null when it cannot be opened, and none is made then.
 std::FILE* OpenForWriting(const std::string& path, Existing existing) {
   constexpr mode_t OwnerOnly = S_IRUSR | S_IWUSR;
   const int answer = existing == Existing::Refused ? O_EXCL | O_NOFOLLOW : O_TRUNC;
@@ -109,6 +117,7 @@ std::FILE* OpenForWriting(const std::string& path, Existing existing) {
   std::FILE* const file = fdopen(descriptor, "wb");
   if (file == nullptr) {
     close(descriptor);
+    RemovePartialFile(path);
   }
   return file;
 }
@@ -124,14 +133,6 @@ bool WriteMatrix(std::FILE* file, const cv::Mat& image) {
          Write(file, &header.elementSize, sizeof(header.elementSize)) &&
          Write(file, &header.type, sizeof(header.type)) &&
          Write(file, image.data, PixelBytesOf(image));
-}
-
-/// Leaves devices and the like alone, which a path may name as well.
-void RemovePartialFile(const std::string& path) {
-  std::error_code ignored;
-  if (std::filesystem::is_regular_file(std::filesystem::symlink_status(path, ignored))) {
-    std::filesystem::remove(path, ignored);
-  }
 }
 
 }  // namespace

@@ -17,16 +17,6 @@ namespace {
 
 constexpr int LongestSide = 48;
 
-/// What is alike in the captures of a scroll: windows of one page, or else pixels of their own.
-cv::Mat AnyCapture(FuzzedDataProvider& data, const cv::Mat& page, const cv::Size& size) {
-  if (data.ConsumeIntegralInRange(0, 3) == 0) {
-    return AnyPixels(data, size, page.type());
-  }
-  const int column = data.ConsumeIntegralInRange(0, page.cols - size.width);
-  const int row = data.ConsumeIntegralInRange(0, page.rows - size.height);
-  return page(cv::Rect({column, row}, size)).clone();
-}
-
 std::vector<Translation> DetectInPairs(ScrollOrientation orientation,
                                        const std::vector<cv::Mat>& captures) {
   PhaseCorrelationTranslationDetector detector(orientation, false, 1);
@@ -58,7 +48,7 @@ void DetectAny(FuzzedDataProvider& data) {
   std::vector<cv::Mat> captures(data.ConsumeIntegralInRange<size_t>(2, 4));
   BasicImageProvider provider;
   for (cv::Mat& capture : captures) {
-    capture = AnyCapture(data, page, size);
+    capture = AnyCaptureOf(data, page, size, 4);
     provider.Add(capture);
   }
   const std::vector<Translation> inPairs = DetectInPairs(orientation, captures);

@@ -143,19 +143,49 @@ TEST_F(DesktopTest, TellsOnTheCommandLineWhatCannotBeCaptured) {
             QByteArray("velscroll-desktop: There is no window 0x12345\n"));
 }
 
-TEST_F(DesktopTest, LeavesNothingWhenItIsTerminated) {
+/// The program by itself, whose temporary files go to a folder of the test's own.
+class ProgramTest : public DesktopTest {
+ protected:
+  void Start(const QStringList& arguments) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TMPDIR", QString::fromStdString(folder.Path().string()));
+    program.setProcessEnvironment(environment);
+    program.start(VELSCROLL_DESKTOP, arguments);
+    ASSERT_TRUE(program.waitForStarted());
+  }
+
+  void ExpectThatItEndsAndLeavesNothing() {
+    ASSERT_TRUE(WaitUntil([this] { return !folder.Contents().empty(); }));
+    program.terminate();
+    ASSERT_TRUE(program.waitForFinished());
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program.exitCode(), 130);
+    EXPECT_TRUE(folder.Contents().empty());
+  }
+
+  static bool ShowsPicture() {
+    try {
+      Live::FindWindow(Live::XConnection(), "Picture");
+      return true;
+    } catch (const Live::CaptureFailure&) {
+      return false;
+    }
+  }
+
   QProcess program;
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("TMPDIR", QString::fromStdString(folder.Path().string()));
-  program.setProcessEnvironment(environment);
-  program.start(VELSCROLL_DESKTOP, {"--region", "200x200+0+0"});
-  ASSERT_TRUE(program.waitForStarted());
-  ASSERT_TRUE(WaitUntil([this] { return !folder.Contents().empty(); }));
-  program.terminate();
-  ASSERT_TRUE(program.waitForFinished());
-  EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-  EXPECT_EQ(program.exitCode(), 130);
-  EXPECT_TRUE(folder.Contents().empty());
+};
+
+TEST_F(ProgramTest, LeavesNothingWhenItIsTerminatedWhileItRecords) {
+  Start({"--region", "200x200+0+0"});
+  ExpectThatItEndsAndLeavesNothing();
+}
+
+TEST_F(ProgramTest, LeavesNothingWhenItIsTerminatedWithAnOpenPicture) {
+  const cv::Rect area = view.AreaOnScreen();
+  Start({"--auto", "down", "--region",
+         QString("%1x%2+%3+%4").arg(area.width).arg(area.height).arg(area.x).arg(area.y)});
+  ASSERT_TRUE(WaitUntil(ShowsPicture));
+  ExpectThatItEndsAndLeavesNothing();
 }
 
 }  // namespace

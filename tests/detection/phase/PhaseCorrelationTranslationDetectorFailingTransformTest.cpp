@@ -148,14 +148,20 @@ TEST(PhaseCorrelationTranslationDetectorFailingTransform, IsToldOnceWhicheverTra
   EXPECT_GE(failingCall, 4) << "two forward transforms, an inverse one, and a run without failure";
 }
 
-/// A spectrum that could not be made is never taken for that of the next pair.
-TEST(PhaseCorrelationTranslationDetectorFailingTransform, OfOnePairDoesNotHarmTheOthers) {
+/// What a window shows over a page when these rows of it are at its top.
+BasicImageProvider CapturesFrom(const std::vector<int>& tops) {
   const cv::Mat page = Testing::TextPage({200, 300});
   BasicImageProvider captures;
-  for (const int top : {0, 20, 50, 90}) {
+  for (const int top : tops) {
     cv::Mat capture = page(cv::Rect(0, top, 120, 100)).clone();
     captures.Add(capture);
   }
+  return captures;
+}
+
+/// A spectrum that could not be made is never taken for that of the next pair.
+TEST(PhaseCorrelationTranslationDetectorFailingTransform, OfOnePairDoesNotHarmTheOthers) {
+  BasicImageProvider captures = CapturesFrom({0, 20, 50, 90});
   const Testing::StreamCapture errors(std::cerr);
   std::atomic<int> calls = 0;
   const ScopedInterposition interposition{
@@ -168,12 +174,7 @@ TEST(PhaseCorrelationTranslationDetectorFailingTransform, OfOnePairDoesNotHarmTh
 
 /// Whichever pair it hits: its neighbour waits for the spectrum and then makes its own.
 TEST(PhaseCorrelationTranslationDetectorFailingTransform, OfOneOfManyThreadsDoesNotHarmTheOthers) {
-  const cv::Mat page = Testing::TextPage({200, 300});
-  BasicImageProvider captures;
-  for (int top = 0; top < 80; top += 10) {
-    cv::Mat capture = page(cv::Rect(0, top, 120, 100)).clone();
-    captures.Add(capture);
-  }
+  BasicImageProvider captures = CapturesFrom({0, 10, 20, 30, 40, 50, 60, 70});
   const Testing::StreamCapture errors(std::cerr);
   std::atomic<int> calls = 0;
   const ScopedInterposition interposition{
@@ -187,12 +188,9 @@ TEST(PhaseCorrelationTranslationDetectorFailingTransform, OfOneOfManyThreadsDoes
 
 /// Counts the forward transforms of a sequence of captures that scroll.
 int ForwardTransformsOf(ITranslationDetector& detector, int captureCount) {
-  const cv::Mat page = Testing::TextPage({200, 300});
-  BasicImageProvider captures;
-  for (int i = 0; i < captureCount; ++i) {
-    cv::Mat capture = page(cv::Rect(0, 10 * i, 120, 100)).clone();
-    captures.Add(capture);
-  }
+  std::vector<int> tops(static_cast<size_t>(captureCount));
+  std::generate(tops.begin(), tops.end(), [top = -10]() mutable { return top += 10; });
+  BasicImageProvider captures = CapturesFrom(tops);
   int calls = 0;
   const ScopedInterposition interposition{{[&](int flags) {
                                              calls += IsForward(flags) ? 1 : 0;

@@ -1,8 +1,6 @@
 #include "UserInput.h"
 
-#include <memory>
-
-#include <xcb/xcb_keysyms.h>
+#include <live/x11/XKeySymbols.h>
 #include <xcb/xtest.h>
 
 namespace ScrollingCapture::Testing {
@@ -32,8 +30,7 @@ void UserInput::Fake(int type, int detail) const {
 }
 
 int UserInput::CodeOf(std::uint32_t symbol) const {
-  const std::unique_ptr<xcb_key_symbols_t, decltype(&xcb_key_symbols_free)> symbols(
-      xcb_key_symbols_alloc(connection.Get()), &xcb_key_symbols_free);
+  const Live::XKeySymbols symbols = Live::KeySymbolsOf(connection);
   const Live::XReply<xcb_keycode_t> codes(xcb_key_symbols_get_keycode(symbols.get(), symbol));
   return codes ? codes.get()[0] : 0;
 }

@@ -30,9 +30,9 @@ class Picking : public ::testing::Test {
     }
   }
 
-  const Testing::XServer server{{"-screen", "0", "640x480x24"}};
+  Testing::XServer server{{"-screen", "0", "640x480x24"}};
   const Testing::PageWindow window{Testing::TextPage({300, 400}), {50, 40, 300, 200}, "page"};
-  const Testing::UserInput user;
+  const Testing::UserInput user{};
   std::atomic<bool> goOn{true};
   std::atomic<bool> asked{false};
   std::future<std::optional<XChoice>> picked;
@@ -101,6 +101,12 @@ TEST_F(Picking, IsCancelledByTheCaller) {
   Begin();
   goOn = false;
   EXPECT_FALSE(picked.get().has_value());
+}
+
+TEST_F(Picking, SaysSoWhenTheServerEnds) {
+  Begin();
+  server.Kill();
+  EXPECT_THROW(picked.get(), CaptureFailure);
 }
 
 }  // namespace

@@ -1,10 +1,31 @@
+#include <cerrno>
+#include <cstdio>
+#include <dlfcn.h>
 #include <filesystem>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <testkit/SpillTesting.h>
 #include <testkit/TemporaryFolder.h>
 
 #include <VelScrollingCapture/storage/internal/SpillFile.h>
+
+namespace {
+
+bool streamsFail = false;
+
+}  // namespace
+
+/// In the place of the C library's, so that it can fail as it does without memory for a buffer.
+extern "C" std::FILE* fdopen(int fd, const char* modes) noexcept {
+  if (streamsFail) {
+    errno = ENOMEM;
+    return nullptr;
+  }
+  using Open = std::FILE* (*)(int, const char*);
+  static const auto open = reinterpret_cast<Open>(dlsym(RTLD_NEXT, "fdopen"));
+  return open(fd, modes);
+}
 
 namespace ScrollingCapture {
 namespace {
@@ -45,6 +66,24 @@ TEST_F(NewSpillFile, FollowsNoLinkWhereverItLeads) {
   EXPECT_EQ(ReadFile(target), "foreign");
   EXPECT_TRUE(std::filesystem::is_symlink(path));
 }
+
+/// Whether files are replaced or not: none is left behind.
+class SpillFileWithoutAStream : public NewSpillFile, public testing::WithParamInterface<Existing> {
+ protected:
+  SpillFileWithoutAStream() { streamsFail = true; }
+  ~SpillFileWithoutAStream() override { streamsFail = false; }
+};
+
+TEST_P(SpillFileWithoutAStream, LeavesNothingBehind) {
+  EXPECT_FALSE(WriteSpillFile(capture, path, GetParam()));
+  EXPECT_THAT(folder.Contents(), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Existing, SpillFileWithoutAStream,
+                         testing::Values(Existing::Replaced, Existing::Refused),
+                         [](const auto& existing) {
+                           return existing.param == Existing::Replaced ? "Replaced" : "Refused";
+                         });
 
 TEST(SpillFile, CanGiveBackTwoDimensionsOfLessThan2To31Elements) {
   unsigned char pixel = 0;

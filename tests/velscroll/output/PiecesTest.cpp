@@ -1,8 +1,5 @@
-#include <filesystem>
-
 #include <gmock/gmock.h>
 #include <testkit/MatrixTesting.h>
-#include <testkit/TemporaryFolder.h>
 #include <velscroll/output/PictureWriting.h>
 #include <velscroll/output/Pieces.h>
 
@@ -10,7 +7,6 @@ namespace ScrollingCapture {
 namespace {
 
 using Program::CutIntoPieces;
-using Program::IsPieceOf;
 using Program::Picture;
 using Program::PictureOf;
 using Program::PieceName;
@@ -101,19 +97,6 @@ TEST(Pieces, AreNumberedInFrontOfTheExtension) {
   EXPECT_EQ(PieceName("page.png", 1), "page-1.png");
   EXPECT_EQ(PieceName("some.folder/my.page.tiff", 12), "some.folder/my.page-12.tiff");
   EXPECT_EQ(PieceName("../page.jpg", 3), "../page-3.jpg");
-}
-
-TEST(Pieces, AreKnownByTheirNames) {
-  const Testing::TemporaryFolder folder;
-  const std::string path = folder.Prefix() + "page.png";
-  EXPECT_TRUE(IsPieceOf(path, folder.Prefix() + "page-12.png"));
-  EXPECT_TRUE(IsPieceOf(path, folder.Prefix() + "./page-1.png"));
-  EXPECT_FALSE(IsPieceOf(path, folder.Prefix() + "page.png"));
-  EXPECT_FALSE(IsPieceOf(path, folder.Prefix() + "page-.png"));
-  EXPECT_FALSE(IsPieceOf(path, folder.Prefix() + "page-1a.png"));
-  EXPECT_FALSE(IsPieceOf(path, folder.Prefix() + "page-1.jpg"));
-  EXPECT_FALSE(IsPieceOf(path, folder.Prefix() + "apage-1.png"));
-  EXPECT_FALSE(IsPieceOf(path, "page-1.png"));
 }
 
 }  // namespace

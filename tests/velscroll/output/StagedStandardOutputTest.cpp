@@ -1,10 +1,11 @@
 #include <cstdlib>
 #include <fcntl.h>
-#include <pty.h>
+#include <filesystem>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <testkit/TemporaryFolder.h>
+#include <testkit/output/Redirection.h>
 #include <velscroll/files/FileDescriptor.h>
 #include <velscroll/output/staging/StagedOutput.h>
 #include <velscroll/output/staging/StagedStandardOutput.h>
@@ -16,26 +17,11 @@ namespace {
 using Program::BadInput;
 using Program::Failed;
 using Program::FileDescriptor;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-
-/// Sends standard output elsewhere while it lives.
-class Redirection {
- public:
-  explicit Redirection(int target) : original(::dup(STDOUT_FILENO)) {
-    ::fflush(stdout);
-    ::dup2(target, STDOUT_FILENO);
-  }
-  Redirection(const Redirection&) = delete;
-  Redirection& operator=(const Redirection&) = delete;
-  ~Redirection() {
-    ::fflush(stdout);
-    ::dup2(original.Number(), STDOUT_FILENO);
-  }
-
- private:
-  FileDescriptor original;
-};
+using Testing::Redirection;
+using ::testing::StartsWith;
 
 class StagedStandardOutput : public ::testing::Test {
  protected:
@@ -77,13 +63,13 @@ TEST_F(StagedStandardOutput, GetsNothingWhenNotAllHasBeenWritten) {
 }
 
 TEST_F(StagedStandardOutput, ThatIsATerminalIsRefused) {
-  int terminal = -1;
-  int program = -1;
-  ASSERT_EQ(::openpty(&terminal, &program, nullptr, nullptr, nullptr), 0);
-  const FileDescriptor closeTerminal(terminal);
-  const FileDescriptor closeProgram(program);
-  const Redirection redirection(program);
-  EXPECT_THROW(Program::StagedStandardOutput(), BadInput);
+  const Testing::TerminalOutput terminal;
+  try {
+    Program::MakeStagedOutput("-", "the report");
+    ADD_FAILURE() << "written to a terminal";
+  } catch (const BadInput& failure) {
+    EXPECT_THAT(failure.what(), StartsWith("the report would be written to the terminal"));
+  }
 }
 
 TEST_F(StagedStandardOutput, ThatIsFullIsTold) {
@@ -100,10 +86,39 @@ TEST_F(StagedStandardOutput, ThatIsFullIsTold) {
   }
 }
 
+/// The number by which this process knows a file in a folder.
+int DescriptorOfFileIn(const std::string& folder) {
+  namespace fs = std::filesystem;
+  for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code ignored;
+    if (fs::read_symlink(entry.path(), ignored).parent_path() == folder) {
+      return std::stoi(entry.path().filename());
+    }
+  }
+  return -1;
+}
+
+TEST_F(StagedStandardOutput, WhoseWaitingBytesCannotBeReadIsTold) {
+  const Redirection redirection(output.Number());
+  const auto staged = Program::MakeStagedOutput("-");
+  staged->Append("some", 4);
+  staged->Close();
+  const FileDescriptor unreadable(::open("/", O_PATH | O_CLOEXEC));
+  ASSERT_GE(::dup2(unreadable.Number(), DescriptorOfFileIn(folder.Path())), 0);
+  try {
+    staged->Commit();
+    ADD_FAILURE() << "read what cannot be read";
+  } catch (const Failed& failure) {
+    EXPECT_THAT(failure.what(), AllOf(HasSubstr("cannot read"), HasSubstr(folder.Path().string()),
+                                      HasSubstr("Bad file descriptor")));
+  }
+  EXPECT_EQ(Written(), "");
+}
+
 TEST_F(StagedStandardOutput, WithoutATemporaryFolderToWriteToIsRefused) {
   ::setenv("TMPDIR", "/proc", 1);
   const Redirection redirection(output.Number());
-  EXPECT_THROW(Program::StagedStandardOutput(), BadInput);
+  EXPECT_THROW(Program::MakeStagedOutput("-"), BadInput);
 }
 
 }  // namespace

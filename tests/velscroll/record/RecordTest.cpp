@@ -1,6 +1,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
@@ -184,17 +185,31 @@ TEST_F(Record, KeepsCapturesThatStitchToTheSame) {
   EXPECT_TRUE(Testing::SameBits(ReadImage("again.png"), ReadImage("page.png")));
   EXPECT_THAT(Names(), ::testing::Contains("kept/here/capture-0001.png"));
 
-  const ProgramResult refused = Run(Arguments({"--keep-captures", "kept/here"}));
+  std::filesystem::remove(PathOf("kept/here/capture-0001.png"));
+  const ProgramResult refused = Run(Arguments({"--auto", "down", "--keep-captures", "kept/here"}));
   EXPECT_EQ(refused.status, 2);
   EXPECT_THAT(refused.standardError, HasSubstr("'kept/here' of --keep-captures holds captures"));
 }
 
 TEST_F(Record, PutsThePictureOnTheClipboard) {
-  EXPECT_EQ(Run(Arguments({"--auto", "down", "--limit", "400", "--clipboard"})).status, 0);
+  const ProgramResult result = Run(Arguments({"--auto", "down", "--limit", "400", "--clipboard"}));
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.standardError, "");
   ASSERT_EQ(std::system(
                 ("xclip -selection clipboard -t image/png -out > " + PathOf("pasted.png")).c_str()),
             0);
   EXPECT_EQ(ReadBytes("pasted.png"), ReadBytes("page.png"));
+}
+
+TEST_F(Record, SaysThatOnlyTheFirstOfSeveralFilesIsOnTheClipboard) {
+  const ProgramResult result =
+      Run(Arguments({"--auto", "down", "--limit", "700", "--split", "300", "--clipboard"}));
+  EXPECT_EQ(result.status, 0) << result.standardError;
+  EXPECT_THAT(result.standardError, HasSubstr("only the first one, 'page-1.png', is on the clip"));
+  ASSERT_EQ(std::system(
+                ("xclip -selection clipboard -t image/png -out > " + PathOf("pasted.png")).c_str()),
+            0);
+  EXPECT_EQ(ReadBytes("pasted.png"), ReadBytes("page-1.png"));
 }
 
 TEST_F(Record, TellsWhichToolForTheClipboardIsMissing) {

@@ -30,6 +30,10 @@ TEST(StatusLine, TellsTheWayBackWhenTheScrollingWasTooFast) {
   EXPECT_EQ(StatusLine(status),
             "1600 rows, 800 columns; too fast: scroll back a little, to where row 1000 of the "
             "picture was at the top");
+  status.lastJoined = {-100, 7};
+  EXPECT_EQ(StatusLine(status),
+            "1600 rows, 800 columns; too fast: scroll back a little, to where row 0, column 7 of "
+            "the picture was at the top");
 }
 
 TEST(StatusLine, TellsWhatIsInTheWayAndNothingElse) {

@@ -1,11 +1,10 @@
 #include <algorithm>
-#include <cstdarg>
 #include <cstdint>
 #include <fcntl.h>
 #include <limits>
-#include <memory>
 #include <new>
 
+#include <velscroll/codecs/TiffErrors.h>
 #include <velscroll/output/formats/TiffEncoder.h>
 
 namespace ScrollingCapture::Program {
@@ -31,22 +30,14 @@ tmsize_t RefuseToRead(thandle_t /*handle*/, void* /*bytes*/, tmsize_t /*length*/
 
 int KeepOpen(thandle_t /*handle*/) { return 0; }
 
-int IgnoreMessage(TIFF* /*tiff*/, void* /*user*/, const char* /*module*/, const char* /*format*/,
-                  va_list /*arguments*/) {
-  return 1;
-}
-
 }  // namespace
 
 TiffEncoder::TiffEncoder(const EncodingTask& task)
     : format(task.format), name(task.header.name), sink(task.sink) {
-  const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(
-      TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
+  const TiffOptions options = QuietTiffOptions();
   if (!options) {
     throw std::bad_alloc();
   }
-  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), IgnoreMessage, nullptr);
-  TIFFOpenOptionsSetWarningHandlerExtR(options.get(), IgnoreMessage, nullptr);
   const char* const mode = NeedsBigTiff(task.header.size, task.channels) ? "w8" : "w";
   tiff = TIFFClientOpenExt(name.c_str(), mode, this, RefuseToRead, Store, Seek, KeepOpen, SizeOf,
                            nullptr, nullptr, options.get());

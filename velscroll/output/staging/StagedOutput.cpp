@@ -4,9 +4,10 @@
 
 namespace ScrollingCapture::Program {
 
-std::unique_ptr<StagedOutput> MakeStagedOutput(const std::string& name) {
+std::unique_ptr<StagedOutput> MakeStagedOutput(const std::string& name,
+                                               const std::string& content) {
   if (name == StagedStandardOutput::Argument) {
-    return std::make_unique<StagedStandardOutput>();
+    return std::make_unique<StagedStandardOutput>(content);
   }
   return std::make_unique<StagedFile>(name);
 }

@@ -22,6 +22,8 @@ class StagedOutput : public OutputSink {
 
 /// The output of a name: a StagedFile, or StagedStandardOutput for "-". Throws BadInput when it
 /// cannot be written.
-std::unique_ptr<StagedOutput> MakeStagedOutput(const std::string& name);
+/// @param content what is going to be written, for messages
+std::unique_ptr<StagedOutput> MakeStagedOutput(const std::string& name,
+                                               const std::string& content = "the image");
 
 }  // namespace ScrollingCapture::Program

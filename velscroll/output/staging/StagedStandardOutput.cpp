@@ -12,12 +12,14 @@
 namespace ScrollingCapture::Program {
 namespace {
 
-std::string TemporaryFolder() {
+void RequireNoTerminal(const std::string& content) {
   if (::isatty(STDOUT_FILENO) != 0) {
-    throw BadInput(
-        "an image would be written to the terminal; redirect the output, or name a file "
-        "with -o FILE");
+    throw BadInput(content +
+                   " would be written to the terminal; redirect the output, or name a file");
   }
+}
+
+std::string TemporaryFolder() {
   std::error_code error;
   const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
   return error ? "/tmp" : folder.string();
@@ -38,7 +40,7 @@ void WriteToStandardOutput(const unsigned char* bytes, size_t length) {
     const ssize_t written = ::write(STDOUT_FILENO, bytes, length);
     if (written < 0 && errno != EINTR) {
       throw Failed("cannot write to standard output: " + SystemMessage(errno) +
-                   "; write to a file with -o FILE");
+                   "; write to a file instead");
     }
     const size_t done = written < 0 ? 0 : static_cast<size_t>(written);
     bytes += done;
@@ -48,8 +50,10 @@ void WriteToStandardOutput(const unsigned char* bytes, size_t length) {
 
 }  // namespace
 
-StagedStandardOutput::StagedStandardOutput()
-    : folder(TemporaryFolder()), waiting(MakeWaitingFile(folder)) {}
+StagedStandardOutput::StagedStandardOutput(const std::string& content)
+    : folder(TemporaryFolder()), waiting(MakeWaitingFile(folder)) {
+  RequireNoTerminal(content);
+}
 
 void StagedStandardOutput::Store(std::uint64_t offset, const void* bytes, size_t length) {
   try {
@@ -61,12 +65,21 @@ void StagedStandardOutput::Store(std::uint64_t offset, const void* bytes, size_t
   }
 }
 
+size_t StagedStandardOutput::Read(std::uint64_t offset, void* bytes, size_t length) const {
+  try {
+    return waiting.ReadAt(offset, bytes, length);
+  } catch (const std::system_error& error) {
+    throw Failed("cannot read from the temporary folder " + Quoted(folder) + ": " +
+                 SystemMessage(error.code().value()) + "; name another one with TMPDIR");
+  }
+}
+
 void StagedStandardOutput::Commit() {
   constexpr size_t PieceSize = size_t{1} << 20U;
   std::vector<unsigned char> piece(PieceSize);
   std::uint64_t offset = 0;
   while (offset < Size()) {
-    const size_t got = waiting.ReadAt(offset, piece.data(), piece.size());
+    const size_t got = Read(offset, piece.data(), piece.size());
     if (got == 0) {
       throw Failed("the file in the temporary folder " + Quoted(folder) +
                    " was cut short by somebody else");

@@ -17,7 +17,8 @@ class StagedStandardOutput : public StagedOutput {
 
   /// Throws BadInput when standard output is a terminal, or the temporary folder cannot be written
   /// to.
-  StagedStandardOutput();
+  /// @param content what is going to be written, for messages: "the image"
+  explicit StagedStandardOutput(const std::string& content);
 
   const std::string& Name() const override { return name; }
   void Close() override {}
@@ -25,6 +26,7 @@ class StagedStandardOutput : public StagedOutput {
 
  private:
   void Store(std::uint64_t offset, const void* bytes, size_t length) override;
+  size_t Read(std::uint64_t offset, void* bytes, size_t length) const;
 
   const std::string name = Argument;
   const std::string folder;

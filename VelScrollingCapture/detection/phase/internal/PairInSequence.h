@@ -17,8 +17,7 @@ class SharedSpectra;
 class PairInSequence {
  public:
   /// @param detector the detector of the sequence; other detectors that an override asks on the
-  /// same
-  ///                 thread have nothing to do with the pair
+  ///                 same thread have nothing to do with the pair
   /// @param spectra  the spectra of the sequence
   /// @param index    of the pair, which is that of its earlier capture
   PairInSequence(const void* detector, SharedSpectra& spectra, size_t index);

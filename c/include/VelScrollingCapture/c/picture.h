@@ -63,7 +63,7 @@ vel_result vel_picture_is_opaque(vel_picture* picture, int32_t* opaque);
 /// @param column  the first column of the area in the picture
 /// @param row     its first row
 /// @param image   receives the pixels; its size is that of the area, which has to lie in the
-/// picture
+///                picture
 vel_result vel_picture_read(vel_picture* picture, int32_t column, int32_t row,
                             const vel_target_image* image);
 
@@ -74,8 +74,7 @@ vel_result vel_picture_read(vel_picture* picture, int32_t column, int32_t row,
 /// page-2.png, ... for page.png.
 /// @param picture  the picture
 /// @param path     where to; the extension tells the format: .png, .tif, .tiff, .bmp, .webp, .jpg
-/// or
-///                 .jpeg
+///                 or .jpeg
 /// @param settings NULL: the defaults
 /// @param progress NULL: nobody is told
 /// @param user     passed to progress

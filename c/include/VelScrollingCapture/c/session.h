@@ -44,7 +44,7 @@ typedef struct vel_session_settings {
   size_t struct_size;                 ///< sizeof(vel_session_settings).
   int32_t engine;                     ///< A vel_engine. Default: VEL_EXACT.
   int32_t orientation;                ///< A vel_orientation. Default: VEL_BOTH.
-  int32_t expect_consistent_motions;  ///< Not 0: of two likely motions, the one that repeats the
+  int32_t expect_consistent_motions;  ///< Not 0: of two likely motions, the one that repeats a
                                       ///< step before is taken. Default: 0.
   uint32_t thread_count;  ///< The most threads at once, up to 1024; 0 counts as 1. Default: 1.
   int32_t keep_repeats;   ///< Not 0: captures that repeat the one before are kept. Default: 0.
@@ -114,8 +114,7 @@ vel_result vel_session_create(const vel_session_settings* settings, vel_session*
 /// @param image   the capture; its pixels are copied. With VEL_PREMULTIPLIED no colour may exceed
 ///                its alpha
 /// @param motion  how far the content moved since the capture before, right or wrong; NULL: found
-/// on
-///                the pixels. It has to leave something in common with that capture
+///                on the pixels. It has to leave something in common with that capture
 /// @param outcome receives what has become of it; may be NULL
 vel_result vel_session_add(vel_session* session, const vel_source_image* image,
                            const vel_motion* motion, vel_outcome* outcome);

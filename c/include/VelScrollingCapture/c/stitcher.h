@@ -43,7 +43,7 @@ void vel_stitcher_settings_init(vel_stitcher_settings* settings, size_t struct_s
 /// @param settings NULL: the defaults
 /// @param stitcher receives the stitcher
 /// @param text     receives a message when this fails, as vel_stitcher_message gives it; may be
-/// NULL
+///                 NULL
 /// @param size     the bytes that there is room for
 vel_result vel_stitcher_create(const vel_stitcher_settings* settings, vel_stitcher** stitcher,
                                char* text, size_t size);
