@@ -80,8 +80,8 @@ class DisputeMarker {
     }
     MarkDifferences(first, second, differs.size(), pixelBytes, differs.data());
     ForEachCell(area.x % CellSize, differs.size(), [&](int cell, size_t begin, size_t count) {
-      const bool isMarked = LoadMarks(differs.data() + begin, count) != 0;
-      marks[static_cast<size_t>(cell)] |= static_cast<std::uint8_t>(isMarked);
+      const bool isDisputed = LoadMarks(differs.data() + begin, count) != 0;
+      marks[static_cast<size_t>(cell)] |= static_cast<std::uint8_t>(isDisputed);
     });
     isMarked = true;
   }

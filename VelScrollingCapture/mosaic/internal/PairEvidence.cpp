@@ -72,9 +72,9 @@ class PairComparison {
 
   void AddAgreement(const std::vector<std::uint8_t>& moves, int column, std::uint8_t* moved,
                     std::uint8_t* plain) const {
-    ForEachCell(column, moves.size(), [&](int cell, size_t first, size_t count) {
-      const CellMarks contradicting = LoadMarks(contradicts.data() + first, count);
-      const CellMarks moving = LoadMarks(moves.data() + first, count);
+    ForEachCell(column, moves.size(), [&](int cell, size_t begin, size_t count) {
+      const CellMarks contradicting = LoadMarks(contradicts.data() + begin, count);
+      const CellMarks moving = LoadMarks(moves.data() + begin, count);
       const int agreeing = static_cast<int>(count) - CountMarks(contradicting);
       const int agreeingMoved = CountMarks(moving & ~contradicting);
       moved[cell] = static_cast<std::uint8_t>(moved[cell] + agreeingMoved);
