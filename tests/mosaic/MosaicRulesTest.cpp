@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <testkit/pages/DrawnScene.h>
@@ -111,18 +113,84 @@ TEST(MosaicRulesTest, BannerThatIsClosedDoesNotAppear) {
   EXPECT_EQ(0, DifferentPixels(Compose(scene), scene.Content()));
 }
 
-TEST(MosaicRulesTest, SidePanelStandsAtTheTopAndItsBackgroundGoesOn) {
-  constexpr int Width = 70;
-  const auto draw = [](cv::Mat& picture) {
-    picture(cv::Rect(0, 0, Width, picture.rows)).setTo(Pale);
-    DrawText(picture, {4, 4, Width - 10, 70}, 12);
-    picture(cv::Rect(Width - 1, 0, 1, picture.rows)).setTo(Ink);
-  };
-  const DrawnScene scene = TextScene().With([&](int, cv::Mat& window) { draw(window); });
+/// A panel at a side of the window, with a list of entries.
+struct SidePanel {
+  std::string name;
+  std::vector<cv::Rect> entries;  ///< in the panel
+  bool isRight = false;
+  bool hasHeader = false;
+  cv::Scalar colour = Pale;
+  std::vector<Place> places = ScrolledDown();
+
+  void Draw(cv::Mat& picture) const {
+    constexpr int Width = 70;
+    const int left = isRight ? picture.cols - Width : 0;
+    const int border = isRight ? left : left + Width - 1;
+    picture(cv::Rect(left, 0, Width, picture.rows)).setTo(colour);
+    for (const cv::Rect& entry : entries) {
+      DrawText(picture, entry + cv::Point(left, 0), static_cast<std::uint64_t>(12 + entry.y));
+    }
+    picture(cv::Rect(border, 0, 1, picture.rows)).setTo(Ink);
+    if (hasHeader) {
+      DrawHeader(picture);
+    }
+  }
+};
+
+/// Entries of one line each, with so many rows from one to the next.
+std::vector<cv::Rect> Entries(int top, const std::vector<int>& distances) {
+  std::vector<cv::Rect> entries = {{4, top, 60, 13}};
+  for (const int distance : distances) {
+    entries.push_back(entries.back() + cv::Point(0, distance));
+  }
+  return entries;
+}
+
+std::vector<Place> ScrolledBySmallSteps() {
+  return {{0, 0},   {30, 0},  {64, 0},  {91, 0},  {127, 0}, {160, 0},
+          {181, 0}, {220, 0}, {256, 0}, {300, 0}, {341, 0}};
+}
+
+class SidePanelTest : public testing::TestWithParam<SidePanel> {};
+
+TEST_P(SidePanelTest, StandsAtTheTopAndItsBackgroundGoesOn) {
+  const SidePanel& panel = GetParam();
+  const DrawnScene scene =
+      DrawnScene(TextPage({260, 600}, 1), Window, panel.places).With([&](int, cv::Mat& window) {
+        panel.Draw(window);
+      });
   cv::Mat expected = scene.Content();
-  draw(expected);
-  // Where the panel's border meets text, single pixels may be taken for the other.
-  EXPECT_LE(DifferentPixels(Compose(scene), expected), 4);
+  panel.Draw(expected);
+  EXPECT_EQ(0, DifferentPixels(Compose(scene), expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Panels, SidePanelTest,
+    testing::Values(SidePanel{"ShortList", {{4, 4, 60, 70}}},
+                    SidePanel{"ListLongerThanTheFirstStep", {{4, 4, 60, 110}}},
+                    SidePanel{"SparseListLongerThanTheFirstStep", Entries(4, {24, 24, 24, 24})},
+                    SidePanel{"UnevenGaps", Entries(4, {20, 31, 17, 38})},
+                    SidePanel{"AtTheRight", Entries(4, {20, 31, 17, 38}), true},
+                    SidePanel{"BelowAHeader", Entries(34, {24, 31, 17}), false, true},
+                    SidePanel{"AtTheRightBelowAHeader", Entries(34, {24, 31, 17}), true, true},
+                    SidePanel{"OfThePagesColour", Entries(4, {24, 24, 24, 24}), false, false,
+                              White},
+                    SidePanel{"SmallSteps", Entries(4, {20, 31, 17, 38, 26}), false, false, Pale,
+                              ScrolledBySmallSteps()},
+                    SidePanel{"SmallStepsBelowAHeader", Entries(34, {20, 31, 17, 26}), true, true,
+                              Pale, ScrolledBySmallSteps()}),
+    [](const auto& panel) { return panel.param.name; });
+
+/// A margin is no panel, though a bar that stands still crosses it.
+TEST(MosaicRulesTest, PointerAboveAMarginDoesNotAppear) {
+  const DrawnScene scene = DrawnScene(TextPage({260, 600}, 1), Window, ScrolledBySmallSteps())
+                               .With([](int, cv::Mat& window) {
+                                 DrawHeader(window);
+                                 DrawPointer(window, {2, 110});
+                               });
+  cv::Mat expected = scene.Content();
+  DrawHeader(expected);
+  EXPECT_EQ(0, DifferentPixels(Compose(scene), expected));
 }
 
 TEST(MosaicRulesTest, ScrollbarWhoseThumbMovesLeavesTheContentAlone) {

@@ -5,8 +5,8 @@
 #include <mutex>
 
 #include <VelScrollingCapture/mosaic/internal/Agreement.h>
+#include <VelScrollingCapture/mosaic/internal/CellMarks.h>
 #include <VelScrollingCapture/mosaic/internal/Cells.h>
-#include <VelScrollingCapture/mosaic/internal/ParallelFor.h>
 #include <VelScrollingCapture/mosaic/internal/PixelComparison.h>
 
 namespace ScrollingCapture {
@@ -64,9 +64,9 @@ std::vector<int> Union(const std::vector<int>& first, const std::vector<int>& se
 }
 
 /// The cells of one row of cells in which an area's pixels differ.
-class CellMarks {
+class DisputeMarker {
  public:
-  CellMarks(const cv::Rect& area, DisputedCells& disputed)
+  DisputeMarker(const cv::Rect& area, DisputedCells& disputed)
       : area(area),
         disputed(disputed),
         marks(static_cast<size_t>(CellsOver(area.width) + 1)),
@@ -79,10 +79,10 @@ class CellMarks {
       cellRow = row / CellSize;
     }
     MarkDifferences(first, second, differs.size(), pixelBytes, differs.data());
-    const auto inCell = static_cast<size_t>(area.x % CellSize);
-    for (size_t i = 0; i < differs.size(); ++i) {
-      marks[(inCell + i) / CellSize] |= differs[i];
-    }
+    ForEachCell(area.x % CellSize, differs.size(), [&](int cell, size_t begin, size_t count) {
+      const bool isDisputed = LoadMarks(differs.data() + begin, count) != 0;
+      marks[static_cast<size_t>(cell)] |= static_cast<std::uint8_t>(isDisputed);
+    });
     isMarked = true;
   }
 
@@ -115,13 +115,13 @@ class CellMarks {
 void CompareArea(const cv::Mat& first, const cv::Mat& second, const cv::Rect& area,
                  DisputedCells& disputed) {
   const size_t rowBytes = static_cast<size_t>(area.width) * first.elemSize();
-  CellMarks marks(area, disputed);
+  DisputeMarker marker(area, disputed);
   for (int row = 0; row < area.height; ++row) {
     if (std::memcmp(first.ptr(row), second.ptr(row), rowBytes) != 0) {
-      marks.AddRow(first.ptr(row), second.ptr(row), first.elemSize(), area.y + row);
+      marker.AddRow(first.ptr(row), second.ptr(row), first.elemSize(), area.y + row);
     }
   }
-  marks.Flush();
+  marker.Flush();
 }
 
 /// Compares a capture with the captures that were the first to show what it shows.
@@ -171,8 +171,8 @@ std::vector<std::vector<cv::Rect>> LastShown(const CaptureLayout& layout) {
   return shown;
 }
 
-Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout,
-                        unsigned threadCount, const AnalysisProgress& progress) {
+Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout, Workers& workers,
+                        const AnalysisProgress& progress) {
   Agreement agreement;
   agreement.firstShown.reserve(layout.Count());
   for (size_t capture = 0; capture < layout.Count(); ++capture) {
@@ -182,7 +182,7 @@ Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout
   std::mutex lock;
   for (size_t begin = 0; begin < layout.Count(); begin += CapturesAtOnce) {
     progress.Report(static_cast<double>(begin) / static_cast<double>(layout.Count()));
-    ParallelFor(std::min(CapturesAtOnce, layout.Count() - begin), threadCount, [&](size_t i) {
+    workers.Do(std::min(CapturesAtOnce, layout.Count() - begin), [&](size_t i) {
       const DisputedCells disputed =
           CompareWithFirst(source, layout, agreement.firstShown, begin + i);
       const std::lock_guard<std::mutex> guard(lock);
@@ -204,6 +204,28 @@ std::vector<bool> FindDisputedCaptures(const CaptureLayout& layout, const Disput
     }
   }
   return isDisputed;
+}
+
+cv::Mat FindDisputedCells(const CaptureLayout& layout, const DisputedCells& disputed,
+                          size_t capture) {
+  cv::Mat cells = cv::Mat::zeros(CellsOver(layout.CaptureSize()), CV_8U);
+  const cv::Rect inWindow({}, layout.CaptureSize());
+  const cv::Rect rect = layout.RectOf(capture);
+  const int lastRow = (rect.y + (rect.height - 1)) / CellSize;
+  const int lastColumn = (rect.x + (rect.width - 1)) / CellSize;
+  for (auto row = disputed.lower_bound(rect.y / CellSize);
+       row != disputed.end() && row->first <= lastRow; ++row) {
+    const std::vector<int>& columns = row->second;
+    for (auto column = std::lower_bound(columns.begin(), columns.end(), rect.x / CellSize);
+         column != columns.end() && *column <= lastColumn; ++column) {
+      const cv::Point corner = cv::Point(*column, row->first) * CellSize - rect.tl();
+      const cv::Rect pixels = cv::Rect(corner, cv::Size(CellSize, CellSize)) & inWindow;
+      const cv::Point first = {pixels.x / CellSize, pixels.y / CellSize};
+      const cv::Point last = (pixels.br() - cv::Point(1, 1)) / CellSize;
+      cells(cv::Rect(first, last + cv::Point(1, 1))) = 1;
+    }
+  }
+  return cells;
 }
 
 }  // namespace ScrollingCapture

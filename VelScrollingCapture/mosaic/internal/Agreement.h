@@ -8,6 +8,7 @@
 #include <VelScrollingCapture/mosaic/internal/AnalysisProgress.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureLayout.h>
 #include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
+#include <VelScrollingCapture/mosaic/internal/Workers.h>
 
 namespace ScrollingCapture {
 
@@ -26,10 +27,14 @@ std::vector<std::vector<cv::Rect>> LastShown(const CaptureLayout& layout);
 
 /// Holds each capture against the one that was the first to show a place: where all agree with that
 /// one, they agree with each other.
-Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout,
-                        unsigned threadCount, const AnalysisProgress& progress);
+Agreement FindAgreement(const CaptureSource& source, const CaptureLayout& layout, Workers& workers,
+                        const AnalysisProgress& progress);
 
 /// For each capture whether it shows something of a disputed cell.
 std::vector<bool> FindDisputedCaptures(const CaptureLayout& layout, const DisputedCells& disputed);
+
+/// The cells of a capture's window (CV_8U) that reach into disputed ones; not 0.
+cv::Mat FindDisputedCells(const CaptureLayout& layout, const DisputedCells& disputed,
+                          size_t capture);
 
 }  // namespace ScrollingCapture

@@ -1,19 +1,30 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include <opencv2/core.hpp>
 
 #include <VelScrollingCapture/mosaic/internal/PairEvidence.h>
+#include <VelScrollingCapture/mosaic/internal/Workers.h>
 
 namespace ScrollingCapture {
+
+/// How far away, in cells, evidence counts for a cell.
+inline constexpr int EvidenceReach = 8;
+
+/// How much of a cell stands still; none of these bits for cells that do not.
+enum StandingBits : std::uint8_t {
+  StandsMostly = 1,
+  StandsExactly = 2,  ///< In each pixel.
+};
 
 /// What a stretch of captures has to say, in time order.
 struct SequenceEvidence {
   std::vector<CapturePair> pairs;   ///< counted from the first capture of the stretch
   std::vector<PairEvidence> found;  ///< one for each pair
-  /// For each capture the cells (CV_8U) that show the same in the capture after it; not 0
+  /// For each capture what cells (CV_8U, StandingBits) show the same in the capture after it
   std::vector<cv::Mat> standsWithNext;
 };
 
@@ -27,6 +38,6 @@ struct SequenceEvidence {
 /// everything below it, from content that only meets the toolbar now and then.
 /// @return for each capture a value a cell (CV_32F), from 0 (content) to 1 (covered)
 std::vector<cv::Mat> FindBlame(const SequenceEvidence& evidence, const cv::Size& cells,
-                               unsigned threadCount);
+                               Workers& workers);
 
 }  // namespace ScrollingCapture

@@ -7,6 +7,7 @@
 #include <VelScrollingCapture/mosaic/internal/Layer.h>
 #include <VelScrollingCapture/mosaic/internal/Selection.h>
 #include <VelScrollingCapture/mosaic/internal/Suspicion.h>
+#include <VelScrollingCapture/mosaic/internal/Workers.h>
 
 namespace ScrollingCapture {
 namespace {
@@ -29,13 +30,13 @@ Layer::Layer(const CaptureSource& source, const std::vector<Place>& places, cons
     areas = LastShown(layout);
     return;
   }
-  const unsigned threads = settings.threadCount;
-  Agreement agreement = FindAgreement(source, layout, threads, progress.Part(0, AgreementFound));
+  Workers workers(settings.threadCount);
+  Agreement agreement = FindAgreement(source, layout, workers, progress.Part(0, AgreementFound));
   areas = std::move(agreement.firstShown);
   if (!agreement.disputed.empty()) {
-    const Suspicion suspicion(source, layout, FindDisputedCaptures(layout, agreement.disputed),
-                              threads, progress.Part(AgreementFound, SuspicionFound));
-    runs = SelectCaptures(source, layout, agreement.disputed, suspicion, threads,
+    const Suspicion suspicion(source, layout, agreement.disputed, workers,
+                              progress.Part(AgreementFound, SuspicionFound));
+    runs = SelectCaptures(source, layout, agreement.disputed, suspicion, workers,
                           progress.Part(SuspicionFound, 1));
   }
 }

@@ -1,3 +1,4 @@
+#include <VelScrollingCapture/mosaic/internal/CellMarks.h>
 #include <VelScrollingCapture/mosaic/internal/Cells.h>
 #include <VelScrollingCapture/mosaic/internal/PairEvidence.h>
 #include <VelScrollingCapture/mosaic/internal/PixelComparison.h>
@@ -5,16 +6,18 @@
 namespace ScrollingCapture {
 namespace {
 
-class EvidenceGatherer {
+class PairComparison {
  public:
-  EvidenceGatherer(const cv::Mat& first, const cv::Mat& second, const cv::Rect& overlap,
-                   const cv::Point& shift, const cv::Mat& firstKinds, const cv::Mat& secondKinds)
+  PairComparison(const cv::Mat& first, const cv::Mat& second, const cv::Rect& overlap,
+                 const cv::Point& shift, const cv::Mat& firstKinds, const cv::Mat& secondKinds,
+                 const std::vector<bool>& wantedRows)
       : first(first),
         second(second),
         overlap(overlap),
         shift(shift),
         firstKinds(firstKinds),
         secondKinds(secondKinds),
+        wantedRows(wantedRows),
         cells(CellsOver(first.size())),
         open(2 * static_cast<size_t>(cells.width)) {
     for (std::vector<std::uint8_t>* marks : {&contradicts, &firstMoves, &secondMoves}) {
@@ -34,7 +37,9 @@ class EvidenceGatherer {
       }
       firstCellRow = row / CellSize;
       secondCellRow = secondRow / CellSize;
-      AddRow(row, secondRow);
+      if (IsWanted(firstCellRow) || IsWanted(secondCellRow)) {
+        AddRow(row, secondRow);
+      }
     }
     CloseCells();
     evidence.contradictions.shrink_to_fit();
@@ -42,6 +47,8 @@ class EvidenceGatherer {
   }
 
  private:
+  bool IsWanted(int cellRow) const { return wantedRows[static_cast<size_t>(cellRow)]; }
+
   void AddRow(int row, int secondRow) {
     const size_t bytes = first.elemSize();
     const size_t count = contradicts.size();
@@ -65,29 +72,38 @@ class EvidenceGatherer {
 
   void AddAgreement(const std::vector<std::uint8_t>& moves, int column, std::uint8_t* moved,
                     std::uint8_t* plain) const {
-    for (size_t i = 0; i < moves.size(); ++i) {
-      const int cell = (column + static_cast<int>(i)) / CellSize;
-      if (contradicts[i] == 0) {
-        ++(moves[i] != 0 ? moved : plain)[cell];
+    ForEachCell(column, moves.size(), [&](int cell, size_t begin, size_t count) {
+      const CellMarks contradicting = LoadMarks(contradicts.data() + begin, count);
+      const CellMarks moving = LoadMarks(moves.data() + begin, count);
+      const int agreeing = static_cast<int>(count) - CountMarks(contradicting);
+      const int agreeingMoved = CountMarks(moving & ~contradicting);
+      moved[cell] = static_cast<std::uint8_t>(moved[cell] + agreeingMoved);
+      plain[cell] = static_cast<std::uint8_t>(plain[cell] + agreeing - agreeingMoved);
+    });
+  }
+
+  void AddContradictions(const std::uint8_t* firstKind, const std::uint8_t* secondKind) {
+    ForEachCell(overlap.x, contradicts.size(), [&](int firstCell, size_t begin, size_t count) {
+      if (LoadMarks(contradicts.data() + begin, count) != 0) {
+        AddContradictionsOfCell(firstCell, begin, count, firstKind, secondKind);
       }
-    }
+    });
   }
 
   /// A cell of the first capture meets two of the second in a row at most.
-  void AddContradictions(const std::uint8_t* firstKind, const std::uint8_t* secondKind) {
-    const int offset = CellOffset();
-    for (size_t i = 0; i < contradicts.size(); ++i) {
+  void AddContradictionsOfCell(int firstCell, size_t begin, size_t count,
+                               const std::uint8_t* firstKind, const std::uint8_t* secondKind) {
+    const int firstSlot = firstCell - CellOffset();
+    for (size_t i = begin; i < begin + count; ++i) {
       if (contradicts[i] == 0) {
         continue;
       }
       const int column = overlap.x + static_cast<int>(i);
-      const int firstCell = column / CellSize;
-      const int secondCell = (column + shift.x) / CellSize;
-      const int slot = 2 * firstCell + (secondCell - firstCell - offset);
+      const int slot = firstSlot + (column + shift.x) / CellSize;
       const int kind = firstKind[i] + PixelKindCount * secondKind[i];
       ++open[static_cast<size_t>(slot)][static_cast<size_t>(kind)];
-      anyOpen = true;
     }
+    anyOpen = true;
   }
 
   /// The least distance, in cells, from a column's cell in the first capture to that in the second.
@@ -118,6 +134,7 @@ class EvidenceGatherer {
   const cv::Point shift;   ///< from a pixel of the first capture to the same content in the second
   const cv::Mat& firstKinds;
   const cv::Mat& secondKinds;
+  const std::vector<bool>& wantedRows;
   const cv::Size cells;
   std::vector<Counts> open;  ///< of the rows of cells at work
   bool anyOpen = false;
@@ -131,13 +148,13 @@ class EvidenceGatherer {
 
 PairEvidence GatherEvidence(const CaptureSource& source, const CaptureLayout& layout,
                             const CapturePair& pair, const cv::Mat& firstKinds,
-                            const cv::Mat& secondKinds) {
+                            const cv::Mat& secondKinds, const std::vector<bool>& wantedRows) {
   const auto first = source.Get(pair.first);
   const auto second = source.Get(pair.second);
   const cv::Point corner = layout.CornerOf(pair.first);
   const cv::Rect overlap = (layout.RectOf(pair.first) & layout.RectOf(pair.second)) - corner;
-  return EvidenceGatherer(*first, *second, overlap, corner - layout.CornerOf(pair.second),
-                          firstKinds, secondKinds)
+  return PairComparison(*first, *second, overlap, corner - layout.CornerOf(pair.second), firstKinds,
+                        secondKinds, wantedRows)
       .Gather();
 }
 

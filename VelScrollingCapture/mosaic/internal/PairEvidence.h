@@ -37,8 +37,9 @@ struct PairEvidence {
 };
 
 /// Compares a pair. The kinds are those of its captures' pixels.
+/// @param wantedRows for each row of cells of the window whether evidence about it is wanted
 PairEvidence GatherEvidence(const CaptureSource& source, const CaptureLayout& layout,
                             const CapturePair& pair, const cv::Mat& firstKinds,
-                            const cv::Mat& secondKinds);
+                            const cv::Mat& secondKinds, const std::vector<bool>& wantedRows);
 
 }  // namespace ScrollingCapture

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace ScrollingCapture {
 
@@ -11,7 +12,12 @@ namespace ScrollingCapture {
 bool MarkDifferences(const std::uint8_t* first, const std::uint8_t* second, size_t count,
                      size_t pixelBytes, std::uint8_t* differs);
 
-/// The bytes of a pixel as a number, equal for equal pixels only.
-std::uint32_t PixelValue(const std::uint8_t* pixel, size_t pixelBytes);
+/// The bytes of each pixel as a number, equal for equal pixels only.
+/// @param pixelBytes bytes of a pixel, 1 to 4
+void ReadPixelValues(const std::uint8_t* pixels, size_t count, size_t pixelBytes,
+                     std::uint32_t* values);
+
+/// The value of more than half of some pixels.
+std::optional<std::uint32_t> PrevailingValue(const std::uint32_t* begin, const std::uint32_t* end);
 
 }  // namespace ScrollingCapture

@@ -2,6 +2,7 @@
 #include <optional>
 #include <vector>
 
+#include <VelScrollingCapture/mosaic/internal/Cells.h>
 #include <VelScrollingCapture/mosaic/internal/PixelComparison.h>
 #include <VelScrollingCapture/mosaic/internal/PixelKinds.h>
 
@@ -26,72 +27,111 @@ std::optional<size_t> NeighbourInTime(const CaptureLayout& layout, size_t captur
   return std::nullopt;
 }
 
-/// Marks the pixels that both captures show at the same place of the window.
-void MarkStanding(const cv::Mat& pixels, const cv::Mat& other, cv::Mat& kinds) {
-  std::vector<std::uint8_t> differs(static_cast<size_t>(pixels.cols));
-  for (int row = 0; row < pixels.rows; ++row) {
-    MarkDifferences(pixels.ptr(row), other.ptr(row), differs.size(), pixels.elemSize(),
-                    differs.data());
-    std::uint8_t* const kind = kinds.ptr(row);
-    for (size_t column = 0; column < differs.size(); ++column) {
-      kind[column] |= static_cast<std::uint8_t>((1 - differs[column]) * Standing);
+/// Marks the pixels of a part that both captures show at the same place of the window.
+void MarkStanding(const cv::Mat& pixels, const cv::Mat& other, const cv::Rect& part,
+                  cv::Mat& kinds) {
+  std::vector<std::uint8_t> differs(static_cast<size_t>(part.width));
+  for (int row = part.y; row < part.y + part.height; ++row) {
+    MarkDifferences(pixels.ptr(row, part.x), other.ptr(row, part.x), differs.size(),
+                    pixels.elemSize(), differs.data());
+    std::uint8_t* const kind = kinds.ptr(row, part.x);
+    for (size_t i = 0; i < differs.size(); ++i) {
+      kind[i] |= static_cast<std::uint8_t>((1 - differs[i]) * Standing);
     }
   }
 }
 
-/// Marks what differs from the pixels `Reach` to the left and to the right.
-void MarkTextureInRow(const cv::Mat& pixels, int row, std::vector<std::uint8_t>& differs,
-                      std::vector<std::uint8_t>& textured) {
-  if (pixels.cols <= Reach) {
-    return;
-  }
-  const size_t count = static_cast<size_t>(pixels.cols - Reach);
-  MarkDifferences(pixels.ptr(row), pixels.ptr(row, Reach), count, pixels.elemSize(),
-                  differs.data());
-  for (size_t i = 0; i < count; ++i) {
-    textured[i] |= differs[i];
-    textured[i + Reach] |= differs[i];
-  }
-}
+/// Tells which pixels of a row differ from their surroundings.
+class RowTexture {
+ public:
+  explicit RowTexture(const cv::Mat& pixels)
+      : pixels(pixels),
+        differs(static_cast<size_t>(pixels.cols)),
+        textured(static_cast<size_t>(pixels.cols)) {}
 
-void MarkTextureBetweenRows(const cv::Mat& pixels, int row, int other,
-                            std::vector<std::uint8_t>& differs,
-                            std::vector<std::uint8_t>& textured) {
-  MarkDifferences(pixels.ptr(row), pixels.ptr(other), textured.size(), pixels.elemSize(),
-                  differs.data());
-  for (size_t i = 0; i < textured.size(); ++i) {
-    textured[i] |= differs[i];
+  /// @return for each of the pixels of a row from `begin` to `end` whether it does
+  const std::vector<std::uint8_t>& Find(int row, int begin, int end) {
+    std::fill_n(textured.begin(), end - begin, std::uint8_t{0});
+    const cv::Range middle(std::max(begin, Reach), std::min(end, pixels.cols - Reach));
+    Mark({begin, row}, {begin + Reach, row}, middle.end - begin, 0);
+    Mark({middle.start, row}, {middle.start - Reach, row}, end - middle.start,
+         middle.start - begin);
+    Mark({begin, row}, {begin, std::max(row - Reach, 0)}, end - begin, 0);
+    Mark({begin, row}, {begin, std::min(row + Reach, pixels.rows - 1)}, end - begin, 0);
+    return textured;
   }
-}
+
+ private:
+  /// @param count pixels to compare, 0 or less for none
+  /// @param first index of the first one's mark
+  void Mark(const cv::Point& place, const cv::Point& other, int count, int first) {
+    if (count <= 0 ||
+        !MarkDifferences(pixels.ptr(place.y, place.x), pixels.ptr(other.y, other.x),
+                         static_cast<size_t>(count), pixels.elemSize(), differs.data())) {
+      return;
+    }
+    std::uint8_t* const marks = textured.data() + first;
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+      marks[i] |= differs[i];
+    }
+  }
+
+  const cv::Mat& pixels;
+  std::vector<std::uint8_t> differs;
+  std::vector<std::uint8_t> textured;
+};
 
 /// Turns what stands still into plain background where it equals its surroundings.
-void MarkPlain(const cv::Mat& pixels, cv::Mat& kinds) {
-  std::vector<std::uint8_t> differs(static_cast<size_t>(pixels.cols));
-  std::vector<std::uint8_t> textured(differs.size());
-  for (int row = 0; row < pixels.rows; ++row) {
-    std::fill(textured.begin(), textured.end(), std::uint8_t{0});
-    MarkTextureInRow(pixels, row, differs, textured);
-    MarkTextureBetweenRows(pixels, row, std::max(row - Reach, 0), differs, textured);
-    MarkTextureBetweenRows(pixels, row, std::min(row + Reach, pixels.rows - 1), differs, textured);
-    std::uint8_t* const kind = kinds.ptr(row);
-    for (size_t column = 0; column < textured.size(); ++column) {
-      kind[column] =
-          std::min<std::uint8_t>(kind[column], static_cast<std::uint8_t>(Plain + textured[column]));
+void MarkPlain(RowTexture& texture, const cv::Rect& area, cv::Mat& kinds) {
+  for (int row = area.y; row < area.y + area.height; ++row) {
+    const std::uint8_t* const textured = texture.Find(row, area.x, area.x + area.width).data();
+    std::uint8_t* const kind = kinds.ptr(row, area.x);
+    for (int i = 0; i < area.width; ++i) {
+      kind[i] = std::min<std::uint8_t>(kind[i], static_cast<std::uint8_t>(Plain + textured[i]));
     }
   }
+}
+
+/// The pixels of marked cells: a part for each sequence of such cells in a row of cells.
+std::vector<cv::Rect> PartsOf(const cv::Mat& cells, const cv::Size& size) {
+  std::vector<cv::Rect> parts;
+  for (int row = 0; row < cells.rows; ++row) {
+    const std::uint8_t* const marks = cells.ptr(row);
+    const std::uint8_t* const end = marks + cells.cols;
+    for (const std::uint8_t* cell = marks; cell != end;) {
+      const std::uint8_t* const first =
+          std::find_if(cell, end, [](auto mark) { return mark != 0; });
+      cell = std::find(first, end, std::uint8_t{0});
+      const cv::Rect inCells(static_cast<int>(first - marks), row, static_cast<int>(cell - first),
+                             1);
+      const cv::Rect part(inCells.tl() * CellSize, inCells.size() * CellSize);
+      if (!part.empty()) {
+        parts.push_back(part & cv::Rect({}, size));
+      }
+    }
+  }
+  return parts;
 }
 
 }  // namespace
 
-cv::Mat FindPixelKinds(const CaptureSource& source, const CaptureLayout& layout, size_t capture) {
+cv::Mat FindPixelKinds(const CaptureSource& source, const CaptureLayout& layout, size_t capture,
+                       const cv::Mat& cells) {
   const auto pixels = source.Get(capture);
   cv::Mat kinds = cv::Mat::zeros(pixels->size(), CV_8U);
+  const std::vector<cv::Rect> parts = PartsOf(cells, pixels->size());
   for (const bool later : {false, true}) {
     if (const auto other = NeighbourInTime(layout, capture, later)) {
-      MarkStanding(*pixels, *source.Get(*other), kinds);
+      const auto otherPixels = source.Get(*other);
+      for (const cv::Rect& part : parts) {
+        MarkStanding(*pixels, *otherPixels, part, kinds);
+      }
     }
   }
-  MarkPlain(*pixels, kinds);
+  RowTexture texture(*pixels);
+  for (const cv::Rect& part : parts) {
+    MarkPlain(texture, part, kinds);
+  }
   return kinds;
 }
 

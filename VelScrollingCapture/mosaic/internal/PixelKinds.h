@@ -21,6 +21,8 @@ inline constexpr int PixelKindCount = 3;
 
 /// The kinds of the pixels of one capture (CV_8U). It is compared with the nearest captures before
 /// and after it that lie elsewhere.
-cv::Mat FindPixelKinds(const CaptureSource& source, const CaptureLayout& layout, size_t capture);
+/// @param cells CV_8U, a value a cell: not 0 where kinds are wanted
+cv::Mat FindPixelKinds(const CaptureSource& source, const CaptureLayout& layout, size_t capture,
+                       const cv::Mat& cells);
 
 }  // namespace ScrollingCapture

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <tuple>
 
 #include <VelScrollingCapture/mosaic/internal/Runs.h>
@@ -7,8 +8,8 @@ namespace ScrollingCapture {
 namespace {
 
 /// Appends a pixel, to the last run where it goes on.
-void Append(std::vector<Run>& runs, size_t firstOfCell, const Run& pixel) {
-  if (runs.size() > firstOfCell) {
+void Append(std::vector<Run>& runs, const Run& pixel) {
+  if (!runs.empty()) {
     Run& last = runs.back();
     if (last.row == pixel.row && last.capture == pixel.capture &&
         last.column + last.length == pixel.column) {
@@ -19,21 +20,27 @@ void Append(std::vector<Run>& runs, size_t firstOfCell, const Run& pixel) {
   runs.push_back(pixel);
 }
 
-void AddCell(const CellOwners& cell, const CaptureLayout& layout, std::vector<Run>& runs) {
+/// Runs of a row of cells, by row of pixels.
+using RunsOfRows = std::array<std::vector<Run>, CellSize>;
+
+/// Cells come from left to right.
+void AddCell(const CellOwners& cell, const CaptureLayout& layout, RunsOfRows& runs) {
   const cv::Point corner = cell.cell * CellSize;
-  const cv::Rect area = RowsOfCells(layout.PictureSize(), cell.cell.y, 1);
-  const int width = std::min(CellSize, layout.PictureSize().width - corner.x);
-  const std::vector<size_t> captures = layout.CapturesIn({corner.x, corner.y, width, area.height});
-  const size_t firstOfCell = runs.size();
+  const cv::Rect area =
+      cv::Rect(corner, cv::Size(CellSize, CellSize)) & cv::Rect({}, layout.PictureSize());
+  CellOwners first;
+  const std::vector<size_t> captures = layout.CapturesIn(area);
+  for (auto capture = captures.rbegin(); capture != captures.rend(); ++capture) {
+    const cv::Rect shown = (layout.RectOf(*capture) & area) - corner;
+    for (int row = shown.y; row < shown.y + shown.height; ++row) {
+      std::fill_n(&first.At(row, shown.x), shown.width, static_cast<std::uint32_t>(*capture));
+    }
+  }
   for (int row = 0; row < area.height; ++row) {
-    for (int column = 0; column < width; ++column) {
+    for (int column = 0; column < area.width; ++column) {
       const std::uint32_t owner = cell.At(row, column);
-      const cv::Point pixel = corner + cv::Point(column, row);
-      const auto first = std::find_if(captures.begin(), captures.end(), [&](size_t capture) {
-        return layout.RectOf(capture).contains(pixel);
-      });
-      if (owner != CellOwners::Nobody && first != captures.end() && *first != owner) {
-        Append(runs, firstOfCell, {pixel.y, pixel.x, 1, owner});
+      if (owner != CellOwners::Nobody && owner != first.At(row, column)) {
+        Append(runs[static_cast<size_t>(row)], {corner.y + row, corner.x + column, 1, owner});
       }
     }
   }
@@ -41,19 +48,25 @@ void AddCell(const CellOwners& cell, const CaptureLayout& layout, std::vector<Ru
 
 }  // namespace
 
-std::vector<Run> RunsOf(const std::vector<CellOwners>& cells, const CaptureLayout& layout) {
+std::vector<Run> RunsOf(std::vector<CellOwners> cells, const CaptureLayout& layout) {
+  const auto isBefore = [](const CellOwners& left, const CellOwners& right) {
+    return std::tie(left.cell.y, left.cell.x) < std::tie(right.cell.y, right.cell.x);
+  };
+  if (!std::is_sorted(cells.begin(), cells.end(), isBefore)) {
+    std::sort(cells.begin(), cells.end(), isBefore);
+  }
   std::vector<Run> runs;
-  for (const CellOwners& cell : cells) {
-    AddCell(cell, layout, runs);
+  for (auto cell = cells.begin(); cell != cells.end();) {
+    RunsOfRows ofRows;
+    const int cellRow = cell->cell.y;
+    for (; cell != cells.end() && cell->cell.y == cellRow; ++cell) {
+      AddCell(*cell, layout, ofRows);
+    }
+    for (const std::vector<Run>& ofRow : ofRows) {
+      runs.insert(runs.end(), ofRow.begin(), ofRow.end());
+    }
   }
-  std::sort(runs.begin(), runs.end(), [](const Run& left, const Run& right) {
-    return std::tie(left.row, left.column) < std::tie(right.row, right.column);
-  });
-  std::vector<Run> joined;
-  for (const Run& run : runs) {
-    Append(joined, 0, run);
-  }
-  return joined;
+  return runs;
 }
 
 }  // namespace ScrollingCapture

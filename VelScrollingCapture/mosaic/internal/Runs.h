@@ -39,6 +39,6 @@ struct CellOwners {
 
 /// The runs of cells, in the order of rows and columns, apart from pixels that belong to the first
 /// capture that shows them anyway.
-std::vector<Run> RunsOf(const std::vector<CellOwners>& cells, const CaptureLayout& layout);
+std::vector<Run> RunsOf(std::vector<CellOwners> cells, const CaptureLayout& layout);
 
 }  // namespace ScrollingCapture

@@ -4,7 +4,6 @@
 
 #include <VelScrollingCapture/mosaic/internal/CellDecision.h>
 #include <VelScrollingCapture/mosaic/internal/OwnParts.h>
-#include <VelScrollingCapture/mosaic/internal/ParallelFor.h>
 #include <VelScrollingCapture/mosaic/internal/Selection.h>
 
 namespace ScrollingCapture {
@@ -17,12 +16,12 @@ constexpr int BandRows = 8;
 class Selector {
  public:
   Selector(const CaptureSource& source, const CaptureLayout& layout, const DisputedCells& disputed,
-           const Suspicion& suspicion, unsigned threadCount)
+           const Suspicion& suspicion, Workers& workers)
       : source(source),
         layout(layout),
         disputed(disputed),
         suspicion(suspicion),
-        threadCount(threadCount),
+        workers(workers),
         ownParts(layout, suspicion) {}
 
   std::vector<Run> Select(const AnalysisProgress& progress) {
@@ -48,8 +47,8 @@ class Selector {
   void SelectBand(const cv::Rect& band, const std::vector<DisputedCells::const_iterator>& rows) {
     const std::vector<Strip> strips = CopyStrips(band);
     std::vector<std::vector<CellDecision>> decided(rows.size());
-    ParallelFor(rows.size(), threadCount,
-                [&](size_t i) { decided[i] = DecideRow(rows[i]->first, rows[i]->second, strips); });
+    workers.Do(rows.size(),
+               [&](size_t i) { decided[i] = DecideRow(rows[i]->first, rows[i]->second, strips); });
     std::vector<CellOwners> settled;
     for (std::vector<CellDecision>& row : decided) {
       for (CellDecision& decision : row) {
@@ -60,13 +59,13 @@ class Selector {
         }
       }
     }
-    AddRuns(settled);
+    AddRuns(std::move(settled));
   }
 
   std::vector<Strip> CopyStrips(const cv::Rect& band) const {
     const std::vector<size_t> captures = layout.CapturesIn(band);
     std::vector<Strip> strips(captures.size());
-    ParallelFor(captures.size(), threadCount, [&](size_t i) {
+    workers.Do(captures.size(), [&](size_t i) {
       const size_t capture = captures[i];
       const cv::Rect area = layout.RectOf(capture) & band;
       const cv::Rect inCapture = area - layout.CornerOf(capture);
@@ -89,8 +88,8 @@ class Selector {
     return decisions;
   }
 
-  void AddRuns(const std::vector<CellOwners>& cells) {
-    const std::vector<Run> more = RunsOf(cells, layout);
+  void AddRuns(std::vector<CellOwners> cells) {
+    const std::vector<Run> more = RunsOf(std::move(cells), layout);
     runs.insert(runs.end(), more.begin(), more.end());
   }
 
@@ -98,7 +97,7 @@ class Selector {
   const CaptureLayout& layout;
   const DisputedCells& disputed;
   const Suspicion& suspicion;
-  const unsigned threadCount;
+  Workers& workers;
   OwnParts ownParts;
   std::vector<Run> runs;
 };
@@ -107,8 +106,8 @@ class Selector {
 
 std::vector<Run> SelectCaptures(const CaptureSource& source, const CaptureLayout& layout,
                                 const DisputedCells& disputed, const Suspicion& suspicion,
-                                unsigned threadCount, const AnalysisProgress& progress) {
-  return Selector(source, layout, disputed, suspicion, threadCount).Select(progress);
+                                Workers& workers, const AnalysisProgress& progress) {
+  return Selector(source, layout, disputed, suspicion, workers).Select(progress);
 }
 
 }  // namespace ScrollingCapture

@@ -8,6 +8,7 @@
 #include <VelScrollingCapture/mosaic/internal/CaptureSource.h>
 #include <VelScrollingCapture/mosaic/internal/Runs.h>
 #include <VelScrollingCapture/mosaic/internal/Suspicion.h>
+#include <VelScrollingCapture/mosaic/internal/Workers.h>
 
 namespace ScrollingCapture {
 
@@ -15,6 +16,6 @@ namespace ScrollingCapture {
 /// @return where that is not the first capture that shows the pixel, by rows and columns
 std::vector<Run> SelectCaptures(const CaptureSource& source, const CaptureLayout& layout,
                                 const DisputedCells& disputed, const Suspicion& suspicion,
-                                unsigned threadCount, const AnalysisProgress& progress);
+                                Workers& workers, const AnalysisProgress& progress);
 
 }  // namespace ScrollingCapture
