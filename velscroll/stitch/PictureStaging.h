@@ -18,7 +18,8 @@ using PictureParts = std::vector<std::shared_ptr<const StitchedPicture>>;
 /// As Outputs::RequireWritable.
 void RequireWritable(const PictureParts& parts, const Outputs& outputs);
 
-/// Writes the parts of the picture, but not yet under their names. Throws BadInput, Failed and Cancelled.
+/// Writes the parts of the picture, but not yet under their names. Throws BadInput, Failed and
+/// Cancelled.
 /// @param tell hears how much of all parts has been written, in percent; may throw, which ends it
 std::vector<ReportedPart> StageParts(const PictureParts& parts, const ImageMetadata& metadata,
                                      Outputs& outputs, const std::function<void(int)>& tell);
