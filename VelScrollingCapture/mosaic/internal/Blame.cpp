@@ -48,7 +48,7 @@ struct Weights {
 };
 
 /// What the contradictions between two cells say about one of them.
-struct Verdict {
+struct Judgement {
   float against = 0;
   float inFavour = 0;
 
@@ -242,8 +242,8 @@ class BlameSearch {
   void Weigh(const CapturePair& pair, const Contradiction& contradiction) {
     const float first = suspicion[pair.first].ptr<float>()[contradiction.firstCell];
     const float second = suspicion[pair.second].ptr<float>()[contradiction.secondCell];
-    Verdict ofFirst;
-    Verdict ofSecond;
+    Judgement ofFirst;
+    Judgement ofSecond;
     for (size_t kinds = 0; kinds < contradiction.counts.size(); ++kinds) {
       if (contradiction.counts[kinds] == 0 || kinds == BothMoving) {
         continue;
@@ -263,9 +263,9 @@ class BlameSearch {
     Hold(weights[pair.second], contradiction.secondCell, ofSecond);
   }
 
-  static void Hold(Weights& cellWeights, std::uint32_t cell, const Verdict& verdict) {
-    cellWeights.against.ptr<float>()[cell] += verdict.against;
-    cellWeights.inFavour.ptr<float>()[cell] += verdict.inFavour;
+  static void Hold(Weights& cellWeights, std::uint32_t cell, const Judgement& judgement) {
+    cellWeights.against.ptr<float>()[cell] += judgement.against;
+    cellWeights.inFavour.ptr<float>()[cell] += judgement.inFavour;
   }
 
   /// Finds what all captures together say of places, and lets cells that stay the same from capture
