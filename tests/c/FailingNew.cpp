@@ -44,7 +44,9 @@ WorkingNew::~WorkingNew() { passing = suspended; }
 // OpenCV forgets the pixels of a matrix whose administration it cannot allocate.
 // NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
 extern "C" VEL_EXPORT const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:cv::Mat::create"; }
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:cv::Mat::create\nleak:cv::_OutputArray::create";
+}
 // NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)
 
 // The whole program's: the library's are among them.
